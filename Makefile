@@ -1,0 +1,68 @@
+# Everyday jobs, each one command. CMake does the building; this file only drives it and makes
+# sure that the Debian packages a job needs are there (installing them when run as root).
+
+JOBS       ?= 2
+PREFIX     ?= /usr/local
+BUILD      ?= build/release
+BUILD_TEST ?= build/test
+BUILD_BENCH?= build/bench
+BUILD_TSAN ?= build/tsan
+
+BASE_PKGS  := cmake g++ make pkg-config
+TEST_PKGS  := libgtest-dev
+BENCH_PKGS := libbenchmark-dev libexpat1-dev libxml2-dev libpugixml-dev libtinyxml2-dev
+FUZZ_PKGS  := clang libclang-rt-14-dev
+
+# Installs the named Debian packages that are missing, or says which to install.
+define need
+	@missing=""; for p in $(1); do dpkg -s $$p >/dev/null 2>&1 || missing="$$missing $$p"; done; \
+	if [ -n "$$missing" ]; then \
+	  if [ "$$(id -u)" = 0 ]; then \
+	    echo "Installing:$$missing"; \
+	    (apt-get update -qq && DEBIAN_FRONTEND=noninteractive apt-get install -y -qq $$missing) || \
+	      { echo "could not install:$$missing"; exit 1; }; \
+	  else echo "Please install these Debian packages: sudo apt-get install$$missing"; exit 1; fi; \
+	fi
+endef
+
+.PHONY: all build test demo bench fuzz tsan install clean deps
+
+all: build
+
+build:
+	$(call need,$(BASE_PKGS))
+	cmake -S . -B $(BUILD) -DCMAKE_BUILD_TYPE=Release -DZARNXML_TESTS=OFF
+	cmake --build $(BUILD) -j$(JOBS)
+
+# Debug build with AddressSanitizer and UndefinedBehaviorSanitizer, then every test.
+test:
+	$(call need,$(BASE_PKGS) $(TEST_PKGS))
+	cmake -S . -B $(BUILD_TEST) -DCMAKE_BUILD_TYPE=Debug -DZARNXML_SANITIZE=ON -DZARNXML_TESTS=ON
+	cmake --build $(BUILD_TEST) -j$(JOBS)
+	cd $(BUILD_TEST) && ASAN_OPTIONS=detect_leaks=1 UBSAN_OPTIONS=print_stacktrace=1:halt_on_error=1 \
+	  ctest --output-on-failure -j$(JOBS)
+
+demo: build
+	$(BUILD)/examples/zarnxml_demo $(BUILD)/demo
+
+bench:
+	$(call need,$(BASE_PKGS) $(BENCH_PKGS))
+	cmake -S . -B $(BUILD_BENCH) -DCMAKE_BUILD_TYPE=Release -DZARNXML_TESTS=OFF -DZARNXML_BENCH=ON
+	cmake --build $(BUILD_BENCH) -j$(JOBS)
+	@if [ -x bench/run.sh ]; then bench/run.sh $(BUILD_BENCH); else echo "no benchmarks yet"; fi
+
+tsan:
+	$(call need,$(BASE_PKGS) $(TEST_PKGS))
+	cmake -S . -B $(BUILD_TSAN) -DCMAKE_BUILD_TYPE=Debug -DZARNXML_TSAN=ON -DZARNXML_TESTS=ON
+	cmake --build $(BUILD_TSAN) -j$(JOBS)
+	cd $(BUILD_TSAN) && ctest --output-on-failure -j$(JOBS)
+
+fuzz:
+	$(call need,$(BASE_PKGS) $(FUZZ_PKGS))
+	@echo "no fuzz targets yet"
+
+install: build
+	cmake --install $(BUILD) --prefix $(PREFIX)
+
+clean:
+	rm -rf build

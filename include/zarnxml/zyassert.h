@@ -1,0 +1,33 @@
+/* zarnxml: internal errors.
+ *
+ * The library reports a breach of a precondition, or a document that a strict read did not
+ * expect, through these functions. They never return: they call the process's handler, which
+ * must end the process or throw a C++ exception. The default handler prints
+ * "origen:linea: condicion (mensaje)" to standard error and calls abort(). If a handler
+ * returns, the library aborts. The handler may be read from any thread. */
+#ifndef ZARNXML_ZYASSERT_H
+#define ZARNXML_ZYASSERT_H
+
+#include "zarntipos.h"
+
+ZARN_BEGIN_DECLS
+
+/* condicion: the literal of the failed condition (null for a switch without a case);
+ * mensaje: the extra text of error_interno_msg, or null. */
+typedef void (*zyassert_manejador_t)(const char *condicion, const char *origen, uint32_t linea,
+                                     const char *mensaje);
+
+/* Installs a handler and returns the old one; NULL restores the default. */
+ZARN_API zyassert_manejador_t zyassert_instala_manejador(zyassert_manejador_t manejador);
+
+ZARN_API ZARN_NORETURN void error_interno(const char *condicion, const char *origen, uint32_t linea,
+                                          int reservado);
+ZARN_API ZARN_NORETURN void error_interno_msg(const char *condicion, const char *origen,
+                                              uint32_t linea, const char *mensaje, int reservado);
+ZARN_API ZARN_NORETURN void error_interno_default_error(const void *reservado1,
+                                                        const void *reservado2, const char *origen,
+                                                        uint32_t linea, int reservado);
+
+ZARN_END_DECLS
+
+#endif

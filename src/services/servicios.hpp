@@ -1,0 +1,98 @@
+// Internal C++ layer of the service components: heap strings, text conversion, case folding,
+// number texts, Base64 and the assertion macros. The C functions of include/zarnxml/ are thin
+// wrappers over these; the writer, the reader and the tree call these directly.
+#pragma once
+
+#include <zarnxml/zarntipos.h>
+#include <zarnxml/zyassert.h>
+
+#include <cstdint>
+#include <cstring>
+#include <string>
+#include <string_view>
+#include <vector>
+
+namespace zarn {
+
+// ---- Internal errors -------------------------------------------------------------------------
+
+inline constexpr const char *ORIGEN_STREAMING = "zarnfxml (ZARNXML.DLL)";
+inline constexpr const char *ORIGEN_ARBOL = "zarnxml (ZARNXML.DLL)";
+
+// Every failed check goes through the installed handler; these never return.
+#define ZARN_ASSERT_TEXTO(cond, texto, origen)                                                     \
+    do {                                                                                           \
+        if (!(cond)) [[unlikely]]                                                                  \
+            ::error_interno((texto), (origen), static_cast<uint32_t>(__LINE__), 0);                \
+    } while (0)
+// "(p) != NULL", the form of every null check of the library.
+#define ZARN_ASSERT_NO_NULL(p, origen) ZARN_ASSERT_TEXTO((p) != nullptr, "(" #p ") != NULL", origen)
+#define ZARN_DEFAULT_ERROR(origen)                                                                 \
+    ::error_interno_default_error(nullptr, nullptr, (origen), static_cast<uint32_t>(__LINE__), 0)
+
+// ---- Heap strings ----------------------------------------------------------------------------
+
+// A malloc'd copy with a terminator; these are the library's CADENA and CADENA_u.
+char *dup(std::string_view s);
+char16_t *dup_u(std::u16string_view s);
+// Allocates n + 1 bytes / units and never returns null.
+char *reserva(size_t n);
+char16_t *reserva_u(size_t n);
+void libera(void *p) noexcept;
+
+inline std::string_view vista(const char *s) { return s ? std::string_view(s) : std::string_view(); }
+inline std::u16string_view vista(const char16_t *s) {
+    return s ? std::u16string_view(s) : std::u16string_view();
+}
+
+// ---- Conversion ------------------------------------------------------------------------------
+// "ANSI", the 8-bit text of the interface, is UTF-8. Each function appends to `out`.
+
+// UTF-16 to UTF-8; a lone surrogate becomes U+FFFD.
+void utf16_a_utf8(std::u16string_view s, std::string &out);
+// UTF-8 to UTF-16; a byte outside a valid sequence is its Windows-1252 character.
+void utf8_a_utf16(std::string_view s, std::u16string &out);
+// 8-bit to UTF-8: valid sequences are copied, other bytes become their Windows-1252 character.
+void ansi_a_utf8(std::string_view s, std::string &out);
+// UTF-16 to Latin-1, '?' for what Latin-1 cannot hold (a surrogate pair counts once).
+void utf16_a_latin1(std::u16string_view s, std::string &out);
+// Latin-1 to UTF-16.
+void latin1_a_utf16(std::string_view s, std::u16string &out);
+
+inline std::string utf16_a_utf8(std::u16string_view s) {
+    std::string out;
+    utf16_a_utf8(s, out);
+    return out;
+}
+inline std::u16string utf8_a_utf16(std::string_view s) {
+    std::u16string out;
+    utf8_a_utf16(s, out);
+    return out;
+}
+
+// True if s is entirely valid UTF-8 (so ansi_a_utf8 would copy it unchanged).
+bool es_utf8_valido(std::string_view s) noexcept;
+
+// ---- Comparison ------------------------------------------------------------------------------
+
+// Folds ASCII and Latin-1 letters (U+00C0-U+00DE, not U+00D7) to lower case.
+char16_t pliega(char16_t c) noexcept;
+bool iguales_may_o_min(std::u16string_view a, std::u16string_view b) noexcept;
+// 8-bit texts compared as the characters that they decode to.
+bool iguales_may_o_min(std::string_view a, std::string_view b) noexcept;
+
+// ---- Numbers ---------------------------------------------------------------------------------
+
+// The text of convers_texto_ex (see zarnbase.h), as 8-bit ASCII.
+std::string double_a_texto(double valor, uint32_t ancho, uint32_t decimales,
+                           bool sin_decimales_si_no_tiene);
+// Leading blanks skipped, the longest prefix that is a number, 0 if none; locale-free.
+double texto_a_double(std::string_view s) noexcept;
+int64_t texto_a_int64(std::string_view s) noexcept;
+
+// ---- Base64 ----------------------------------------------------------------------------------
+
+std::string base64_codifica(const uint8_t *datos, size_t tamanyo);
+std::vector<uint8_t> base64_decodifica(std::string_view texto);
+
+} // namespace zarn
