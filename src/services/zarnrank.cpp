@@ -1,0 +1,47 @@
+// The ordered pointer array: elements stay in insertion order. The three creation values are
+// reserved for an order of the caller's choosing and are not read.
+#include "services/arrays.hpp"
+#include "services/servicios.hpp"
+
+#include <zarnxml/zarnrank.h>
+
+#include <limits>
+#include <memory>
+#include <utility>
+
+namespace {
+constexpr const char *ORIGEN = "zarnrank";
+}
+
+extern "C" {
+
+ZARN_API ApunOrde apunorde_nousar_crea(int64_t, int64_t, int64_t) {
+    return std::make_unique<ApunOrde_s>().release();
+}
+
+ZARN_API void apunorde_nousar_inserta_original(ApunOrde arr, void *p, int) {
+    ZARN_ASSERT_NO_NULL(arr, ORIGEN);
+    ZARN_ASSERT_TEXTO(arr->v.size() < std::numeric_limits<uint32_t>::max(),
+                      "num_elems < 0xFFFFFFFF", ORIGEN);
+    arr->v.push_back(p);
+}
+
+ZARN_API uint32_t apunorde_nousar_numelems(ApunOrde arr) {
+    ZARN_ASSERT_NO_NULL(arr, ORIGEN);
+    return static_cast<uint32_t>(arr->v.size());
+}
+
+ZARN_API void *apunorde_nousar_get(ApunOrde arr, uint32_t ind) {
+    ZARN_ASSERT_NO_NULL(arr, ORIGEN);
+    ZARN_ASSERT_TEXTO(ind < arr->v.size(), "ind < num_elems", ORIGEN);
+    return arr->v[ind];
+}
+
+ZARN_API void apunorde_destruye(ApunOrde *arr, arr_func_destruye_t func) {
+    ZARN_ASSERT_NO_NULL(arr, ORIGEN);
+    std::unique_ptr<ApunOrde_s> propio(std::exchange(*arr, nullptr));
+    if (propio && func)
+        for (void *&hueco : propio->v)
+            func(&hueco);
+}
+}

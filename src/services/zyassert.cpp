@@ -1,0 +1,52 @@
+// Internal errors: every failed check of the library ends here, in the process's handler.
+#include <zarnxml/zyassert.h>
+
+#include <atomic>
+#include <cstdio>
+#include <cstdlib>
+
+namespace {
+
+void manejador_por_defecto(const char *condicion, const char *origen, uint32_t linea,
+                           const char *mensaje) {
+    std::fprintf(stderr, "%s:%lu: %s", origen ? origen : "?", static_cast<unsigned long>(linea),
+                 condicion ? condicion : "default error");
+    if (mensaje)
+        std::fprintf(stderr, " (%s)", mensaje);
+    std::fputc('\n', stderr);
+    std::fflush(stderr);
+    std::abort();
+}
+
+// Read from any thread; installed rarely.
+std::atomic<zyassert_manejador_t> manejador{manejador_por_defecto};
+
+[[noreturn]] void llama(const char *condicion, const char *origen, uint32_t linea,
+                        const char *mensaje) {
+    manejador.load(std::memory_order_acquire)(condicion, origen, linea, mensaje);
+    // A handler that returns leaves the library nowhere to go.
+    std::abort();
+}
+
+} // namespace
+
+extern "C" {
+
+ZARN_API zyassert_manejador_t zyassert_instala_manejador(zyassert_manejador_t nuevo) {
+    return manejador.exchange(nuevo ? nuevo : manejador_por_defecto, std::memory_order_acq_rel);
+}
+
+ZARN_API void error_interno(const char *condicion, const char *origen, uint32_t linea, int) {
+    llama(condicion, origen, linea, nullptr);
+}
+
+ZARN_API void error_interno_msg(const char *condicion, const char *origen, uint32_t linea,
+                                const char *mensaje, int) {
+    llama(condicion, origen, linea, mensaje);
+}
+
+ZARN_API void error_interno_default_error(const void *, const void *, const char *origen,
+                                          uint32_t linea, int) {
+    llama(nullptr, origen, linea, nullptr);
+}
+}

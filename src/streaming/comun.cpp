@@ -1,0 +1,109 @@
+// The configuration record, the encodings and the property record.
+#include "streaming/comun.hpp"
+
+#include <cstdlib>
+
+using zarn::ORIGEN_STREAMING;
+
+std::unique_ptr<zarnfxml_conf_t> i_crea_conf(int32_t tipo_codificacion,
+                                             std::u16string_view texto_zybool_true,
+                                             std::u16string_view texto_zybool_false,
+                                             std::u16string_view separador_items,
+                                             zybool indenta_con_espacios,
+                                             uint32_t num_espacios_indentacion) {
+    return std::make_unique<zarnfxml_conf_t>(
+        tipo_codificacion, std::u16string(texto_zybool_true), std::u16string(texto_zybool_false),
+        std::u16string(separador_items), indenta_con_espacios, num_espacios_indentacion);
+}
+
+std::unique_ptr<zarnfxml_conf_t> i_crea_conf_UTF_8() {
+    return i_crea_conf(i_CODIFICACION_UTF_8, u"1", u"0", u" ", FALSO, 4);
+}
+
+const char *i_texto_codificacion(int32_t tipo_codificacion) {
+    switch (tipo_codificacion) {
+    case i_CODIFICACION_ISO_8859_1:
+        return "iso-8859-1";
+    case i_CODIFICACION_UTF_8:
+    case i_CODIFICACION_UTF_8_COMILLAS:
+        return "UTF-8";
+    case i_CODIFICACION_UTF_16:
+        return "UTF-16";
+    default:
+        ZARN_DEFAULT_ERROR(ORIGEN_STREAMING);
+    }
+}
+
+const char16_t *i_texto_codificacion_u(int32_t tipo_codificacion) {
+    switch (tipo_codificacion) {
+    case i_CODIFICACION_ISO_8859_1:
+        return u"iso-8859-1";
+    case i_CODIFICACION_UTF_8:
+    case i_CODIFICACION_UTF_8_COMILLAS:
+        return u"UTF-8";
+    case i_CODIFICACION_UTF_16:
+        return u"UTF-16";
+    default:
+        ZARN_DEFAULT_ERROR(ORIGEN_STREAMING);
+    }
+}
+
+void i_actualiza_tipo_codificacion(int32_t tipo, const char16_t *nombre,
+                                   int32_t *tipo_codificacion) {
+    ZARN_ASSERT_NO_NULL(tipo_codificacion, ORIGEN_STREAMING);
+    if (zarn::iguales_may_o_min(zarn::vista(nombre), std::u16string_view(i_texto_codificacion_u(tipo))))
+        *tipo_codificacion = tipo;
+}
+
+// ---- Property records ------------------------------------------------------------------------
+
+zarnfxml_propiedad_t *i_crea_propiedad(CADENA *texto_propiedad, CADENA_u *dato_propiedad) {
+    auto *p = static_cast<zarnfxml_propiedad_t *>(zarnspy_nousar_malloc(sizeof(zarnfxml_propiedad_t)));
+    p->texto_propiedad = static_cast<CADENA>(
+        zarnspy_nousar_asigna_doble_puntero_no_null(reinterpret_cast<void **>(texto_propiedad)));
+    p->dato_propiedad = static_cast<CADENA_u>(
+        zarnspy_nousar_asigna_doble_puntero_no_null(reinterpret_cast<void **>(dato_propiedad)));
+    return p;
+}
+
+zarnfxml_propiedad_t *i_crea_propiedad(std::string_view texto, std::u16string_view dato) {
+    auto *p = static_cast<zarnfxml_propiedad_t *>(zarnspy_nousar_malloc(sizeof(zarnfxml_propiedad_t)));
+    p->texto_propiedad = zarn::dup(texto);
+    p->dato_propiedad = zarn::dup_u(dato);
+    return p;
+}
+
+zarnfxml_propiedad_t *i_copia_propiedad(const zarnfxml_propiedad_t *propiedad) {
+    ZARN_ASSERT_NO_NULL(propiedad, ORIGEN_STREAMING);
+    return i_crea_propiedad(zarn::vista(propiedad->texto_propiedad),
+                            zarn::vista(propiedad->dato_propiedad));
+}
+
+void i_destruye_propiedad(zarnfxml_propiedad_t **propiedad) {
+    ZARN_ASSERT_NO_NULL(propiedad, ORIGEN_STREAMING);
+    ZARN_ASSERT_NO_NULL(*propiedad, ORIGEN_STREAMING);
+    zarn::libera((*propiedad)->texto_propiedad);
+    zarn::libera((*propiedad)->dato_propiedad);
+    zarn::libera(*propiedad);
+    *propiedad = nullptr;
+}
+
+zybool i_es_propiedad(const zarnfxml_propiedad_t *propiedad, const char *texto) {
+    ZARN_ASSERT_NO_NULL(propiedad, ORIGEN_STREAMING);
+    return zarn::iguales_may_o_min(zarn::vista(propiedad->texto_propiedad), zarn::vista(texto))
+               ? CIERTO
+               : FALSO;
+}
+
+void *i_copia_propiedad_void(const void *propiedad) {
+    return i_copia_propiedad(static_cast<const zarnfxml_propiedad_t *>(propiedad));
+}
+
+void i_destruye_propiedad_void(void **propiedad) {
+    i_destruye_propiedad(reinterpret_cast<zarnfxml_propiedad_t **>(propiedad));
+}
+
+zybool i_es_propiedad_void(const void *propiedad, const void *texto) {
+    return i_es_propiedad(static_cast<const zarnfxml_propiedad_t *>(propiedad),
+                          static_cast<const char *>(texto));
+}

@@ -1,0 +1,63 @@
+// What the writer and the reader share: the object tag behind zarnfxml_t, the configuration
+// record of a profile, the encodings, and the property record.
+#pragma once
+
+#include "services/servicios.hpp"
+
+#include <zarnxml/zarnfxml.h>
+
+#include <memory>
+#include <string>
+#include <string_view>
+
+enum i_tipo_codificacion_t : int32_t {
+    i_CODIFICACION_ISO_8859_1 = 0,
+    i_CODIFICACION_UTF_8 = 1,
+    i_CODIFICACION_UTF_8_COMILLAS = 2,
+    i_CODIFICACION_UTF_16 = 3,
+};
+
+// The profile of a streaming object.
+struct zarnfxml_conf_t {
+    int32_t tipo_codificacion;
+    std::u16string texto_zybool_true;
+    std::u16string texto_zybool_false;
+    std::u16string separador_items;
+    zybool indenta_con_espacios;
+    uint32_t num_espacios_indentacion;
+};
+
+std::unique_ptr<zarnfxml_conf_t> i_crea_conf(int32_t tipo_codificacion,
+                                             std::u16string_view texto_zybool_true,
+                                             std::u16string_view texto_zybool_false,
+                                             std::u16string_view separador_items,
+                                             zybool indenta_con_espacios,
+                                             uint32_t num_espacios_indentacion);
+// The row of zarnfxml_crea_para_escritura_UTF_8, which the reader starts from.
+std::unique_ptr<zarnfxml_conf_t> i_crea_conf_UTF_8();
+
+// Name of the encoding in the declaration; an unknown value is a default error.
+const char *i_texto_codificacion(int32_t tipo_codificacion);
+const char16_t *i_texto_codificacion_u(int32_t tipo_codificacion);
+// Sets *tipo_codificacion to tipo if nombre names it (case ignored).
+void i_actualiza_tipo_codificacion(int32_t tipo, const char16_t *nombre, int32_t *tipo_codificacion);
+
+// The two kinds of object behind zarnfxml_t, told apart by a private tag so that a writer given
+// to a read operation (or the reverse) ends in an internal error.
+enum class i_clase_objeto : uint32_t { escritor = 0x57524954u, lector = 0x52454144u };
+
+struct zarnfxml_s {
+    explicit zarnfxml_s(i_clase_objeto c) : clase(c) {}
+    const i_clase_objeto clase;
+};
+
+// Property records (owned by the lists that hold them).
+zarnfxml_propiedad_t *i_crea_propiedad(CADENA *texto_propiedad, CADENA_u *dato_propiedad);
+zarnfxml_propiedad_t *i_crea_propiedad(std::string_view texto, std::u16string_view dato);
+zarnfxml_propiedad_t *i_copia_propiedad(const zarnfxml_propiedad_t *propiedad);
+void i_destruye_propiedad(zarnfxml_propiedad_t **propiedad);
+zybool i_es_propiedad(const zarnfxml_propiedad_t *propiedad, const char *texto);
+// Adapters for the generic array operations.
+void *i_copia_propiedad_void(const void *propiedad);
+void i_destruye_propiedad_void(void **propiedad);
+zybool i_es_propiedad_void(const void *propiedad, const void *texto);

@@ -1,0 +1,284 @@
+// The writer: profiles, the line store, the open-tag stack, conversion and escaping, blocks,
+// string fields and the output file.
+#include "streaming/escritor.hpp"
+
+#include <algorithm>
+
+using zarn::ORIGEN_STREAMING;
+
+void i_destruye_arr_cadena::operator()(ArrCADENA_s *a) const noexcept {
+    ArrCADENA h = a;
+    arr_DestruyeCADENA(&h);
+}
+
+i_xml_escritura::i_xml_escritura(std::unique_ptr<zarnfxml_conf_t> c)
+    : zarnfxml_s(i_clase_objeto::escritor), conf(std::move(c)), lineas(arr_CreaCADENA(0)) {}
+
+i_xml_escritura *i_escritor(zarnfxml_t *xml, uint32_t linea_fuente) {
+    if (xml == nullptr) [[unlikely]]
+        error_interno("(xml) != NULL", ORIGEN_STREAMING, linea_fuente, 0);
+    if (xml->clase != i_clase_objeto::escritor) [[unlikely]]
+        error_interno("es_xml_escritura == CIERTO", ORIGEN_STREAMING, linea_fuente, 0);
+    return static_cast<i_xml_escritura *>(xml);
+}
+
+// ---- Conversion to output form ---------------------------------------------------------------
+
+namespace {
+
+// Replaces '&', '<', '>' in out[desde..]. One pass gives what the three passes '&', then '<',
+// then '>' give, since the entities that it makes are not looked at again.
+void i_reemplaza_entidades(std::string &out, size_t desde) {
+    const auto es_especial = [](char c) { return c == '&' || c == '<' || c == '>'; };
+    auto primero = std::find_if(out.begin() + static_cast<std::ptrdiff_t>(desde), out.end(),
+                                es_especial);
+    if (primero == out.end())
+        return;
+    const size_t inicio = static_cast<size_t>(primero - out.begin());
+    std::string cola(out, inicio);
+    out.resize(inicio);
+    for (char c : cola) {
+        switch (c) {
+        case '&':
+            out += "&amp;";
+            break;
+        case '<':
+            out += "&lt;";
+            break;
+        case '>':
+            out += "&gt;";
+            break;
+        default:
+            out += c;
+        }
+    }
+}
+
+} // namespace
+
+void i_codifica(std::string &out, std::string_view cadena, int32_t tipo_codificacion,
+                bool sin_entidades) {
+    switch (tipo_codificacion) {
+    case i_CODIFICACION_ISO_8859_1:
+        out.append(cadena);
+        return;
+    case i_CODIFICACION_UTF_8:
+    case i_CODIFICACION_UTF_8_COMILLAS:
+    case i_CODIFICACION_UTF_16: {
+        const size_t desde = out.size();
+        zarn::ansi_a_utf8(cadena, out);
+        if (!sin_entidades)
+            i_reemplaza_entidades(out, desde);
+        return;
+    }
+    default:
+        ZARN_DEFAULT_ERROR(ORIGEN_STREAMING);
+    }
+}
+
+void i_codifica_u(std::string &out, std::u16string_view cadena, int32_t tipo_codificacion,
+                  bool sin_entidades) {
+    switch (tipo_codificacion) {
+    case i_CODIFICACION_ISO_8859_1:
+        zarn::utf16_a_latin1(cadena, out);
+        return;
+    case i_CODIFICACION_UTF_8:
+    case i_CODIFICACION_UTF_8_COMILLAS:
+    case i_CODIFICACION_UTF_16: {
+        const size_t desde = out.size();
+        zarn::utf16_a_utf8(cadena, out);
+        if (!sin_entidades)
+            i_reemplaza_entidades(out, desde);
+        return;
+    }
+    default:
+        ZARN_DEFAULT_ERROR(ORIGEN_STREAMING);
+    }
+}
+
+std::string i_cadena_con_comillas(std::string_view cadena, int32_t tipo_codificacion) {
+    std::string texto = i_codifica_cadena(cadena, tipo_codificacion, true);
+    const char *marca = nullptr;
+    switch (tipo_codificacion) {
+    case i_CODIFICACION_UTF_8_COMILLAS:
+        marca = "&#34;";
+        break;
+    case i_CODIFICACION_ISO_8859_1:
+    case i_CODIFICACION_UTF_8:
+    case i_CODIFICACION_UTF_16:
+        marca = "\"";
+        break;
+    default:
+        ZARN_DEFAULT_ERROR(ORIGEN_STREAMING);
+    }
+    return marca + texto + marca;
+}
+
+// ---- The line store --------------------------------------------------------------------------
+
+std::string &i_empieza_linea(i_xml_escritura *xml) {
+    ZARN_ASSERT_NO_NULL(xml->conf, ORIGEN_STREAMING);
+    const size_t n = xml->etiquetas_abiertas.size();
+    std::string &linea = xml->linea;
+    linea.clear();
+    if (n > 0) {
+        if (xml->conf->indenta_con_espacios == CIERTO)
+            linea.append(size_t{xml->conf->num_espacios_indentacion} * n, ' ');
+        else
+            linea.append(n, '\t');
+    }
+    return linea;
+}
+
+void i_graba_linea_construida(i_xml_escritura *xml) {
+    xml->lineas->v.push_back(zarn::dup(xml->linea));
+}
+
+void i_graba_linea(i_xml_escritura *xml, std::string_view texto) {
+    i_empieza_linea(xml).append(texto);
+    i_graba_linea_construida(xml);
+}
+
+void i_graba_linea_sin_indentar(i_xml_escritura *xml, std::string_view texto) {
+    xml->lineas->v.push_back(zarn::dup(texto));
+}
+
+void i_graba_campo(i_xml_escritura *xml, std::string_view etiqueta, std::string_view dato) {
+    i_graba_campo_con(xml, etiqueta, [dato](std::string &l) { l += dato; });
+}
+
+void i_graba_campo_con_propiedad(i_xml_escritura *xml, std::string_view etiqueta,
+                                 std::string_view dato, std::string_view texto_propiedad,
+                                 std::string_view valor_propiedad) {
+    std::string &l = i_empieza_linea(xml);
+    l += '<';
+    l += etiqueta;
+    l += ' ';
+    l += texto_propiedad;
+    l += "=\"";
+    l += valor_propiedad;
+    l += "\">";
+    l += dato;
+    l += "</";
+    l += etiqueta;
+    l += '>';
+    i_graba_linea_construida(xml);
+}
+
+void i_graba_linea_inicio_bloque(i_xml_escritura *xml, std::string_view etiqueta) {
+    std::string &l = i_empieza_linea(xml);
+    l += '<';
+    l += etiqueta;
+    l += '>';
+    i_graba_linea_construida(xml);
+}
+
+void i_graba_linea_fin_bloque(i_xml_escritura *xml, std::string_view etiqueta) {
+    std::string &l = i_empieza_linea(xml);
+    l += "</";
+    l += etiqueta;
+    l += '>';
+    i_graba_linea_construida(xml);
+}
+
+std::string i_linea_cabecera_xml(const i_xml_escritura *xml) {
+    return std::string("<?xml version=\"1.0\" encoding=\"") +
+           i_texto_codificacion(xml->conf->tipo_codificacion) + "\"?>";
+}
+
+void i_genera_fichero(zarnfxml_t *handle, const char16_t *nombre_fichero, bool crear) {
+    i_xml_escritura *xml = I_ESCRITOR(handle);
+    ZARN_ASSERT_NO_NULL(xml->conf, ORIGEN_STREAMING);
+    ZARN_ASSERT_TEXTO(xml->etiquetas_abiertas.empty(),
+                      "arr_NumElemsCADENA(xml->etiquetas_abiertas) == 0", ORIGEN_STREAMING);
+    ArrCADENA_s cabecera;
+    std::string linea = i_linea_cabecera_xml(xml);
+    cabecera.v.push_back(linea.data());
+    if (crear) {
+        zdir_crea_directorios_fichero_UNICODE(nombre_fichero);
+        lc_Graba_Array_FicheroTxt_u(&cabecera, nombre_fichero);
+    } else {
+        lc_Anade_Array_FicheroTxt_u(&cabecera, nombre_fichero);
+    }
+    lc_Anade_Array_FicheroTxt_u(xml->lineas.get(), nombre_fichero);
+}
+
+// ---- The exported operations -----------------------------------------------------------------
+
+namespace {
+
+zarnfxml_t *i_crea_xml_escritura(int32_t tipo, std::u16string_view verdad,
+                                 std::u16string_view falso, zybool con_espacios,
+                                 uint32_t num_espacios) {
+    return new i_xml_escritura(i_crea_conf(tipo, verdad, falso, u" ", con_espacios, num_espacios));
+}
+
+} // namespace
+
+extern "C" {
+
+ZARN_API zarnfxml_t *zarnfxml_crea_para_escritura_ISO_8859_1(void) {
+    return i_crea_xml_escritura(i_CODIFICACION_ISO_8859_1, u"1", u"0", FALSO, 4);
+}
+
+ZARN_API zarnfxml_t *zarnfxml_crea_para_escritura_UTF_8(void) {
+    return i_crea_xml_escritura(i_CODIFICACION_UTF_8, u"1", u"0", FALSO, 4);
+}
+
+ZARN_API zarnfxml_t *zarnfxml_crea_para_escritura_UTF_8_androidstudio(void) {
+    return i_crea_xml_escritura(i_CODIFICACION_UTF_8, u"true", u"false", CIERTO, 4);
+}
+
+ZARN_API zarnfxml_t *zarnfxml_crea_para_escritura_UTF_8_codificando_comillas_cadena(void) {
+    return i_crea_xml_escritura(i_CODIFICACION_UTF_8_COMILLAS, u"True", u"False", FALSO, 4);
+}
+
+ZARN_API zarnfxml_t *zarnfxml_crea_para_escritura_UTF_8_indenta_con_espacios(uint32_t num_espacios) {
+    return i_crea_xml_escritura(i_CODIFICACION_UTF_8, u"1", u"0", CIERTO, num_espacios);
+}
+
+ZARN_API void zarnfxml_destruye_xml_escritura(zarnfxml_t **xml) {
+    ZARN_ASSERT_NO_NULL(xml, ORIGEN_STREAMING);
+    ZARN_ASSERT_NO_NULL(*xml, ORIGEN_STREAMING);
+    delete I_ESCRITOR(*xml);
+    *xml = nullptr;
+}
+
+ZARN_API void zarnfxml_graba_inicio_bloque(zarnfxml_t *handle, const char *etiqueta) {
+    i_xml_escritura *xml = I_ESCRITOR(handle);
+    i_graba_linea_inicio_bloque(xml, etiqueta);
+    xml->etiquetas_abiertas.emplace_back(etiqueta);
+}
+
+ZARN_API void zarnfxml_graba_fin_bloque(zarnfxml_t *handle) {
+    i_xml_escritura *xml = I_ESCRITOR(handle);
+    const size_t num_etiquetas_abiertas = xml->etiquetas_abiertas.size();
+    ZARN_ASSERT_TEXTO(num_etiquetas_abiertas > 0, "num_etiquetas_abiertas > 0", ORIGEN_STREAMING);
+    // The tag leaves the stack before the line is made, so that the end tag stands at the
+    // level of its start tag.
+    std::string etiqueta = std::move(xml->etiquetas_abiertas.back());
+    xml->etiquetas_abiertas.pop_back();
+    i_graba_linea_fin_bloque(xml, etiqueta);
+}
+
+ZARN_API void zarnfxml_graba_cadena(zarnfxml_t *handle, const char *etiqueta, const char *cadena) {
+    i_xml_escritura *xml = I_ESCRITOR(handle);
+    ZARN_ASSERT_NO_NULL(xml->conf, ORIGEN_STREAMING);
+    const int32_t tipo = xml->conf->tipo_codificacion;
+    i_graba_campo_con(xml, etiqueta,
+                      [&](std::string &l) { i_codifica(l, zarn::vista(cadena), tipo, false); });
+}
+
+ZARN_API void zarnfxml_graba_cadena_u(zarnfxml_t *handle, const char *etiqueta,
+                                      const char16_t *cadena) {
+    i_xml_escritura *xml = I_ESCRITOR(handle);
+    ZARN_ASSERT_NO_NULL(xml->conf, ORIGEN_STREAMING);
+    const int32_t tipo = xml->conf->tipo_codificacion;
+    i_graba_campo_con(xml, etiqueta,
+                      [&](std::string &l) { i_codifica_u(l, zarn::vista(cadena), tipo, false); });
+}
+
+ZARN_API void zarnfxml_genera_fichero_salida(zarnfxml_t *xml, const char16_t *nombre_fichero) {
+    i_genera_fichero(xml, nombre_fichero, true);
+}
+}
