@@ -184,6 +184,134 @@ ZARN_API void zarnfxml_graba_cdata_arr_cadena(zarnfxml_t *xml, ArrCADENA lineas,
                                               zarnfxml_func_convierte_linea_t func_convierte_linea,
                                               zybool con_saltos_linea);
 
+/* ---- Writer: arrays ------------------------------------------------------------------------- */
+
+/* How an array goes into lines, for the _numerados operations (items "uno", "dos", tag t,
+ * property n):
+ *   0 none: strings as 2; doubles on one line       1 <t>, <t>uno</t>, <t>dos</t>, </t>
+ *   2 <t>, uno, dos, </t>                             3 <t>uno</t>, <t>dos</t>
+ *   4 <t n="0">uno</t>, <t n="1">dos</t>              5 as 4, numbered from 1
+ *   6 as 4 between <t> and </t>                       7 as 5 between <t> and </t>
+ * The enclosing lines open no block: the items stand at their level. */
+#define ZARNFXML_NUMERACION_ARRAY_NINGUNA 0
+#define ZARNFXML_NUMERACION_ARRAY_BLOQUE_CAMPOS 1
+#define ZARNFXML_NUMERACION_ARRAY_BLOQUE_LINEAS 2
+#define ZARNFXML_NUMERACION_ARRAY_CAMPOS 3
+#define ZARNFXML_NUMERACION_ARRAY_DESDE_0 4
+#define ZARNFXML_NUMERACION_ARRAY_DESDE_1 5
+#define ZARNFXML_NUMERACION_ARRAY_BLOQUE_DESDE_0 6
+#define ZARNFXML_NUMERACION_ARRAY_BLOQUE_DESDE_1 7
+
+/* One line, items joined by the profile's separator: <t>1 0 1</t>. */
+ZARN_API void zarnfxml_graba_arr_bool(zarnfxml_t *xml, const char *etiqueta, ArrBOOL valores);
+ZARN_API void zarnfxml_graba_arr_ulong(zarnfxml_t *xml, const char *etiqueta, ArrULong valores);
+ZARN_API void zarnfxml_graba_arr_double(zarnfxml_t *xml, const char *etiqueta, ArrDouble valores,
+                                        uint32_t decimales);
+/* <t>2:1,2 3.5,4</t>: the count, a colon, then x,y items. */
+ZARN_API void zarnfxml_graba_arr_puntos2D(zarnfxml_t *xml, const char *etiqueta,
+                                          ArrPunto2D puntos);
+/* One line per item; propiedad_numero is read only for the numbered forms 4 to 7. */
+ZARN_API void zarnfxml_graba_arr_cadena_numerados(zarnfxml_t *xml, const char *etiqueta,
+                                                  ArrCADENA cadenas, int32_t tipo_numeracion_array,
+                                                  const char *propiedad_numero);
+ZARN_API void zarnfxml_graba_arr_cadena_numerados_u(zarnfxml_t *xml, const char *etiqueta,
+                                                    ArrCADENA_u cadenas,
+                                                    int32_t tipo_numeracion_array,
+                                                    const char *propiedad_numero);
+ZARN_API void zarnfxml_graba_arr_double_numerados(zarnfxml_t *xml, const char *etiqueta,
+                                                  ArrDouble valores, uint32_t decimales,
+                                                  int32_t tipo_numeracion_array,
+                                                  const char *propiedad_numero);
+ZARN_API void zarnfxml_graba_arr_cadena(zarnfxml_t *xml, const char *etiqueta, ArrCADENA cadenas);
+ZARN_API void zarnfxml_graba_arr_cadena_u(zarnfxml_t *xml, const char *etiqueta,
+                                          ArrCADENA_u cadenas);
+/* Real blocks: <t>, <count>n</count>, <item>...</item> ..., </t>. */
+ZARN_API void zarnfxml_graba_arr_cadena_u_xml(zarnfxml_t *xml, const char *etiqueta,
+                                              ArrCADENA_u cadenas);
+ZARN_API void zarnfxml_graba_arr_ulong_modo_lista(zarnfxml_t *xml, const char *etiqueta,
+                                                  ArrULong valores);
+/* <t>, then each key as a field etiqueta_item written byte for byte, </t>. */
+ZARN_API void zarnfxml_graba_bloque_array_claves(zarnfxml_t *xml, const char *etiqueta,
+                                                 const char *etiqueta_item, ArrCADENA claves);
+
+/* ---- Writer: the caller's structures through callbacks -------------------------------------- */
+
+typedef void (*func_graba_xml_item)(const void *item, zarnfxml_t *xml);
+typedef void (*func_graba_xml_item_1extra)(const void *item, void *extra, zarnfxml_t *xml);
+
+/* A pointer that the writer keeps for the caller, so that a callback can reach it. */
+ZARN_API void zarnfxml_nousar_set_item_asociado_escritura(zarnfxml_t *xml, void *item_asociado);
+ZARN_API void *zarnfxml_nousar_get_item_asociado_escritura(zarnfxml_t *xml);
+
+/* A null item writes nothing at all. */
+ZARN_API void zarnfxml_nousar_graba_estructura_opcional(zarnfxml_t *xml, const void *item,
+                                                        func_graba_xml_item func);
+ZARN_API void zarnfxml_nousar_graba_estructura_opcional_con_etiqueta(zarnfxml_t *xml,
+                                                                     const char *etiqueta,
+                                                                     const void *item,
+                                                                     func_graba_xml_item func);
+ZARN_API void zarnfxml_nousar_graba_estructura_opcional_con_etiqueta_y_propiedad1(
+    zarnfxml_t *xml, const char *etiqueta, const char *texto_propiedad,
+    const char *dato_propiedad, const void *item, func_graba_xml_item func);
+ZARN_API void zarnfxml_nousar_graba_estructura_opcional_con_etiqueta_y_propiedad2(
+    zarnfxml_t *xml, const char *etiqueta, const char *texto_propiedad1,
+    const char *dato_propiedad1, const char *texto_propiedad2, const char *dato_propiedad2,
+    const void *item, func_graba_xml_item func);
+ZARN_API void zarnfxml_nousar_graba_estructura_opcional_con_etiqueta_y_propiedad3(
+    zarnfxml_t *xml, const char *etiqueta, const char *texto_propiedad1,
+    const char *dato_propiedad1, const char *texto_propiedad2, const char *dato_propiedad2,
+    const char *texto_propiedad3, const char *dato_propiedad3, const void *item,
+    func_graba_xml_item func);
+ZARN_API void zarnfxml_nousar_graba_estructura_opcional_con_etiqueta_y_valor_propiedad1(
+    zarnfxml_t *xml, const char *etiqueta, const char *texto_propiedad, uint32_t valor,
+    const void *item, func_graba_xml_item func);
+
+/* Arrays of pointers: see the README for what a null array or a null element gives. */
+ZARN_API void zarnfxml_nousar_graba_arr_punterosST(zarnfxml_t *xml, ArrPuntero arr,
+                                                   func_graba_xml_item func);
+ZARN_API void zarnfxml_nousar_graba_arr_punterosST_1extra(zarnfxml_t *xml, ArrPuntero arr,
+                                                          func_graba_xml_item_1extra func,
+                                                          void *extra);
+ZARN_API void zarnfxml_nousar_graba_arr_punterosST_con_etiqueta(zarnfxml_t *xml,
+                                                                const char *etiqueta,
+                                                                ArrPuntero arr,
+                                                                func_graba_xml_item func);
+ZARN_API void zarnfxml_nousar_graba_arr_punterosST_con_etiqueta_y_propiedad1(
+    zarnfxml_t *xml, const char *etiqueta, const char *texto_propiedad,
+    const char *dato_propiedad, ArrPuntero arr, func_graba_xml_item func);
+ZARN_API void zarnfxml_nousar_graba_arr_punterosST_con_etiqueta_y_valor_propiedad1(
+    zarnfxml_t *xml, const char *etiqueta, const char *texto_propiedad, uint32_t valor,
+    ArrPuntero arr, func_graba_xml_item func);
+/* <list>, <count>n</count>, then <item> blocks with the callback inside each. */
+ZARN_API void zarnfxml_nousar_graba_arr_punterosST_como_lista_elementos_1extra(
+    zarnfxml_t *xml, ArrPuntero arr, func_graba_xml_item_1extra func, void *extra);
+ZARN_API void zarnfxml_nousar_graba_apunorde(zarnfxml_t *xml, ApunOrde arr,
+                                             func_graba_xml_item func);
+/* The same as zarnfxml_graba_arr_ulong_modo_lista. */
+ZARN_API void zarnfxml_nousar_graba_arr_enum(zarnfxml_t *xml, const char *etiqueta,
+                                             ArrULong valores);
+
+/* ---- Writer: assembly and text output ------------------------------------------------------- */
+
+/* Adds the lines of xml_anadir (all of whose blocks must be closed) at the present level of
+ * xml. xml_anadir stays the caller's. */
+ZARN_API void zarnfxml_concatena(zarnfxml_t *xml, zarnfxml_t *xml_anadir);
+/* Adds finished lines at the present level, unconverted. */
+ZARN_API void zarnfxml_concatena_codigo_xml(zarnfxml_t *xml, ArrCADENA lineas_xml);
+/* The stored lines joined by LF, with the declaration line in front if con_cabecera is CIERTO.
+ * Open blocks are allowed. A new string for the caller. */
+ZARN_API CADENA zarnfxml_xml_escritura_a_char(zarnfxml_t *xml, zybool con_cabecera);
+/* Writes the text to the file as it is (no line end added), replacing an older file. */
+ZARN_API void zarnfxml_escr_fichero_xml_string(const char *texto, const char16_t *nombre_fichero);
+/* As zarnfxml_genera_fichero_salida, but appends to the file. */
+ZARN_API void zarnfxml_append_a_fichero_salida_para_test(zarnfxml_t *xml,
+                                                         const char16_t *nombre_fichero);
+ZARN_API zybool zarnfxml_tiene_datos(zarnfxml_t *xml);
+/* The writer's own line store, lent: it lives as long as the writer and goes on growing. */
+ZARN_API ArrCADENA zarnfxml_lineas(zarnfxml_t *xml);
+
+/* ==== READER (declarations follow) ==== */
+
 ZARN_END_DECLS
 
 #endif

@@ -68,4 +68,8 @@ template <typename C, typename F> void por_lineas(std::basic_string_view<C> text
     }
 }
 
+// New arrays with one heap string for each line that por_lineas finds.
+ArrCADENA lista_lineas(std::string_view texto);
+ArrCADENA_u lista_lineas_u(std::u16string_view texto);
+
 } // namespace zarn

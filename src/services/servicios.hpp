@@ -40,7 +40,9 @@ char *reserva(size_t n);
 char16_t *reserva_u(size_t n);
 void libera(void *p) noexcept;
 
-inline std::string_view vista(const char *s) { return s ? std::string_view(s) : std::string_view(); }
+inline std::string_view vista(const char *s) {
+    return s ? std::string_view(s) : std::string_view();
+}
 inline std::u16string_view vista(const char16_t *s) {
     return s ? std::u16string_view(s) : std::u16string_view();
 }
@@ -70,6 +72,14 @@ inline std::u16string utf8_a_utf16(std::string_view s) {
     return out;
 }
 
+// The same conversions straight into a new heap string (CADENA, CADENA_u), one allocation each.
+char *dup_utf8(std::u16string_view s);
+char16_t *dup_utf16(std::string_view s);
+
+// Decodes the character of 8-bit text at p and moves p past it: a valid UTF-8 sequence, or one
+// byte as its Windows-1252 character. p < fin.
+char32_t decodifica_utf8(const char *&p, const char *fin) noexcept;
+
 // True if s is entirely valid UTF-8 (so ansi_a_utf8 would copy it unchanged).
 bool es_utf8_valido(std::string_view s) noexcept;
 
@@ -80,6 +90,16 @@ char16_t pliega(char16_t c) noexcept;
 bool iguales_may_o_min(std::u16string_view a, std::u16string_view b) noexcept;
 // 8-bit texts compared as the characters that they decode to.
 bool iguales_may_o_min(std::string_view a, std::string_view b) noexcept;
+// Whether `parte` occurs in `texto` with case ignored; an empty `parte` always does.
+bool contiene_may_o_min(std::u16string_view texto, std::u16string_view parte) noexcept;
+
+// ---- Replacement -----------------------------------------------------------------------------
+
+// Every occurrence of `desde` replaced by `hasta` in one left-to-right pass, so that `hasta` may
+// hold `desde` ("&" to "&amp;"). An empty `desde` changes nothing.
+std::string reemplaza_todas(std::string_view s, std::string_view desde, std::string_view hasta);
+std::u16string reemplaza_todas(std::u16string_view s, std::u16string_view desde,
+                               std::u16string_view hasta);
 
 // ---- Numbers ---------------------------------------------------------------------------------
 

@@ -20,7 +20,9 @@ std::filesystem::path ruta_utf8(const std::string &utf8) {
 
 } // namespace
 
-std::filesystem::path ruta_de(std::u16string_view ruta) { return ruta_utf8(utf16_a_utf8(ruta)); }
+std::filesystem::path ruta_de(std::u16string_view ruta) {
+    return ruta_utf8(utf16_a_utf8(ruta));
+}
 
 Fichero abre(const char16_t *ruta, const char *modo, const char *origen, uint32_t linea) {
     ZARN_ASSERT_NO_NULL(ruta, ORIGEN);
@@ -95,8 +97,7 @@ ZARN_API double lc_tamanyo_fichero(zarnio_fichero_t *fichero) {
 ZARN_API void f_lc_fread_sin_error(void *buffer, size_t tamanyo, size_t num,
                                    zarnio_fichero_t *fichero) {
     ZARN_ASSERT_NO_NULL(fichero, "zarnio");
-    ZARN_ASSERT_TEXTO(num == 0 || tamanyo <= SIZE_MAX / num, "tamanyo * num <= SIZE_MAX",
-                      "zarnio");
+    ZARN_ASSERT_TEXTO(num == 0 || tamanyo <= SIZE_MAX / num, "tamanyo * num <= SIZE_MAX", "zarnio");
     const size_t total = tamanyo * num;
     if (total == 0)
         return;

@@ -92,10 +92,12 @@ template <typename A, typename C> void pon_copia(A *arr, uint32_t ind, const C *
     zarn::libera(std::exchange(hueco, copia_de(valor)));
 }
 
-template <typename A> void borra(A *arr, uint32_t ind) {
+// Removes the element at ind, shifting what lies behind it, and hands it back.
+template <typename A> auto quita(A *arr, uint32_t ind) {
     auto &v = elems(arr);
-    en(v, ind);
+    auto elemento = en(v, ind);
     v.erase(v.begin() + ind);
+    return elemento;
 }
 
 } // namespace
@@ -250,17 +252,16 @@ ZARN_API void arr_InsertarPunteroConTipo(ArrPuntero arr, uint32_t ind, void *p) 
 }
 
 ZARN_API void arr_BorrarBOOL(ArrBOOL arr, uint32_t ind) {
-    borra(arr, ind);
+    quita(arr, ind);
 }
 ZARN_API void arr_BorrarCADENA(ArrCADENA arr, uint32_t ind) {
-    zarn::libera(en(arr, ind));
-    borra(arr, ind);
+    zarn::libera(quita(arr, ind));
 }
 ZARN_API void arr_BorrarPuntero(ArrPuntero arr, uint32_t ind) {
-    borra(arr, ind);
+    quita(arr, ind);
 }
 ZARN_API void arr_BorrarPunteroConst(ArrPuntero arr, uint32_t ind) {
-    borra(arr, ind);
+    quita(arr, ind);
 }
 
 ZARN_API void arr_DestruyeBOOL(ArrBOOL *arr) {

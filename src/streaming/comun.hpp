@@ -61,3 +61,20 @@ zybool i_es_propiedad(const zarnfxml_propiedad_t *propiedad, const char *texto);
 void *i_copia_propiedad_void(const void *propiedad);
 void i_destruye_propiedad_void(void **propiedad);
 zybool i_es_propiedad_void(const void *propiedad, const void *texto);
+
+// How an array goes into lines (see zarnfxml.h).
+enum i_tipo_numeracion_array_t : int32_t {
+    i_NUMERACION_ARRAY_NINGUNA = 0,
+    i_NUMERACION_ARRAY_BLOQUE_CAMPOS = 1,
+    i_NUMERACION_ARRAY_BLOQUE_LINEAS = 2,
+    i_NUMERACION_ARRAY_CAMPOS = 3,
+    i_NUMERACION_ARRAY_DESDE_0 = 4,
+    i_NUMERACION_ARRAY_DESDE_1 = 5,
+    i_NUMERACION_ARRAY_BLOQUE_DESDE_0 = 6,
+    i_NUMERACION_ARRAY_BLOQUE_DESDE_1 = 7,
+};
+
+// The two classifications of tipo_numeracion_array that writer and reader share: whether the
+// value makes a line per item, and whether those lines stand between enclosing tags.
+zybool i_con_lista_numeracion_array(int32_t tipo_numeracion_array);
+zybool i_con_bloque_numeracion_array(int32_t tipo_numeracion_array);

@@ -23,9 +23,6 @@ void i_graba_texto_numero(zarnfxml_t *handle, const char *etiqueta, const std::s
     i_graba_campo(xml, etiqueta, texto);
 }
 
-CADENA_u i_ascii_a_cadena_u(const std::string &s) {
-    return zarn::dup_u(std::u16string(s.begin(), s.end()));
-}
 
 } // namespace
 

@@ -1,0 +1,66 @@
+// The C interface of character conversion: each function gives a new heap string.
+#include "services/arrays.hpp"
+#include "services/servicios.hpp"
+
+#include <zarnxml/zarncode.h>
+#include <zarnxml/zarnvec.h>
+
+namespace {
+constexpr const char *ORIGEN = "zarncode";
+}
+
+extern "C" {
+
+ZARN_API CADENA unicode_UNICODE_a_ANSI(const char16_t *s) {
+    ZARN_ASSERT_NO_NULL(s, ORIGEN);
+    return zarn::dup_utf8(s);
+}
+
+ZARN_API CADENA unicode_a_salida_ANSI_con_error(const char16_t *s) {
+    ZARN_ASSERT_NO_NULL(s, ORIGEN);
+    std::string r;
+    zarn::utf16_a_latin1(s, r);
+    return zarn::dup(r);
+}
+
+ZARN_API CADENA_u unicode_convierte_ANSI_a_UNICODE(const char *s) {
+    ZARN_ASSERT_NO_NULL(s, ORIGEN);
+    return zarn::dup_utf16(s);
+}
+
+ZARN_API CADENA_u unicode_convierte_ANSI_idioma_a_UNICODE(const char *s, int) {
+    ZARN_ASSERT_NO_NULL(s, ORIGEN);
+    std::u16string r;
+    zarn::latin1_a_utf16(s, r);
+    return zarn::dup_u(r);
+}
+
+ZARN_API CADENA unicode_convierte_ANSI_a_UTF8(const char *s) {
+    ZARN_ASSERT_NO_NULL(s, ORIGEN);
+    const std::string_view v(s);
+    if (zarn::es_utf8_valido(v))
+        return zarn::dup(v);
+    std::string r;
+    zarn::ansi_a_utf8(v, r);
+    return zarn::dup(r);
+}
+
+ZARN_API CADENA unicode_convierte_UNICODE_a_UTF8(const char16_t *s) {
+    ZARN_ASSERT_NO_NULL(s, ORIGEN);
+    return zarn::dup_utf8(s);
+}
+
+ZARN_API CADENA_u unicode_convierte_UTF8_a_UNICODE(const char *s) {
+    ZARN_ASSERT_NO_NULL(s, ORIGEN);
+    return zarn::dup_utf16(s);
+}
+
+ZARN_API ArrCADENA unicode_array_salida_ANSI(ArrCADENA_u arr) {
+    ZARN_ASSERT_NO_NULL(arr, ORIGEN);
+    ArrCADENA r = arr_CreaCADENA(0);
+    r->v.reserve(arr->v.size());
+    for (const char16_t *s : arr->v)
+        r->v.push_back(s ? zarn::dup_utf8(s) : nullptr);
+    return r;
+}
+}

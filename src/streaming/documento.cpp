@@ -1,0 +1,66 @@
+// Document assembly and text output: joining writers, the text of a writer, files of text.
+#include "streaming/escritor.hpp"
+
+using zarn::ORIGEN_STREAMING;
+
+extern "C" {
+
+ZARN_API void zarnfxml_concatena_codigo_xml(zarnfxml_t *handle, ArrCADENA lineas_xml) {
+    i_xml_escritura *xml = I_ESCRITOR(handle);
+    ZARN_ASSERT_NO_NULL(lineas_xml, ORIGEN_STREAMING);
+    // Index by index: lineas_xml may be the store of xml itself, which grows as we go.
+    const size_t n = lineas_xml->v.size();
+    for (size_t i = 0; i < n; ++i)
+        i_graba_linea(xml, lineas_xml->v[i]);
+}
+
+ZARN_API void zarnfxml_concatena(zarnfxml_t *xml, zarnfxml_t *xml_anadir) {
+    ZARN_ASSERT_NO_NULL(xml, ORIGEN_STREAMING);
+    ZARN_ASSERT_NO_NULL(xml_anadir, ORIGEN_STREAMING);
+    i_xml_escritura *anadir = I_ESCRITOR(xml_anadir);
+    ZARN_ASSERT_TEXTO(anadir->etiquetas_abiertas.empty(),
+                      "arr_NumElemsCADENA(xml_anadir->etiquetas_abiertas) == 0",
+                      ORIGEN_STREAMING);
+    zarnfxml_concatena_codigo_xml(xml, anadir->lineas.get());
+}
+
+ZARN_API CADENA zarnfxml_xml_escritura_a_char(zarnfxml_t *handle, zybool con_cabecera) {
+    i_xml_escritura *xml = I_ESCRITOR(handle);
+    ZARN_ASSERT_NO_NULL(xml->conf, ORIGEN_STREAMING);
+    std::string texto;
+    size_t total = 0;
+    for (const char *linea : xml->lineas->v)
+        total += std::strlen(linea) + 1;
+    texto.reserve(total + 64);
+    if (con_cabecera == CIERTO) {
+        texto = i_linea_cabecera_xml(xml);
+        texto += '\n';
+    }
+    bool primera = true;
+    for (const char *linea : xml->lineas->v) {
+        if (!primera)
+            texto += '\n';
+        primera = false;
+        texto += linea;
+    }
+    return zarn::dup(texto);
+}
+
+ZARN_API void zarnfxml_escr_fichero_xml_string(const char *texto, const char16_t *nombre_fichero) {
+    zarnio_fichero_t *fichero =
+        f_lc_fopen_u(nombre_fichero, u"wb", ORIGEN_STREAMING, static_cast<uint32_t>(__LINE__));
+    ztxt_escr_string_sin_salto_de_linea(texto, fichero);
+    lc_fclose_al_final(&fichero);
+}
+
+ZARN_API void zarnfxml_append_a_fichero_salida_para_test(zarnfxml_t *xml,
+                                                         const char16_t *nombre_fichero) {
+    i_genera_fichero(xml, nombre_fichero, false);
+}
+
+ZARN_API zybool zarnfxml_tiene_datos(zarnfxml_t *xml) {
+    return I_ESCRITOR(xml)->lineas->v.empty() ? FALSO : CIERTO;
+}
+
+ZARN_API ArrCADENA zarnfxml_lineas(zarnfxml_t *xml) { return I_ESCRITOR(xml)->lineas.get(); }
+}

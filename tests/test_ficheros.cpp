@@ -1,0 +1,324 @@
+// File, directory and line services: reading lines, UTF-16 files, writing arrays of lines,
+// directories, memory files, and the lines of a text.
+#include "soporte.hpp"
+
+#include <zarnxml/zarnbase.h>
+#include <zarnxml/zarndir.h>
+#include <zarnxml/zarnfile.h>
+#include <zarnxml/zarnio.h>
+#include <zarnxml/zarntxt.h>
+#include <zarnxml/zarnvec.h>
+
+#include <cstdlib>
+#include <cstring>
+#include <string>
+#include <vector>
+
+namespace fs = std::filesystem;
+
+namespace {
+
+using Lineas = std::vector<std::string>;
+using Lineas_u = std::vector<std::u16string>;
+
+Lineas lee_lineas(const DirTemporal &d, const std::string &contenido,
+                  uint32_t max = ZTXT_MAX_LINEA) {
+    escribe_fichero(d / "l.txt", contenido);
+    std::vector<char> buffer(size_t{max} + 1);
+    zarnio_fichero_t *f = f_lc_fopen_u(d.u("l.txt").c_str(), u"rt", "test", 1);
+    Lineas lineas;
+    while (ztxt_lee_linea(f, buffer.data(), max))
+        lineas.emplace_back(buffer.data());
+    lc_fclose(&f);
+    EXPECT_EQ(f, nullptr);
+    return lineas;
+}
+
+// Runs f and gives the internal error that it ended in.
+template <typename F> ErrorInterno error_de(F &&f) {
+    ConManejadorQueLanza con;
+    try {
+        f();
+    } catch (const ErrorInterno &e) {
+        return e;
+    }
+    return ErrorInterno("<none>", nullptr);
+}
+
+ArrCADENA arr(std::initializer_list<const char *> elems) {
+    ArrCADENA a = arr_CreaCADENA(0);
+    for (const char *e : elems)
+        arr_AppendCADENA(a, e);
+    return a;
+}
+
+Lineas toma(ArrCADENA a) {
+    Lineas v;
+    for (uint32_t i = 0; i < arr_NumElemsCADENA(a); ++i)
+        v.emplace_back(arr_GetCADENA(a, i));
+    arr_DestruyeCADENA(&a);
+    return v;
+}
+
+Lineas_u toma(ArrCADENA_u a) {
+    Lineas_u v;
+    for (uint32_t i = 0; i < arr_NumElemsCADENA_u(a); ++i)
+        v.emplace_back(arr_GetCADENA_u(a, i));
+    arr_DestruyeCADENA_u(&a);
+    return v;
+}
+
+std::string utf16_bytes(std::u16string_view s, bool grande) {
+    std::string b;
+    for (char16_t c : s) {
+        const char alto = static_cast<char>(c >> 8), bajo = static_cast<char>(c & 0xFF);
+        b += grande ? alto : bajo;
+        b += grande ? bajo : alto;
+    }
+    return b;
+}
+
+} // namespace
+
+TEST(LeeLinea, FinesDeLinea) {
+    DirTemporal d;
+    EXPECT_EQ(lee_lineas(d, "a\nb\n"), (Lineas{"a", "b"}));
+    EXPECT_EQ(lee_lineas(d, "a\r\nb\r\n"), (Lineas{"a", "b"}));
+    EXPECT_EQ(lee_lineas(d, "a\rb\n"), (Lineas{"a\rb"}));
+    EXPECT_EQ(lee_lineas(d, "a\r\r\n"), (Lineas{"a\r"}));
+    EXPECT_EQ(lee_lineas(d, "a\nsin fin"), (Lineas{"a", "sin fin"}));
+    EXPECT_EQ(lee_lineas(d, "a\r"), (Lineas{"a\r"}));
+    EXPECT_EQ(lee_lineas(d, ""), Lineas{});
+    EXPECT_EQ(lee_lineas(d, "\n\r\n\n"), (Lineas{"", "", ""}));
+}
+
+TEST(LeeLinea, LineaLargaSeCortaYSigueEnLaSiguiente) {
+    DirTemporal d;
+    std::string larga(6'000'000, ' ');
+    for (size_t i = 0; i < larga.size(); ++i)
+        larga[i] = static_cast<char>('a' + i % 26);
+    const Lineas l = lee_lineas(d, larga + "\r\nfin\n");
+    ASSERT_EQ(l.size(), 3u);
+    EXPECT_EQ(l[0], larga.substr(0, 5'120'000));
+    EXPECT_EQ(l[1], larga.substr(5'120'000));
+    EXPECT_EQ(l[2], "fin");
+}
+
+// A line of exactly max bytes takes its line end with it; a longer one comes in pieces.
+TEST(LeeLinea, CorteEnElMaximo) {
+    DirTemporal d;
+    EXPECT_EQ(lee_lineas(d, "abcd\nx", 4), (Lineas{"abcd", "x"}));
+    EXPECT_EQ(lee_lineas(d, "abcd\r\nx", 4), (Lineas{"abcd", "x"}));
+    EXPECT_EQ(lee_lineas(d, "abc\r\nx", 4), (Lineas{"abc", "x"}));
+    EXPECT_EQ(lee_lineas(d, "abcdefghij\n", 4), (Lineas{"abcd", "efgh", "ij"}));
+    EXPECT_EQ(lee_lineas(d, "abcde", 4), (Lineas{"abcd", "e"}));
+    EXPECT_EQ(lee_lineas(d, "abcdefgh", 4), (Lineas{"abcd", "efgh"}));
+}
+
+TEST(LeeLinea, MuchasLineasAtraviesanLosBloquesDeLectura) {
+    DirTemporal d;
+    std::string contenido;
+    Lineas esperadas;
+    for (int i = 0; i < 50'000; ++i) {
+        esperadas.push_back(
+            std::string(static_cast<size_t>(i % 97), static_cast<char>('!' + i % 90)));
+        contenido += esperadas.back() + (i % 2 ? "\r\n" : "\n");
+    }
+    EXPECT_EQ(lee_lineas(d, contenido), esperadas);
+}
+
+TEST(LeeLinea, BytesNulosSeEntreganTalCual) {
+    DirTemporal d;
+    escribe_fichero(d / "n.txt", std::string("a\0b\nc\n", 6));
+    zarnio_fichero_t *f = f_lc_fopen_u(d.u("n.txt").c_str(), u"rt", "test", 1);
+    char buffer[16];
+    std::memset(buffer, 'x', sizeof buffer);
+    ASSERT_EQ(ztxt_lee_linea(f, buffer, 15), buffer);
+    EXPECT_EQ(std::string(buffer, 4), std::string("a\0b\0", 4));
+    ASSERT_EQ(ztxt_lee_linea(f, buffer, 15), buffer);
+    EXPECT_STREQ(buffer, "c");
+    EXPECT_EQ(ztxt_lee_linea(f, buffer, 15), nullptr);
+    lc_fclose(&f);
+}
+
+// Block reads after line reads continue where the lines stopped; the size does not move the
+// position; a short read zeroes the rest.
+TEST(Fichero, BloquesTrasLineasYTamanyo) {
+    DirTemporal d;
+    escribe_fichero(d / "b.txt", "uno\ndos\r\ntres");
+    zarnio_fichero_t *f = f_lc_fopen_u(d.u("b.txt").c_str(), u"rt", "test", 1);
+    char linea[8];
+    ASSERT_NE(ztxt_lee_linea(f, linea, 7), nullptr);
+    EXPECT_STREQ(linea, "uno");
+    EXPECT_EQ(lc_tamanyo_fichero(f), 13.0);
+    char bloque[12];
+    std::memset(bloque, 'x', sizeof bloque);
+    f_lc_fread_sin_error(bloque, 4, 3, f);
+    EXPECT_EQ(std::string(bloque, 12), std::string("dos\r\ntres\0\0\0", 12));
+    lc_fclose(&f);
+}
+
+TEST(Fichero, LoQueNoAbreDaLaRutaEnUtf8) {
+    DirTemporal d;
+    const std::string falta = (d / "nó está.txt").string();
+    const std::u16string falta_u = d.u("nó está.txt");
+    for (auto abre : {+[](const char16_t *r) { f_lc_fopen_u(r, u"rb", "test", 7); },
+                      +[](const char16_t *r) { toma(lc_LeeFicheroTxt_unicode(r)); }}) {
+        const ErrorInterno e = error_de([&] { abre(falta_u.c_str()); });
+        EXPECT_EQ(e.condicion, "fichero abierto");
+        EXPECT_EQ(e.mensaje, falta);
+    }
+    const ErrorInterno dir =
+        error_de([&] { f_lc_fopen_u(d.ruta.u16string().c_str(), u"rt", "t", 1); });
+    EXPECT_EQ(dir.condicion, "fichero abierto");
+    EXPECT_EQ(dir.mensaje, d.ruta.string());
+
+    const std::u16string sin_dir = d.u("no/hay/f.txt");
+    ArrCADENA a = arr({"x"});
+    const ErrorInterno graba = error_de([&] { lc_Graba_Array_FicheroTxt_u(a, sin_dir.c_str()); });
+    arr_DestruyeCADENA(&a);
+    EXPECT_EQ(graba.condicion, "fichero abierto");
+    EXPECT_EQ(graba.mensaje, (d / "no/hay/f.txt").string());
+}
+
+TEST(Fichero, EscrituraQueFallaEsFicheroEscrito) {
+    if (!fs::exists("/dev/full"))
+        GTEST_SKIP() << "no /dev/full";
+    zarnio_fichero_t *f = f_lc_fopen_u(u"/dev/full", u"wb", "test", 1);
+    ztxt_escr_string_sin_salto_de_linea("datos", f);
+    const ErrorInterno e = error_de([&] { lc_fclose_al_final(&f); });
+    EXPECT_EQ(e.condicion, "fichero escrito");
+    EXPECT_EQ(e.mensaje, "/dev/full");
+    EXPECT_EQ(f, nullptr);
+
+    ArrCADENA a = arr({"x"});
+    EXPECT_EQ(condicion_de([&] { lc_Anade_Array_FicheroTxt_u(a, u"/dev/full"); }),
+              "fichero escrito");
+    arr_DestruyeCADENA(&a);
+}
+
+TEST(Unicode, LeeAmbosOrdenesYParesSustitutos) {
+    DirTemporal d;
+    const std::u16string texto = u"uno\r\ndós\n\U0001F600x\r\n\nfin";
+    const Lineas_u esperadas = {u"uno", u"dós", u"\U0001F600x", u"", u"fin"};
+    const auto lee = [&](const std::string &bytes) {
+        escribe_fichero(d / "u.txt", bytes);
+        return toma(lc_LeeFicheroTxt_unicode(d.u("u.txt").c_str()));
+    };
+    EXPECT_EQ(lee("\xFF\xFE" + utf16_bytes(texto, false)), esperadas);
+    EXPECT_EQ(lee("\xFE\xFF" + utf16_bytes(texto, true)), esperadas);
+    EXPECT_EQ(lee(utf16_bytes(texto, false)), esperadas);
+    EXPECT_EQ(lee("\xFF\xFE" + utf16_bytes(u"a\n", false) + "b"), Lineas_u{u"a"});
+    EXPECT_EQ(lee("\xFF\xFE"), Lineas_u{});
+    EXPECT_EQ(lee(""), Lineas_u{});
+}
+
+TEST(Unicode, EsFicheroUnicodeMiraLaMarca) {
+    DirTemporal d;
+    const auto es = [&](const std::string &bytes) {
+        escribe_fichero(d / "m.txt", bytes);
+        return zarnfile_es_fichero_unicode(d.u("m.txt").c_str());
+    };
+    EXPECT_EQ(es(std::string("\xFF\xFE<\0", 4)), CIERTO);
+    EXPECT_EQ(es(std::string("\xFE\xFF\0<", 4)), CIERTO);
+    EXPECT_EQ(es("<?xml version=\"1.0\"?>"), FALSO);
+    EXPECT_EQ(es("\xEF\xBB\xBF<a/>"), FALSO);
+    EXPECT_EQ(es("\xFF"), FALSO);
+    EXPECT_EQ(zarnfile_es_fichero_unicode(d.u("no está").c_str()), FALSO);
+    EXPECT_EQ(zarnfile_es_fichero_unicode(d.ruta.u16string().c_str()), FALSO);
+}
+
+TEST(Escritura, GrabaCreaDeNuevoYAnadeAlFinal) {
+    DirTemporal d;
+    const std::u16string r = d.u("s.xml");
+    ArrCADENA a = arr({"<a>", "", "\td\xC3\xB3s\r", "</a>"});
+    ArrCADENA b = arr({"x"});
+    ArrCADENA vacio = arr({});
+    lc_Graba_Array_FicheroTxt_u(a, r.c_str());
+    EXPECT_EQ(lee_fichero(d / "s.xml"), "<a>\n\n\td\xC3\xB3s\r\n</a>\n");
+    lc_Anade_Array_FicheroTxt_u(b, r.c_str());
+    lc_Anade_Array_FicheroTxt_u(vacio, r.c_str());
+    EXPECT_EQ(lee_fichero(d / "s.xml"), "<a>\n\n\td\xC3\xB3s\r\n</a>\nx\n");
+    lc_Graba_Array_FicheroTxt_u(b, r.c_str());
+    EXPECT_EQ(lee_fichero(d / "s.xml"), "x\n");
+    lc_Graba_Array_FicheroTxt_u(vacio, r.c_str());
+    EXPECT_TRUE(fs::exists(d / "s.xml"));
+    EXPECT_EQ(lee_fichero(d / "s.xml"), "");
+    lc_Anade_Array_FicheroTxt_u(b, d.u("nuevo.xml").c_str());
+    EXPECT_EQ(lee_fichero(d / "nuevo.xml"), "x\n");
+    for (ArrCADENA *p : {&a, &b, &vacio})
+        arr_DestruyeCADENA(p);
+}
+
+// Many short lines and lines longer than any internal block come out unchanged and in order.
+TEST(Escritura, SalidaGrandeByteAByte) {
+    DirTemporal d;
+    ArrCADENA a = arr_CreaCADENA(0);
+    std::string esperado;
+    for (int i = 0; i < 20'000; ++i) {
+        std::string linea = "<b>" + std::to_string(i) + "</b>";
+        if (i % 5000 == 1)
+            linea = std::string(300'000 + static_cast<size_t>(i), static_cast<char>('a' + i % 26));
+        arr_AppendCADENA(a, linea.c_str());
+        esperado += linea + "\n";
+    }
+    lc_Graba_Array_FicheroTxt_u(a, d.u("g.xml").c_str());
+    arr_DestruyeCADENA(&a);
+    EXPECT_EQ(lee_fichero(d / "g.xml"), esperado);
+}
+
+TEST(Directorios, CreaLosQueLlevanAlFichero) {
+    DirTemporal d;
+    const std::u16string r = d.u("a/b/c/f.xml");
+    zdir_crea_directorios_fichero_UNICODE(r.c_str());
+    EXPECT_TRUE(fs::is_directory(d / "a/b/c"));
+    EXPECT_FALSE(fs::exists(d / "a/b/c/f.xml"));
+    zdir_crea_directorios_fichero_UNICODE(r.c_str());
+    EXPECT_TRUE(fs::is_directory(d / "a/b/c"));
+
+    escribe_fichero(d / "fichero", "x");
+    const std::u16string bajo_fichero = d.u("fichero/f.xml");
+    const ErrorInterno e =
+        error_de([&] { zdir_crea_directorios_fichero_UNICODE(bajo_fichero.c_str()); });
+    EXPECT_EQ(e.condicion, "fichero abierto");
+    EXPECT_EQ(e.mensaje, (d / "fichero/f.xml").string());
+}
+
+TEST(Fichmem, TomaElBufferYLoLibera) {
+    auto *buffer = static_cast<uint8_t *>(std::malloc(3));
+    std::memcpy(buffer, "abc", 3);
+    uint8_t *const original = buffer;
+    fichmem *fm = fichmem_crea_original(&buffer, 3);
+    EXPECT_EQ(buffer, nullptr);
+    ASSERT_NE(fm, nullptr);
+    EXPECT_EQ(fm->buffer, original);
+    EXPECT_EQ(fm->tamanyo, 3u);
+    fichmem_destruye(&fm);
+    EXPECT_EQ(fm, nullptr);
+    fichmem_destruye(&fm);
+}
+
+TEST(Lineas, DeUnTextoYUnion) {
+    const auto lineas = [](const char *t) { return toma(cad_obten_lista_lineas(t)); };
+    EXPECT_EQ(lineas("a\nb\n"), (Lineas{"a", "b"}));
+    EXPECT_EQ(lineas("a\r\nb"), (Lineas{"a", "b"}));
+    EXPECT_EQ(lineas("a\n\n\rb\r"), (Lineas{"a", "", "\rb\r"}));
+    EXPECT_EQ(lineas("\n"), Lineas{""});
+    EXPECT_EQ(lineas(""), Lineas{""});
+    EXPECT_EQ(toma(cad_obten_lista_lineas_u(u"\U0001F600\r\n\nb\n")),
+              (Lineas_u{u"\U0001F600", u"", u"b"}));
+    EXPECT_EQ(toma(cad_obten_lista_lineas_u(u"")), Lineas_u{u""});
+
+    const auto une = [](std::initializer_list<const char *> elems) {
+        ArrCADENA a = arr(elems);
+        char *t = arraystr_union_de_textos_separados_por_salto_de_linea(a);
+        std::string s = t;
+        std::free(t);
+        arr_DestruyeCADENA(&a);
+        return s;
+    };
+    EXPECT_EQ(une({}), "");
+    EXPECT_EQ(une({""}), "");
+    EXPECT_EQ(une({"a"}), "a");
+    EXPECT_EQ(une({"a", "", "b\r"}), "a\n\nb\r");
+}
