@@ -1,0 +1,226 @@
+// 8-bit and wide strings, case folding, formatting, Base64 and number texts.
+#include "services/servicios.hpp"
+#include "soporte.hpp"
+
+#include <zarnxml/zarnbase.h>
+#include <zarnxml/zarnstr.h>
+
+#include <cmath>
+#include <cstdlib>
+#include <limits>
+
+namespace {
+
+constexpr const char *O = "test";
+
+std::string toma(char *p) {
+    std::string r(p);
+    std::free(p);
+    return r;
+}
+std::u16string toma(char16_t *p) {
+    std::u16string r(p);
+    std::free(p);
+    return r;
+}
+// A token, or "<null>" behind the last one.
+std::u16string token(uint16_t n, const char16_t *s, const char16_t *seps) {
+    char16_t *t = widestr_nousar_extrae_token(n, s, seps, O, __LINE__);
+    return t ? toma(t) : u"<null>";
+}
+std::string numero(double v, uint32_t ancho, uint32_t decimales, zybool sin_decimales) {
+    return zarn::utf16_a_utf8(
+        toma(convers_texto_ex(nullptr, v, ancho, decimales, sin_decimales, FALSO)));
+}
+
+} // namespace
+
+TEST(Cadenas, ReplaceAllInOnePass) {
+    CADENA s = cad_copia_cadena("a&b&&c&");
+    cad_reemplaza_todas_cadenas(&s, "&", "&amp;");
+    EXPECT_STREQ(s, "a&amp;b&amp;&amp;c&amp;");
+    cad_reemplaza_todas_cadenas(&s, "&amp;", "");
+    EXPECT_STREQ(s, "abc");
+    cad_reemplaza_todas_cadenas(&s, "", "x"); // empty pattern: nothing to replace
+    EXPECT_STREQ(s, "abc");
+    zarnstr_destruye(&s);
+    EXPECT_EQ(s, nullptr);
+
+    CADENA_u w = widestr_nousar_copia(u"<ñ<", O, __LINE__);
+    widestr_nousar_reemplaza_todas_cadenas(&w, u"<", u"&lt;", O, __LINE__);
+    EXPECT_EQ(std::u16string(w), u"&lt;ñ&lt;");
+    widestr_nousar_destruye(&w, O, __LINE__);
+    EXPECT_EQ(w, nullptr);
+}
+
+TEST(Cadenas, ConcatenateInsertSubstitute) {
+    CADENA s = nullptr;
+    cad_concatena(&s, "ab"); // null counts as empty
+    cad_concatena(&s, s);    // the text appended to itself
+    zarnstr_inserta_al_principio(&s, "<");
+    EXPECT_STREQ(s, "<abab");
+    zarnstr_sustituye(&s, s + 1);
+    EXPECT_STREQ(s, "abab");
+    CADENA c = s;
+    zarnstr_copia_si_no_null(&c, nullptr);
+    EXPECT_EQ(c, nullptr);
+    zarnstr_destruye(&s);
+
+    EXPECT_EQ(toma(cad_subcadena_inicial("hola", 2)), "ho");
+    EXPECT_EQ(toma(cad_subcadena_inicial_size_t("hola", 10)), "hola");
+    EXPECT_EQ(toma(creacadena_con_caracter(3, '\t')), "\t\t\t");
+
+    CADENA_u w = nullptr;
+    widestr_nousar_cad_concatena(&w, u"xy", O, __LINE__);
+    widestr_nousar_cad_concatena(&w, w + 1, O, __LINE__);
+    EXPECT_EQ(std::u16string(w), u"xyy");
+    widestr_nousar_destruye_opcional(&w, O, __LINE__);
+    widestr_nousar_destruye_opcional(&w, O, __LINE__);
+    EXPECT_EQ(widestr_nousar_copia_opcional(nullptr, O, __LINE__), nullptr);
+}
+
+TEST(Cadenas, Predicates) {
+    EXPECT_EQ(cad_es_cadena_en_blanco(" \t\r\n"), CIERTO);
+    EXPECT_EQ(cad_es_cadena_en_blanco(""), CIERTO);
+    EXPECT_EQ(cad_es_cadena_en_blanco(" a"), FALSO);
+    EXPECT_EQ(zarnstr_hay_texto(nullptr), FALSO);
+    EXPECT_EQ(zarnstr_hay_texto(""), FALSO);
+    EXPECT_EQ(cad_es_subcadena("abc", ""), CIERTO);
+    EXPECT_EQ(cad_es_subcadena("abc", "C"), FALSO);
+    EXPECT_EQ(widestr_nousar_es_subcadena(u"año", u"ño", O, 1), CIERTO);
+    EXPECT_EQ(widestr_nousar_longitud(u"a\U0001F600", O, 1), 3u);
+    EXPECT_EQ(widestr_nousar_es_cadena_vacia(u"", O, 1), CIERTO);
+}
+
+TEST(Cadenas, TokensSkipRunsAndEnds) {
+    const char16_t *s = u"  uno,,dos  tres ,";
+    EXPECT_EQ(token(1, s, u" ,"), u"uno");
+    EXPECT_EQ(token(2, s, u" ,"), u"dos");
+    EXPECT_EQ(token(3, s, u" ,"), u"tres");
+    EXPECT_EQ(token(4, s, u" ,"), u"<null>");
+    EXPECT_EQ(token(0, s, u" ,"), u"<null>");
+    EXPECT_EQ(token(1, u" ,, ", u" ,"), u"<null>");
+    EXPECT_EQ(token(1, u"", u" "), u"<null>");
+    EXPECT_EQ(token(1, u"a b", u""), u"a b");
+    EXPECT_EQ(token(2, u"x;y", u";"), u"y");
+}
+
+TEST(Cadenas, CaseFoldingAsciiAndLatin1Letters) {
+    auto iguales = [](const char16_t *a, const char16_t *b) {
+        return widestr_nousar_cadenas_iguales_may_o_min(a, b, O, 1) == CIERTO;
+    };
+    EXPECT_TRUE(iguales(u"ÁRBOL Ñandú ÞÆ", u"árbol ñANDÚ þæ"));
+    EXPECT_FALSE(iguales(u"×", u"÷")); // U+00D7 and U+00F7 are no letters
+    EXPECT_FALSE(iguales(u"ß", u"ÿ"));
+    EXPECT_FALSE(iguales(u"Ÿ", u"ÿ")); // outside Latin-1
+    EXPECT_FALSE(iguales(u"@", u"`"));
+    EXPECT_FALSE(iguales(u"[", u"{"));
+    EXPECT_FALSE(iguales(u"ab", u"abc"));
+    EXPECT_EQ(widestr_nousar_cadenas_iguales(u"a", u"A", O, 1), FALSO);
+    EXPECT_EQ(widestr_nousar_es_subcadena_may_o_min(u"El ÁRBOL", u"árbol", O, 1), CIERTO);
+
+    // 8-bit text compares as the characters it decodes to, UTF-8 or Windows-1252.
+    EXPECT_EQ(cad_cadenas_iguales_may_o_min("\xC3\x81RBOL", "\xC3\xA1rbol"), CIERTO);
+    EXPECT_EQ(cad_cadenas_iguales_may_o_min("\xC1RBOL", "\xC3\xA1rbol"), CIERTO);
+    EXPECT_EQ(cad_cadenas_iguales_may_o_min("\xC3\x97", "\xC3\xB7"), FALSO);
+    EXPECT_EQ(cad_cadenas_iguales_may_o_min("Abc", "aBcd"), FALSO);
+    EXPECT_EQ(cad_cadenas_iguales("\xC3\x81", "\xC3\xA1"), FALSO);
+    EXPECT_EQ(cad_es_subcadena_may_min("El \xC3\x81RBOL verde", "\xC3\xA1rbol"), CIERTO);
+    EXPECT_EQ(cad_es_subcadena_may_min("El arbol", "\xC3\xA1rbol"), FALSO);
+}
+
+TEST(Cadenas, FormatsEveryDirective) {
+    EXPECT_EQ(toma(nousar_formatea("%s|%u|%hu|%ld|%lu|%.2lf|%Id|%%|%.0lf|%lf|%d", "x", 4000000000u,
+                                   uint16_t(65535), int32_t(-5), uint32_t(4294967295u), 3.14159,
+                                   std::numeric_limits<int64_t>::min(), 2.5, 1.0, -7)),
+              "x|4000000000|65535|-5|4294967295|3.14|-9223372036854775808|%|2|1.000000|-7");
+    EXPECT_EQ(toma(nousar_formatea("Ln %lu, Col %lu", uint32_t(3), uint32_t(14))), "Ln 3, Col 14");
+    EXPECT_EQ(toma(nousar_formatea("sin nada")), "sin nada");
+    EXPECT_EQ(toma(copiaforu_nousar_formatea(u"%s=%lu%%", u"año", uint32_t(42))), u"año=42%");
+    // A directive that the formatter does not know is a fault of the caller.
+    EXPECT_EQ(condicion_de([] { std::free(nousar_formatea("%x", 1)); }), "");
+    EXPECT_EQ(condicion_de([] { std::free(copiaforu_nousar_formatea(u"%d", 1)); }), "");
+}
+
+TEST(Cadenas, Base64RoundTripsAndDecoderLeniency) {
+    const uint8_t datos[] = {'f', 'o', 'o', 'b', 'a', 'r', 0x00, 0xFF, 0xFB, 0x7F};
+    const char *esperados[] = {
+        "",         "Zg==",         "Zm8=",         "Zm9v",         "Zm9vYg==",        "Zm9vYmE=",
+        "Zm9vYmFy", "Zm9vYmFyAA==", "Zm9vYmFyAP8=", "Zm9vYmFyAP/7", "Zm9vYmFyAP/7fw=="};
+    for (uint32_t n = 0; n <= 10; ++n) {
+        const std::string texto = toma(zarnstrhex_nousar_buffer_a_cadena_Base64(datos, n));
+        EXPECT_EQ(texto, esperados[n]);
+        uint32_t tam = 12345;
+        uint8_t *b = zarnstrhex_nousar_cadena_Base64_a_buffer(texto.c_str(), &tam);
+        ASSERT_NE(b, nullptr);
+        EXPECT_EQ(std::vector<uint8_t>(b, b + tam), std::vector<uint8_t>(datos, datos + n));
+        std::free(b);
+    }
+    auto decodifica = [](std::string_view s) {
+        const auto v = zarn::base64_decodifica(s);
+        return std::string(v.begin(), v.end());
+    };
+    EXPECT_EQ(decodifica(" Zm9v\r\n\tYmFy \n"), "foobar");
+    EXPECT_EQ(decodifica("Zm9v*YmFy"), "foo");
+    EXPECT_EQ(decodifica("Zm8=Zm9v"), "fo");
+    EXPECT_EQ(decodifica("Zm9vY"), "foo"); // six dangling bits make no byte
+    EXPECT_EQ(toma(zarnstrhex_nousar_buffer_a_cadena_Base64(nullptr, 0)), "");
+}
+
+TEST(Cadenas, NumberTexts) {
+    EXPECT_EQ(numero(3.0, 18, 6, CIERTO), "3");
+    EXPECT_EQ(numero(3.5, 18, 6, CIERTO), "3.5");
+    EXPECT_EQ(numero(3.5, 18, 6, FALSO), "3.500000");
+    EXPECT_EQ(numero(30.0, 18, 0, CIERTO), "30");
+    EXPECT_EQ(numero(0.1 + 0.2, 18, 6, CIERTO), "0.3");
+    EXPECT_EQ(numero(-2.0000004, 18, 6, CIERTO), "-2");
+    EXPECT_EQ(numero(-0.0, 18, 6, CIERTO), "0");
+    EXPECT_EQ(numero(-0.0, 18, 6, FALSO), "0.000000");
+    EXPECT_EQ(numero(-0.0, 3, 6, FALSO), "0e+00");
+    EXPECT_EQ(numero(-0.0000001, 18, 6, CIERTO), "0");
+    EXPECT_EQ(numero(-0.0000001, 18, 6, FALSO), "0.000000");
+    EXPECT_EQ(numero(1e300, 145, 6, CIERTO), "1e+300");
+    EXPECT_EQ(numero(1e17, 18, 6, CIERTO), "100000000000000000");
+    EXPECT_EQ(numero(1e17, 18, 6, FALSO), "1e+17");
+    EXPECT_EQ(numero(0.1, 3, 6, CIERTO), "0.1");
+    EXPECT_EQ(numero(0.1, 2, 6, CIERTO), "1e-01"); // "0.1" is wider than 2
+    EXPECT_EQ(numero(std::nan(""), 18, 6, CIERTO), "NaN");
+    EXPECT_EQ(numero(HUGE_VAL, 18, 6, CIERTO), "inf");
+    EXPECT_EQ(numero(-HUGE_VAL, 18, 6, FALSO), "-inf");
+}
+
+TEST(Cadenas, NumbersFromTextPrefixes) {
+    EXPECT_EQ(cad_atof("  3.5abc"), 3.5);
+    EXPECT_EQ(cad_atof("\t\n+2e3x"), 2000.0);
+    EXPECT_EQ(cad_atof("-.5"), -0.5);
+    EXPECT_EQ(cad_atof("abc"), 0.0);
+    EXPECT_EQ(cad_atof(""), 0.0);
+    EXPECT_EQ(cad_atof("+-1"), 0.0);
+    EXPECT_EQ(cad_atof("1e309"), HUGE_VAL);
+    EXPECT_EQ(cad_atof("-1e309"), -HUGE_VAL);
+    EXPECT_EQ(cad_atof(("1" + std::string(400, '0') + "x").c_str()), HUGE_VAL);
+    EXPECT_EQ(cad_atof(("0." + std::string(400, '0') + "1").c_str()), 0.0);
+    EXPECT_EQ(cad_atof("0.0001e-999"), 0.0);
+    EXPECT_EQ(widestr_nousar_atof(u"2,5", O, 1), 2.0);
+    EXPECT_EQ(widestr_nousar_atof(u" 1.5€", O, 1), 1.5);
+    EXPECT_EQ(widestr_nousar_atol(u"  42px", O, 1), 42);
+    EXPECT_EQ(widestr_nousar_atol(u"12.9", O, 1), 12);
+    EXPECT_EQ(widestr_nousar_atol(u"+7", O, 1), 7);
+    EXPECT_EQ(widestr_nousar_atol(u"99999999999", O, 1), std::numeric_limits<int32_t>::max());
+    EXPECT_EQ(widestr_nousar_atol(u"-99999999999", O, 1), std::numeric_limits<int32_t>::min());
+    EXPECT_EQ(widestr_nousar_atoi64(u"9223372036854775808", O, 1),
+              std::numeric_limits<int64_t>::max());
+    EXPECT_EQ(widestr_nousar_atoi64(u"-9223372036854775809", O, 1),
+              std::numeric_limits<int64_t>::min());
+    EXPECT_EQ(widestr_nousar_atoi64(u"x1", O, 1), 0);
+}
+
+TEST(Cadenas, PreconditionsNameTheirCondition) {
+    EXPECT_EQ(condicion_de([] { cad_concatena(nullptr, "x"); }), "(dest) != NULL");
+    EXPECT_EQ(condicion_de([] {
+                  CADENA_u s = nullptr;
+                  widestr_nousar_destruye(&s, O, 1);
+              }),
+              "(*s) != NULL");
+    EXPECT_EQ(condicion_de([] { widestr_nousar_longitud(nullptr, O, 1); }), "(s) != NULL");
+}

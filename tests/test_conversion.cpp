@@ -1,0 +1,188 @@
+// Character conversion: UTF-16 <-> UTF-8 round trips, Latin-1, invalid UTF-8 read as
+// Windows-1252, lone surrogates.
+#include "services/arrays.hpp"
+#include "services/servicios.hpp"
+#include "soporte.hpp"
+
+#include <zarnxml/zarncode.h>
+#include <zarnxml/zarnvec.h>
+
+#include <cstdlib>
+
+namespace {
+
+std::string toma(char *p) {
+    std::string r(p);
+    std::free(p);
+    return r;
+}
+std::u16string toma(char16_t *p) {
+    std::u16string r(p);
+    std::free(p);
+    return r;
+}
+
+// Windows-1252 for 0x80-0x9F, the undefined five as the C1 control of the same value.
+const std::u16string CP1252_80_9F =
+    u"\u20AC\u0081\u201A\u0192\u201E\u2026\u2020\u2021\u02C6\u2030\u0160\u2039\u0152\u008D"
+    u"\u017D\u008F\u0090\u2018\u2019\u201C\u201D\u2022\u2013\u2014\u02DC\u2122\u0161\u203A"
+    u"\u0153\u009D\u017E\u0178";
+
+char16_t cp1252(unsigned b) {
+    return b < 0xA0 ? CP1252_80_9F[b - 0x80] : char16_t(b);
+}
+
+} // namespace
+
+TEST(Conversion, EveryBmpCharacterSurvivesTheRoundTrip) {
+    std::u16string todos;
+    size_t bytes_esperados = 0;
+    for (char32_t c = 1; c <= 0xFFFF; ++c) {
+        if (c >= 0xD800 && c <= 0xDFFF)
+            continue;
+        todos.push_back(char16_t(c));
+        bytes_esperados += c < 0x80 ? 1 : c < 0x800 ? 2 : 3;
+    }
+    const std::string utf8 = zarn::utf16_a_utf8(todos);
+    EXPECT_EQ(utf8.size(), bytes_esperados);
+    EXPECT_TRUE(zarn::es_utf8_valido(utf8));
+    EXPECT_EQ(zarn::utf8_a_utf16(utf8), todos);
+    // The C interface goes through the one-allocation paths.
+    const std::string c_utf8 = toma(unicode_UNICODE_a_ANSI(todos.c_str()));
+    EXPECT_EQ(c_utf8, utf8);
+    EXPECT_EQ(toma(unicode_convierte_ANSI_a_UNICODE(c_utf8.c_str())), todos);
+}
+
+TEST(Conversion, SupplementaryCharactersBecomePairsAndFourBytes) {
+    std::u16string texto;
+    std::vector<char32_t> muestra{0x10000, 0x10FFFF};
+    for (char32_t c = 0x10000; c <= 0x10FFFF; c += 997)
+        muestra.push_back(c);
+    for (char32_t c : muestra) {
+        texto.push_back(char16_t(0xD800 + ((c - 0x10000) >> 10)));
+        texto.push_back(char16_t(0xDC00 + ((c - 0x10000) & 0x3FF)));
+    }
+    const std::string utf8 = zarn::utf16_a_utf8(texto);
+    ASSERT_EQ(utf8.size(), 4 * muestra.size());
+    EXPECT_EQ(utf8.substr(0, 8), "\xF0\x90\x80\x80\xF4\x8F\xBF\xBF");
+    EXPECT_EQ(zarn::utf8_a_utf16(utf8), texto);
+    EXPECT_EQ(toma(unicode_convierte_UTF8_a_UNICODE(utf8.c_str())), texto);
+}
+
+TEST(Conversion, AsciiRunsOfEveryLengthAroundOtherCharacters) {
+    // A non-ASCII character at each place of texts 0 to 19 long exercises the 8-byte and
+    // 4-unit fast paths at their edges.
+    for (size_t largo = 0; largo < 20; ++largo) {
+        for (size_t pos = 0; pos <= largo; ++pos) {
+            const std::string a(pos, 'a'), b(largo - pos, 'b');
+            const std::string utf8 = a + "\xE2\x82\xAC" + b;
+            const std::u16string u =
+                std::u16string(pos, u'a') + u"€" + std::u16string(largo - pos, u'b');
+            EXPECT_EQ(zarn::utf16_a_utf8(u), utf8);
+            EXPECT_EQ(zarn::utf8_a_utf16(utf8), u);
+            EXPECT_EQ(zarn::utf8_a_utf16(a + "\x80" + b), u);
+        }
+    }
+}
+
+TEST(Conversion, ConversionsAppendToWhatIsThere) {
+    std::string s = "<";
+    zarn::utf16_a_utf8(u"é", s);
+    zarn::utf16_a_latin1(u"é", s);
+    zarn::ansi_a_utf8("\xE9", s);
+    EXPECT_EQ(s, "<\xC3\xA9\xE9\xC3\xA9");
+    std::u16string u = u">";
+    zarn::utf8_a_utf16("\xC3\xA9", u);
+    zarn::latin1_a_utf16("\xE9", u);
+    EXPECT_EQ(u, u">éé");
+}
+
+TEST(Conversion, Latin1BothWaysWithQuestionMarksForTheRest) {
+    std::string bytes;
+    std::u16string u;
+    for (int b = 1; b < 256; ++b) {
+        bytes.push_back(char(b));
+        u.push_back(char16_t(b));
+    }
+    EXPECT_EQ(toma(unicode_convierte_ANSI_idioma_a_UNICODE(bytes.c_str(), 0)), u);
+    EXPECT_EQ(toma(unicode_a_salida_ANSI_con_error(u.c_str())), bytes);
+    // Above U+00FF, a pair (one '?'), a lone high and a lone low surrogate.
+    EXPECT_EQ(toma(unicode_a_salida_ANSI_con_error(u"a€b\U0001F600c\xD800"
+                                                   u"d\xDC00")),
+              "a?b?c?d?");
+}
+
+TEST(Conversion, EveryInvalidByteIsItsWindows1252Character) {
+    for (unsigned b = 0x80; b <= 0xFF; ++b) {
+        const std::string entrada = std::string("x") + char(b) + "yz";
+        const std::u16string esperado = std::u16string(u"x") + cp1252(b) + u"yz";
+        EXPECT_EQ(zarn::utf8_a_utf16(entrada), esperado) << "byte " << b;
+        EXPECT_EQ(toma(unicode_convierte_ANSI_a_UTF8(entrada.c_str())),
+                  zarn::utf16_a_utf8(esperado))
+            << "byte " << b;
+        EXPECT_FALSE(zarn::es_utf8_valido(entrada));
+    }
+}
+
+TEST(Conversion, MalformedSequencesNeverStopTheText) {
+    struct Caso {
+        const char *entrada;
+        std::u16string esperado;
+    } casos[] = {
+        {"\xC0\x80|", u"\u00C0\u20AC|"},                     // overlong NUL
+        {"\xC1\xBF|", u"\u00C1\u00BF|"},                     // overlong
+        {"\xE0\x80\x80|", u"\u00E0\u20AC\u20AC|"},           // overlong three bytes
+        {"\xED\xA0\x80|", u"\u00ED\u00A0\u20AC|"},           // encoded surrogate
+        {"\xF4\x90\x80\x80|", u"\u00F4\u0090\u20AC\u20AC|"}, // above U+10FFFF
+        {"\xF5\x80\x80\x80|", u"\u00F5\u20AC\u20AC\u20AC|"},
+        {"\xE2\x82|", u"\u00E2\u201A|"},         // truncated before a byte that continues nothing
+        {"\xF0\x9F\x98", u"\u00F0\u0178\u02DC"}, // truncated at the end
+        {"\xFF\xC3\xA9\x80\xE2\x82\xAC", u"\u00FFé\u20AC€"},
+    };
+    for (const Caso &c : casos) {
+        EXPECT_EQ(zarn::utf8_a_utf16(c.entrada), c.esperado) << c.entrada;
+        EXPECT_EQ(toma(unicode_convierte_ANSI_a_UTF8(c.entrada)), zarn::utf16_a_utf8(c.esperado));
+    }
+    // Valid UTF-8 passes unchanged, invalid does not.
+    EXPECT_TRUE(zarn::es_utf8_valido("a\xC3\xA9\xE2\x82\xAC\xF0\x9F\x98\x80\xF4\x8F\xBF\xBF"));
+    EXPECT_FALSE(zarn::es_utf8_valido("\xF0\x9F\x98"));
+    EXPECT_EQ(toma(unicode_convierte_ANSI_a_UTF8("Jos\xC3\xA9")), "Jos\xC3\xA9");
+    EXPECT_EQ(toma(unicode_convierte_ANSI_a_UTF8("Jos\xE9")), "Jos\xC3\xA9");
+}
+
+TEST(Conversion, LoneSurrogatesBecomeReplacementCharacter) {
+    const std::string fffd = "\xEF\xBF\xBD";
+    EXPECT_EQ(zarn::utf16_a_utf8(u"a\xD800"
+                                 u"b"),
+              "a" + fffd + "b");
+    EXPECT_EQ(zarn::utf16_a_utf8(u"\xDC00"
+                                 u"a"),
+              fffd + "a");
+    EXPECT_EQ(zarn::utf16_a_utf8(u"a\xDBFF"), "a" + fffd);
+    EXPECT_EQ(zarn::utf16_a_utf8(u"\xDC00\xD800"), fffd + fffd);
+    EXPECT_EQ(toma(unicode_convierte_UNICODE_a_UTF8(u"\xD83D\xD83D\xDE00")),
+              fffd + "\xF0\x9F\x98\x80");
+}
+
+TEST(Conversion, DecodesOneCharacterAtATime) {
+    const std::string s = "A\xC3\xA9\x80\xF0\x9F\x98\x80";
+    const char *p = s.data(), *fin = p + s.size();
+    std::u32string leidos;
+    while (p < fin)
+        leidos.push_back(zarn::decodifica_utf8(p, fin));
+    EXPECT_EQ(leidos, U"Aé\u20AC\U0001F600");
+}
+
+TEST(Conversion, ArrayOfWideTextsToUtf8) {
+    ArrCADENA_u origen = arr_CreaCADENA_u(0);
+    arr_AppendCADENA_u(origen, u"año");
+    arr_AppendCADENA_u(origen, u"");
+    ArrCADENA r = unicode_array_salida_ANSI(origen);
+    ASSERT_EQ(arr_NumElemsCADENA(r), 2u);
+    EXPECT_STREQ(arr_GetCADENA(r, 0), "a\xC3\xB1o");
+    EXPECT_STREQ(arr_GetCADENA(r, 1), "");
+    EXPECT_EQ(arr_NumElemsCADENA_u(origen), 2u);
+    arr_DestruyeCADENA(&r);
+    arr_DestruyeCADENA_u(&origen);
+    EXPECT_EQ(condicion_de([] { unicode_UNICODE_a_ANSI(nullptr); }), "(s) != NULL");
+}
