@@ -201,7 +201,9 @@ ZARN_API CADENA cad_subcadena_inicial(const char *s, uint16_t n) {
 
 ZARN_API CADENA cad_subcadena_inicial_size_t(const char *s, size_t n) {
     ZARN_ASSERT_NO_NULL(s, ORIGEN);
-    return zarn::dup(std::string_view(s, strnlen(s, n)));
+    const void *cero = std::memchr(s, '\0', n); // stops at the terminator
+    return zarn::dup(
+        std::string_view(s, cero ? static_cast<size_t>(static_cast<const char *>(cero) - s) : n));
 }
 
 ZARN_API CADENA creacadena(size_t n) {
