@@ -312,6 +312,68 @@ ZARN_API ArrCADENA zarnfxml_lineas(zarnfxml_t *xml);
 
 /* ==== READER (declarations follow) ==== */
 
+/* ---- Reader: creation, lines of a file --------------------------------------------------------
+ *
+ * A reader walks a document from its first byte to its last and never goes back. It reads a
+ * file (one line held at a time) or a caller's list of lines. Lines are 8-bit text; tag and
+ * property names stay bytes, data and property values become wide text. The encoding starts as
+ * UTF-8 and changes at a declaration <?xml ... encoding="..."?> ("iso-8859-1", "UTF-8",
+ * "UTF-16", case ignored; the bytes are read as UTF-8 under "UTF-16" too). Under UTF-8 the
+ * entities "&lt;", "&gt;" and "&amp;" are resolved in data and values; nothing else is.
+ *
+ * Reading is strict: a document of a shape that a read did not expect ends in an internal
+ * error. A document from outside is checked first with zarnfxml_es_fichero_xml_correcto or
+ * zarnfxml_es_lineas_xml_correcto. */
+
+/* A reader over a file; the 8-bit path is UTF-8. A file that begins with a UTF-16 byte order
+ * mark is read as zarnfxml_lee_lineas_fichero reads it. */
+ZARN_API zarnfxml_t *zarnfxml_crea_para_lectura_de_fichero(const char *nombre_fichero);
+ZARN_API zarnfxml_t *zarnfxml_crea_para_lectura_de_fichero_u(const char16_t *nombre_fichero);
+/* A reader over a list of lines, which stays the caller's, is neither copied nor freed, and
+ * must outlive the reader; the lines are read in place and never changed. With dato_literal CIERTO the text of a datum
+ * is taken as it stands, line ends and indentation included; with FALSO each line of it loses
+ * its indentation, empty lines vanish and <br/> stands for a line break. */
+ZARN_API zarnfxml_t *zarnfxml_crea_para_lectura_de_lineas(ArrCADENA lineas_xml, zybool dato_literal);
+/* Ends a reader at any moment, closing its file, and clears the caller's handle. */
+ZARN_API void zarnfxml_destruye_xml_lectura(zarnfxml_t **xml);
+/* The lines of a file, without their line ends, as a new array for the caller. A UTF-16 file
+ * (with a byte order mark) comes as UTF-8 lines. A line longer than 5,120,000 bytes is cut
+ * there and its rest comes as the next line. */
+ZARN_API ArrCADENA zarnfxml_lee_lineas_fichero(const char16_t *nombre_fichero);
+
+/* ---- Reader: well-formedness checks ----------------------------------------------------------
+ *
+ * Both read a whole document and answer CIERTO if it is good. On FALSO, *mensaje_error (when
+ * mensaje_error is not null) receives a new message of the form "Ln 3, Col 6: The end tag does
+ * not match the initial tag (raiz) (rai)"; on CIERTO the caller's variable is not written. With
+ * a non-empty etiqueta_raiz the first block (an element without a datum) must bear that tag,
+ * case ignored. A datum beside a block or outside every block is a fault ("Unexpected word").
+ * Any bytes at all give an answer; nothing but a file that cannot be opened ends in an internal
+ * error. */
+ZARN_API zybool zarnfxml_es_fichero_xml_correcto(const char16_t *nombre_fichero,
+                                                 const char *etiqueta_raiz, CADENA *mensaje_error,
+                                                 zybool dato_literal);
+ZARN_API zybool zarnfxml_es_lineas_xml_correcto(ArrCADENA lineas_xml, const char *etiqueta_raiz,
+                                                CADENA *mensaje_error, zybool dato_literal);
+
+/* ---- Reader: text-to-value conversions --------------------------------------------------------
+ *
+ * Pure functions of their argument. A text that holds "NaN" anywhere, in any case, gives 0; a
+ * comma counts as a decimal point. Leading blanks are skipped and the longest prefix that is a
+ * number is read (0 if none). The integer forms truncate the double toward zero and saturate at
+ * the limits of their type. */
+ZARN_API double zarnfxml_atof(const char *texto);
+ZARN_API double zarnfxml_atof_u(const char16_t *texto);
+ZARN_API int32_t zarnfxml_atol(const char *texto);
+ZARN_API int32_t zarnfxml_atol_u(const char16_t *texto);
+ZARN_API uint32_t zarnfxml_atoul(const char *texto);
+ZARN_API uint32_t zarnfxml_atoul_u(const char16_t *texto);
+ZARN_API uint16_t zarnfxml_atous(const char *texto);
+ZARN_API uint16_t zarnfxml_atous_u(const char16_t *texto);
+
 ZARN_END_DECLS
+
+/* The tree walk over a whole document. */
+#include "zarnfxml_recorrido.h"
 
 #endif

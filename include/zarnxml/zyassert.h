@@ -20,11 +20,11 @@ typedef void (*zyassert_manejador_t)(const char *condicion, const char *origen, 
 /* Installs a handler and returns the old one; NULL restores the default. */
 ZARN_API zyassert_manejador_t zyassert_instala_manejador(zyassert_manejador_t manejador);
 
-ZARN_API ZARN_NORETURN void error_interno(const char *condicion, const char *origen, uint32_t linea,
+ZARN_NORETURN ZARN_API void error_interno(const char *condicion, const char *origen, uint32_t linea,
                                           int reservado);
-ZARN_API ZARN_NORETURN void error_interno_msg(const char *condicion, const char *origen,
+ZARN_NORETURN ZARN_API void error_interno_msg(const char *condicion, const char *origen,
                                               uint32_t linea, const char *mensaje, int reservado);
-ZARN_API ZARN_NORETURN void error_interno_default_error(const void *reservado1,
+ZARN_NORETURN ZARN_API void error_interno_default_error(const void *reservado1,
                                                         const void *reservado2, const char *origen,
                                                         uint32_t linea, int reservado);
 

@@ -1,0 +1,66 @@
+// The two well-formedness checks: each runs its own reader over a whole document and answers
+// whether it is good, with the message of the first fault when it is not.
+#include "streaming/lector.hpp"
+
+using zarn::ORIGEN_STREAMING;
+
+zybool i_es_xml_correcto(i_xml_lectura *xml, const char *etiqueta_raiz, CADENA *mensaje_error) {
+    ZARN_ASSERT_NO_NULL(xml, ORIGEN_STREAMING);
+    const bool compara_raiz = zarnstr_hay_texto(etiqueta_raiz) != FALSO;
+    bool visto_bloque = false;
+    bool falta = false;
+    while (!falta && !i_lectura_terminada(xml)) {
+        switch (i_lee_registro(xml, FALSO)) {
+        case i_REGISTRO_INICIO_BLOQUE:
+            if (visto_bloque)
+                break;
+            visto_bloque = true;
+            if (compara_raiz && !zarn::iguales_may_o_min(std::string_view(xml->registro->etiqueta),
+                                                         std::string_view(etiqueta_raiz))) {
+                i_asigna_error_especial(xml,
+                                        i_mensaje_error("Expected word", etiqueta_raiz, nullptr,
+                                                        xml->ind_linea, xml->ind_columna));
+                falta = true;
+            }
+            break;
+        case i_REGISTRO_DATO:
+            i_asigna_error_especial(xml, i_mensaje_error("Unexpected word", nullptr, nullptr,
+                                                         xml->ind_linea, xml->ind_columna));
+            falta = true;
+            break;
+        case i_REGISTRO_CAMPO:
+        case i_REGISTRO_FIN_BLOQUE:
+        case i_REGISTRO_DEFINICION_COMENTARIO:
+        case i_REGISTRO_FIN_FICHERO:
+        case i_REGISTRO_ERROR:
+            break;
+        default:
+            ZARN_DEFAULT_ERROR(ORIGEN_STREAMING);
+        }
+    }
+    CADENA mensaje = nullptr;
+    if (!i_hay_error_lectura(xml, &mensaje))
+        return CIERTO;
+    if (mensaje_error)
+        *mensaje_error = mensaje;
+    else
+        zarn::libera(mensaje);
+    return FALSO;
+}
+
+extern "C" {
+
+ZARN_API zybool zarnfxml_es_fichero_xml_correcto(const char16_t *nombre_fichero,
+                                                 const char *etiqueta_raiz, CADENA *mensaje_error,
+                                                 zybool dato_literal) {
+    const auto xml = i_crea_para_lectura_de_fichero_u(nombre_fichero, dato_literal);
+    return i_es_xml_correcto(xml.get(), etiqueta_raiz, mensaje_error);
+}
+
+ZARN_API zybool zarnfxml_es_lineas_xml_correcto(ArrCADENA lineas_xml, const char *etiqueta_raiz,
+                                                CADENA *mensaje_error, zybool dato_literal) {
+    const auto xml = i_crea_para_lectura_de_lineas(lineas_xml, dato_literal);
+    return i_es_xml_correcto(xml.get(), etiqueta_raiz, mensaje_error);
+}
+
+} // extern "C"

@@ -1,0 +1,70 @@
+// Text-to-value conversions: every number that the library reads from a text comes through
+// these. "NaN" anywhere in a text, in any case, gives 0, and a comma is a decimal point.
+#include "streaming/lector.hpp"
+
+#include <algorithm>
+
+using zarn::ORIGEN_STREAMING;
+
+namespace {
+
+bool contiene_nan(std::string_view s) {
+    constexpr std::string_view nan = "nan";
+    return std::search(s.begin(), s.end(), nan.begin(), nan.end(), [](char a, char b) {
+               return (a >= 'A' && a <= 'Z' ? a + ('a' - 'A') : a) == b;
+           }) != s.end();
+}
+
+} // namespace
+
+extern "C" {
+
+ZARN_API double zarnfxml_atof(const char *texto) {
+    ZARN_ASSERT_NO_NULL(texto, ORIGEN_STREAMING);
+    const std::string_view s(texto);
+    if (contiene_nan(s))
+        return 0.0;
+    if (s.find(',') == std::string_view::npos)
+        return cad_atof(texto);
+    std::string copia(s);
+    std::replace(copia.begin(), copia.end(), ',', '.');
+    return cad_atof(copia.c_str());
+}
+
+ZARN_API double zarnfxml_atof_u(const char16_t *texto) {
+    ZARN_ASSERT_NO_NULL(texto, ORIGEN_STREAMING);
+    const std::u16string_view s(texto);
+    if (zarn::contiene_may_o_min(s, u"NaN"))
+        return 0.0;
+    if (s.find(u',') == std::u16string_view::npos)
+        return widestr_nousar_atof(texto, ORIGEN_STREAMING, __LINE__);
+    std::u16string copia(s);
+    std::replace(copia.begin(), copia.end(), u',', u'.');
+    return widestr_nousar_atof(copia.c_str(), ORIGEN_STREAMING, __LINE__);
+}
+
+ZARN_API int32_t zarnfxml_atol(const char *texto) {
+    return cambtipo_double_a_long(zarnfxml_atof(texto));
+}
+
+ZARN_API int32_t zarnfxml_atol_u(const char16_t *texto) {
+    return cambtipo_double_a_long(zarnfxml_atof_u(texto));
+}
+
+ZARN_API uint32_t zarnfxml_atoul(const char *texto) {
+    return cambtipo_double_a_ulong(zarnfxml_atof(texto));
+}
+
+ZARN_API uint32_t zarnfxml_atoul_u(const char16_t *texto) {
+    return cambtipo_double_a_ulong(zarnfxml_atof_u(texto));
+}
+
+ZARN_API uint16_t zarnfxml_atous(const char *texto) {
+    return cambtipo_unsigned_long_a_unsigned_short(zarnfxml_atoul(texto));
+}
+
+ZARN_API uint16_t zarnfxml_atous_u(const char16_t *texto) {
+    return cambtipo_unsigned_long_a_unsigned_short(zarnfxml_atoul_u(texto));
+}
+
+} // extern "C"

@@ -1,0 +1,320 @@
+// The reader object and its character source: creation and end of a reader, the delivery of
+// lines from a file or a list, the encoding taken from a declaration, the decoding of finished
+// texts, and the reading of a whole file into lines.
+#include "streaming/lector.hpp"
+
+#include <zarnxml/zarnfxml.h>
+
+#include <algorithm>
+#include <cstring>
+
+using zarn::ORIGEN_STREAMING;
+
+namespace {
+
+// The first block read from a file, enough for a small document; a file that fills it is read
+// on in blocks of TAM_BLOQUE, and only a line that does not fit makes the block larger.
+constexpr size_t TAM_INICIAL = size_t{64} << 10;
+constexpr size_t TAM_BLOQUE = size_t{1} << 20;
+// Enough for the longest line, the two bytes of a CR LF behind it, and room to read on.
+constexpr size_t TAM_MAXIMO = size_t{i_MAX_LINEA} + 2 + TAM_BLOQUE;
+
+constexpr const char *LINEA_VACIA = "";
+
+} // namespace
+
+// ---- Lines out of large blocks ---------------------------------------------------------------
+
+i_bloque_lineas::i_bloque_lineas(zarnio_fichero_s &fichero)
+    : fichero_(fichero), buf_(std::make_unique_for_overwrite<char[]>(TAM_INICIAL + 1)),
+      cap_(TAM_INICIAL) {}
+
+void i_bloque_lineas::agranda(size_t nueva) {
+    auto otro = std::make_unique_for_overwrite<char[]>(nueva + 1);
+    std::memcpy(otro.get(), buf_.get() + pos_, fin_ - pos_);
+    fin_ -= pos_;
+    pos_ = 0;
+    buf_ = std::move(otro);
+    cap_ = nueva;
+}
+
+void i_bloque_lineas::lee_mas() {
+    if (fin_ == cap_ && (cap_ < TAM_BLOQUE || pos_ == 0)) {
+        // The first block was full, so the file is a large one; or a line fills the block.
+        agranda(cap_ < TAM_BLOQUE ? TAM_BLOQUE : std::min(cap_ * 2, TAM_MAXIMO));
+    } else if (pos_ > 0) {
+        std::memmove(buf_.get(), buf_.get() + pos_, fin_ - pos_);
+        fin_ -= pos_;
+        pos_ = 0;
+    }
+    const size_t leidos = zarn::lee_bytes(fichero_, buf_.get() + fin_, cap_ - fin_);
+    if (leidos == 0)
+        agotado_ = true;
+    fin_ += leidos;
+}
+
+char *i_bloque_lineas::siguiente() {
+    if (hay_guardado_) {
+        buf_[pos_] = guardado_;
+        hay_guardado_ = false;
+    }
+    constexpr size_t MAX = i_MAX_LINEA;
+    for (;;) {
+        char *linea = buf_.get() + pos_;
+        const size_t hay = fin_ - pos_;
+        // An LF right behind the longest line still ends that line.
+        const size_t tope = std::min(hay, MAX + 1);
+        if (buscado_ < tope) {
+            const auto *lf =
+                static_cast<const char *>(std::memchr(linea + buscado_, '\n', tope - buscado_));
+            if (lf) {
+                const size_t k = static_cast<size_t>(lf - linea);
+                const size_t largo = (k > 0 && linea[k - 1] == '\r') ? k - 1 : k;
+                linea[largo] = '\0';
+                pos_ += k + 1;
+                buscado_ = 0;
+                return linea;
+            }
+            buscado_ = tope;
+        }
+        if (hay > MAX && (hay >= MAX + 2 || agotado_)) {
+            // Too long: cut. A CR LF right behind the cut is the line's end after all.
+            if (hay >= MAX + 2 && linea[MAX] == '\r' && linea[MAX + 1] == '\n') {
+                pos_ += MAX + 2;
+            } else {
+                guardado_ = linea[MAX];
+                hay_guardado_ = true;
+                pos_ += MAX;
+            }
+            linea[MAX] = '\0';
+            buscado_ = 0;
+            return linea;
+        }
+        if (agotado_) {
+            if (hay == 0)
+                return nullptr;
+            linea[hay] = '\0'; // the last line has no line end: the spare byte ends it
+            pos_ = fin_;
+            buscado_ = 0;
+            return linea;
+        }
+        lee_mas();
+    }
+}
+
+// ---- The reader object -----------------------------------------------------------------------
+
+i_fuente_t::~i_fuente_t() {
+    if (destruye_lineas && lineas)
+        arr_DestruyeCADENA(&lineas);
+}
+
+i_xml_lectura::i_xml_lectura() : zarnfxml_s(i_clase_objeto::lector), conf(i_crea_conf_UTF_8()) {}
+
+i_xml_lectura *i_lector(zarnfxml_t *xml, uint32_t linea_fuente) {
+    if (xml == nullptr) [[unlikely]]
+        error_interno("(xml) != NULL", ORIGEN_STREAMING, linea_fuente, 0);
+    if (xml->clase != i_clase_objeto::lector) [[unlikely]]
+        error_interno("es_xml_lectura == CIERTO", ORIGEN_STREAMING, linea_fuente, 0);
+    return static_cast<i_xml_lectura *>(xml);
+}
+
+std::unique_ptr<i_xml_lectura> i_crea_para_lectura_de_fichero_u(const char16_t *nombre_fichero,
+                                                                zybool dato_literal) {
+    ZARN_ASSERT_NO_NULL(nombre_fichero, ORIGEN_STREAMING);
+    auto xml = std::make_unique<i_xml_lectura>();
+    xml->dato_literal = dato_literal;
+    i_fuente_t &f = xml->fuente;
+    f.tipo_fuente = i_FUENTE_FICHERO;
+    f.fichero_ancho = zarnfile_es_fichero_unicode(nombre_fichero);
+    if (f.fichero_ancho) {
+        // A UTF-16 file cannot be cut into 8-bit lines as it is read: it is read whole into
+        // UTF-8 lines, which the reader owns, and served as a list.
+        f.tipo_fuente = i_FUENTE_LINEAS;
+        f.lineas = zarnfxml_lee_lineas_fichero(nombre_fichero);
+        f.destruye_lineas = CIERTO;
+        return xml;
+    }
+    f.fichero = zarn::abre(nombre_fichero, "rb", ORIGEN_STREAMING, __LINE__);
+    f.buffer_linea = std::make_unique<i_bloque_lineas>(*f.fichero);
+    return xml;
+}
+
+std::unique_ptr<i_xml_lectura> i_crea_para_lectura_de_lineas(ArrCADENA lineas_xml,
+                                                             zybool dato_literal) {
+    ZARN_ASSERT_NO_NULL(lineas_xml, ORIGEN_STREAMING);
+    auto xml = std::make_unique<i_xml_lectura>();
+    xml->dato_literal = dato_literal;
+    xml->fuente.tipo_fuente = i_FUENTE_LINEAS;
+    xml->fuente.lineas = lineas_xml;
+    return xml;
+}
+
+// ---- Delivering a line -----------------------------------------------------------------------
+
+const char *i_dame_linea(i_fuente_t *fuente, uint32_t ind_linea, zybool *alcanzado_final_fichero) {
+    ZARN_ASSERT_NO_NULL(fuente, ORIGEN_STREAMING);
+    ZARN_ASSERT_NO_NULL(alcanzado_final_fichero, ORIGEN_STREAMING);
+    if (ind_linea == fuente->ind_linea_actual) {
+        *alcanzado_final_fichero = FALSO;
+        return fuente->linea_actual;
+    }
+    switch (fuente->tipo_fuente) {
+    case i_FUENTE_LINEAS: {
+        const auto &v = fuente->lineas->v;
+        if (ind_linea < v.size()) {
+            *alcanzado_final_fichero = FALSO;
+            fuente->linea_actual = v[ind_linea];
+        } else {
+            *alcanzado_final_fichero = CIERTO;
+            fuente->linea_actual = LINEA_VACIA;
+        }
+        break;
+    }
+    case i_FUENTE_FICHERO: {
+        const char *linea = fuente->buffer_linea->siguiente();
+        *alcanzado_final_fichero = linea ? FALSO : CIERTO;
+        fuente->linea_actual = linea ? linea : LINEA_VACIA;
+        break;
+    }
+    default:
+        ZARN_DEFAULT_ERROR(ORIGEN_STREAMING);
+    }
+    fuente->ind_linea_actual = ind_linea;
+    return fuente->linea_actual;
+}
+
+// ---- Encoding and decoding -------------------------------------------------------------------
+
+namespace {
+
+// "&lt;", "&gt;" and "&amp;" resolved in one pass from `desde` on. The three entities cannot
+// overlap and a replacement makes no new one, so this is what three passes in that order give.
+void i_resuelve_entidades(std::u16string &s, size_t desde) {
+    const size_t amp = s.find(u'&', desde);
+    if (amp == std::u16string::npos)
+        return;
+    const auto es = [&](size_t i, std::u16string_view e) { return s.compare(i, e.size(), e) == 0; };
+    size_t w = amp;
+    for (size_t r = amp; r < s.size();) {
+        if (s[r] == u'&') {
+            if (es(r, u"&lt;")) {
+                s[w++] = u'<';
+                r += 4;
+                continue;
+            }
+            if (es(r, u"&gt;")) {
+                s[w++] = u'>';
+                r += 4;
+                continue;
+            }
+            if (es(r, u"&amp;")) {
+                s[w++] = u'&';
+                r += 5;
+                continue;
+            }
+        }
+        s[w++] = s[r++];
+    }
+    s.resize(w);
+}
+
+} // namespace
+
+void i_decodifica_cadena(std::string_view cadena, int32_t tipo_codificacion, std::u16string &out) {
+    switch (tipo_codificacion) {
+    case i_CODIFICACION_ISO_8859_1:
+        zarn::latin1_a_utf16(cadena, out);
+        return;
+    case i_CODIFICACION_UTF_8:
+    case i_CODIFICACION_UTF_8_COMILLAS:
+    case i_CODIFICACION_UTF_16: {
+        const size_t desde = out.size();
+        zarn::utf8_a_utf16(cadena, out);
+        i_resuelve_entidades(out, desde);
+        return;
+    }
+    default:
+        ZARN_DEFAULT_ERROR(ORIGEN_STREAMING);
+    }
+}
+
+std::u16string i_decodifica_cadena(std::string_view cadena, int32_t tipo_codificacion) {
+    std::u16string out;
+    i_decodifica_cadena(cadena, tipo_codificacion, out);
+    return out;
+}
+
+void i_dato_t::asigna(const i_dato_t &otro) {
+    bruto_.assign(otro.bruto_);
+    tipo_codificacion_ = otro.tipo_codificacion_;
+    decodificado_ = false;
+}
+
+const std::u16string &i_dato_t::texto() const {
+    if (!decodificado_) {
+        texto_.clear();
+        i_decodifica_cadena(bruto_, tipo_codificacion_, texto_);
+        decodificado_ = true;
+    }
+    return texto_;
+}
+
+void i_aplica_definicion_fichero_xml(const zarnfxml_pieza_t *pieza, zarnfxml_conf_t *conf) {
+    ZARN_ASSERT_NO_NULL(pieza, ORIGEN_STREAMING);
+    ZARN_ASSERT_TEXTO(conf != nullptr, "(tipo_codificacion) != NULL", ORIGEN_STREAMING);
+    ZARN_ASSERT_TEXTO(pieza->tipo_pieza == i_PIEZA_DEFINICION_FICHERO_XML,
+                      "pieza->tipo_pieza == i_PIEZA_DEFINICION_FICHERO_XML", ORIGEN_STREAMING);
+    for (const i_propiedad_lectura_t &p : pieza->propiedades) {
+        if (!zarn::iguales_may_o_min(std::string_view(p.texto_propiedad), "encoding"))
+            continue;
+        // Value 2 is never the result: "UTF-8" gives 1.
+        for (const int32_t tipo :
+             {i_CODIFICACION_UTF_8, i_CODIFICACION_UTF_16, i_CODIFICACION_ISO_8859_1})
+            i_actualiza_tipo_codificacion(tipo, p.dato_propiedad.c_str(), &conf->tipo_codificacion);
+    }
+}
+
+// ---- Public interface ------------------------------------------------------------------------
+
+extern "C" {
+
+ZARN_API zarnfxml_t *zarnfxml_crea_para_lectura_de_fichero(const char *nombre_fichero) {
+    ZARN_ASSERT_NO_NULL(nombre_fichero, ORIGEN_STREAMING);
+    const std::u16string ruta = zarn::utf8_a_utf16(nombre_fichero);
+    return i_crea_para_lectura_de_fichero_u(ruta.c_str(), FALSO).release();
+}
+
+ZARN_API zarnfxml_t *zarnfxml_crea_para_lectura_de_fichero_u(const char16_t *nombre_fichero) {
+    return i_crea_para_lectura_de_fichero_u(nombre_fichero, FALSO).release();
+}
+
+ZARN_API zarnfxml_t *zarnfxml_crea_para_lectura_de_lineas(ArrCADENA lineas_xml,
+                                                          zybool dato_literal) {
+    return i_crea_para_lectura_de_lineas(lineas_xml, dato_literal).release();
+}
+
+ZARN_API void zarnfxml_destruye_xml_lectura(zarnfxml_t **xml) {
+    ZARN_ASSERT_NO_NULL(xml, ORIGEN_STREAMING);
+    ZARN_ASSERT_NO_NULL(*xml, ORIGEN_STREAMING);
+    delete I_LECTOR(*xml);
+    *xml = nullptr;
+}
+
+ZARN_API ArrCADENA zarnfxml_lee_lineas_fichero(const char16_t *nombre_fichero) {
+    ZARN_ASSERT_NO_NULL(nombre_fichero, ORIGEN_STREAMING);
+    if (zarnfile_es_fichero_unicode(nombre_fichero)) {
+        ArrCADENA_u anchas = lc_LeeFicheroTxt_unicode(nombre_fichero);
+        ArrCADENA lineas = unicode_array_salida_ANSI(anchas);
+        arr_DestruyeCADENA_u(&anchas);
+        return lineas;
+    }
+    zarn::Fichero fichero = zarn::abre(nombre_fichero, "rb", ORIGEN_STREAMING, __LINE__);
+    i_bloque_lineas bloque(*fichero);
+    ArrCADENA lineas = arr_CreaCADENA(0);
+    while (const char *linea = bloque.siguiente())
+        lineas->v.push_back(zarn::dup(linea));
+    return lineas;
+}
+
+} // extern "C"

@@ -1,0 +1,283 @@
+// The reader: its record, the line source, the pieces of the lexer, the records built from them,
+// and the operations that the reading interface stands on.
+//
+// Layers, each speaking only to the next:
+//   source   i_dame_linea delivers 8-bit lines, terminated, and keeps the position;
+//   lexer    i_lee_pieza turns them into pieces and keeps the stack of open tags;
+//   records  i_lee_registro turns pieces into records, the one advance of every read.
+#pragma once
+
+#include "services/arrays.hpp"
+#include "services/ficheros.hpp"
+#include "streaming/comun.hpp"
+
+#include <cstdint>
+#include <memory>
+#include <string>
+#include <string_view>
+#include <vector>
+
+// ---- Kinds -----------------------------------------------------------------------------------
+
+enum i_tipo_fuente_t : int32_t {
+    i_FUENTE_LINEAS = 0,
+    i_FUENTE_FICHERO = 1,
+};
+
+enum i_tipo_pieza_t : int32_t {
+    i_PIEZA_DEFINICION_FICHERO_XML = 0,
+    i_PIEZA_DEFINICION_COMENTARIO = 1,
+    i_PIEZA_INICIO_BLOQUE = 2,
+    i_PIEZA_INICIO_Y_FIN_BLOQUE = 3,
+    i_PIEZA_DATO = 4,
+    i_PIEZA_FIN_BLOQUE = 5,
+    i_PIEZA_FIN_FICHERO = 6,
+    i_PIEZA_ERROR = 7,
+};
+
+enum i_tipo_registro_t : int32_t {
+    i_REGISTRO_INICIO_BLOQUE = 0,
+    i_REGISTRO_CAMPO = 1,
+    i_REGISTRO_DATO = 2,
+    i_REGISTRO_FIN_BLOQUE = 3,
+    i_REGISTRO_DEFINICION_COMENTARIO = 4,
+    i_REGISTRO_FIN_FICHERO = 5,
+    i_REGISTRO_ERROR = 6,
+};
+
+// The level of what has no place in the tree (definitions, end of the document, errors).
+inline constexpr uint32_t i_SIN_NIVEL = 0xFFFFFFFFu;
+// The longest line that a file source delivers; a longer one is cut and the rest comes next.
+inline constexpr uint32_t i_MAX_LINEA = 5120000u;
+
+// ---- Pieces and records ----------------------------------------------------------------------
+
+// A property as the reader holds it: the name stays bytes, the value is decoded wide text.
+struct i_propiedad_lectura_t {
+    std::string texto_propiedad;
+    std::u16string dato_propiedad;
+};
+// In document order; empty where the document gives none.
+using i_propiedades_t = std::vector<i_propiedad_lectura_t>;
+
+// The text of a datum. The lexer keeps the 8-bit bytes that it cut, with the encoding in force
+// when it cut them; the wide text is decoded (with the entities) on first use only, so that a
+// reader that never looks at a datum, such as the checks, never decodes it.
+class i_dato_t {
+public:
+    // The 8-bit text, to be filled by the lexer; the encoding is set with fija_codificacion.
+    std::string &bruto() noexcept {
+        decodificado_ = false;
+        return bruto_;
+    }
+    const std::string &bruto() const noexcept { return bruto_; }
+    int32_t tipo_codificacion() const noexcept { return tipo_codificacion_; }
+    void fija_codificacion(int32_t tipo_codificacion) noexcept {
+        tipo_codificacion_ = tipo_codificacion;
+        decodificado_ = false;
+    }
+    void asigna(const i_dato_t &otro);
+    void limpia() noexcept {
+        bruto_.clear();
+        tipo_codificacion_ = i_CODIFICACION_UTF_8;
+        decodificado_ = false;
+    }
+    // The wide text, decoded once; lent until the datum changes.
+    const std::u16string &texto() const;
+    const char16_t *c_str() const { return texto().c_str(); }
+
+private:
+    std::string bruto_;
+    int32_t tipo_codificacion_ = i_CODIFICACION_UTF_8;
+    mutable std::u16string texto_;
+    mutable bool decodificado_ = false;
+};
+
+// A lexical unit. Which fields hold something depends on tipo_pieza; the others are empty.
+struct zarnfxml_pieza_t {
+    int32_t tipo_pieza = i_PIEZA_FIN_FICHERO;
+    uint32_t nivel_etiquetado = i_SIN_NIVEL;
+    std::string etiqueta;        // tag, or the text of a definition
+    i_propiedades_t propiedades; // start tags and definitions
+    i_dato_t dato;               // i_PIEZA_DATO
+    std::string etiqueta_fin;    // i_PIEZA_FIN_BLOQUE
+    std::string mensaje_error;   // i_PIEZA_ERROR, the finished message
+};
+using i_pieza_ptr = std::unique_ptr<zarnfxml_pieza_t>;
+
+// A syntactic unit: the same fields as a piece, holding copies of its own.
+struct zarnfxml_registro_t {
+    int32_t tipo_registro = i_REGISTRO_FIN_FICHERO;
+    uint32_t nivel_etiquetado = i_SIN_NIVEL;
+    std::string etiqueta;        // block start, field, definition
+    i_propiedades_t propiedades; // block start, field, definition
+    i_dato_t dato;               // field (possibly empty text), loose datum
+    std::string etiqueta_fin;    // block end
+    std::string mensaje_error;   // error
+};
+using i_registro_ptr = std::unique_ptr<zarnfxml_registro_t>;
+
+// ---- The reader record -----------------------------------------------------------------------
+
+// Cuts the lines of a file out of large blocks read at once. Lines end at LF, a CR right before
+// the LF belongs to the line end, and a line longer than i_MAX_LINEA bytes is cut there, its
+// rest coming as the next line (the rules of ztxt_lee_linea). Each line is terminated in place.
+class i_bloque_lineas {
+public:
+    explicit i_bloque_lineas(zarnio_fichero_s &fichero);
+    // The next line, valid until the next call; null once the file is exhausted.
+    char *siguiente();
+
+private:
+    void lee_mas();
+    void agranda(size_t nueva);
+
+    zarnio_fichero_s &fichero_;
+    std::unique_ptr<char[]> buf_; // cap_ bytes of data and one for a terminator
+    size_t cap_ = 0;
+    size_t pos_ = 0;     // start of what has not been delivered
+    size_t fin_ = 0;     // end of what has been read
+    size_t buscado_ = 0; // bytes behind pos_ already searched for a line end
+    bool agotado_ = false;
+    bool hay_guardado_ = false; // a cut line borrowed the first byte of the next for its terminator
+    char guardado_ = 0;
+};
+
+// The character source: where lines come from and the line last delivered.
+struct i_fuente_t {
+    i_fuente_t() = default;
+    i_fuente_t(const i_fuente_t &) = delete;
+    i_fuente_t &operator=(const i_fuente_t &) = delete;
+    ~i_fuente_t();
+
+    int32_t tipo_fuente = i_FUENTE_LINEAS;
+    ArrCADENA lineas = nullptr;     // list source; element 0 is the first line
+    zybool destruye_lineas = FALSO; // whether the reader frees lineas
+    zarn::Fichero fichero;          // file source, owned
+    zybool fichero_ancho = FALSO;   // the file is UTF-16 (read whole into lineas, see fuente.cpp)
+    std::unique_ptr<i_bloque_lineas> buffer_linea; // file source: the block that holds the line
+    const char *linea_actual = nullptr;            // the line last delivered, not owned
+    uint32_t ind_linea_actual = 0xFFFFFFFFu;       // its index; the start value means none yet
+};
+
+struct i_xml_lectura : zarnfxml_s {
+    i_xml_lectura();
+    i_xml_lectura(const i_xml_lectura &) = delete;
+    i_xml_lectura &operator=(const i_xml_lectura &) = delete;
+
+    i_fuente_t fuente;
+    uint32_t ind_linea = 0;   // line being read, from 0
+    uint32_t ind_columna = 0; // next byte in that line, from 0
+    std::unique_ptr<zarnfxml_conf_t> conf;
+    i_pieza_ptr pieza_actual;                    // the piece on which the reader stands
+    std::vector<i_pieza_ptr> piezas_pendientes;  // read ahead and given back; element 0 is next
+    std::vector<std::string> etiquetas_abiertas; // the lexer's open tags, outermost first
+    i_registro_ptr registro;                     // the current record
+    zybool error_especial = FALSO;               // a check found a fault above the lexer
+    std::string mensaje_error_especial;          // its message (meaningful with error_especial)
+    void *item_asociado = nullptr;
+    zybool dato_literal = FALSO;
+
+    // Spent pieces and records kept for reuse, so that reading allocates only while the longest
+    // texts grow; nothing here is visible to the layers above.
+    std::vector<i_pieza_ptr> piezas_libres;
+    i_registro_ptr registro_libre;
+    std::string texto_auxiliar;  // scratch of the lexer for property values
+    std::string nombre_auxiliar; // scratch of the lexer for names
+};
+
+// The reader behind a handle: "(xml) != NULL", then the object must be a reader.
+i_xml_lectura *i_lector(zarnfxml_t *xml, uint32_t linea_fuente);
+#define I_LECTOR(xml) i_lector((xml), static_cast<uint32_t>(__LINE__))
+
+// ---- Source (fuente.cpp) ---------------------------------------------------------------------
+
+// A reader over a file (text mode, whatever its size: one line is held at a time). A UTF-16
+// file is read whole as zarnfxml_lee_lineas_fichero reads it.
+std::unique_ptr<i_xml_lectura> i_crea_para_lectura_de_fichero_u(const char16_t *nombre_fichero,
+                                                                zybool dato_literal);
+// A reader over a caller's list, which is neither copied nor freed.
+std::unique_ptr<i_xml_lectura> i_crea_para_lectura_de_lineas(ArrCADENA lineas_xml,
+                                                             zybool dato_literal);
+
+// The text of line ind_linea, never null (the empty text past the end). Writes CIERTO to
+// *alcanzado_final_fichero on the first request for an index past the end, FALSO otherwise.
+const char *i_dame_linea(i_fuente_t *fuente, uint32_t ind_linea, zybool *alcanzado_final_fichero);
+
+// A finished 8-bit text as wide text: Latin-1 under i_CODIFICACION_ISO_8859_1; UTF-8 with
+// "&lt;", "&gt;" and "&amp;" resolved under the other encodings.
+void i_decodifica_cadena(std::string_view cadena, int32_t tipo_codificacion, std::u16string &out);
+std::u16string i_decodifica_cadena(std::string_view cadena, int32_t tipo_codificacion);
+
+// Takes the encoding from the "encoding" properties of a declaration piece.
+void i_aplica_definicion_fichero_xml(const zarnfxml_pieza_t *pieza, zarnfxml_conf_t *conf);
+
+// ---- Lexer (piezas.cpp) ----------------------------------------------------------------------
+
+// The next piece, never null: element 0 of piezas_pendientes if there is one, otherwise a piece
+// lexed from the source with the encoding that conf has at this moment.
+i_pieza_ptr i_lee_pieza(i_xml_lectura *xml);
+// Gives a piece back so that it comes next. To give back two in order, give the later first.
+void i_devuelve_pieza(i_xml_lectura *xml, i_pieza_ptr pieza);
+// The lexer proper.
+i_pieza_ptr i_lee_pieza_de_fuente(i_xml_lectura *xml, int32_t tipo_codificacion);
+
+// An empty piece (reused when one is at hand) and the end of one.
+i_pieza_ptr i_nueva_pieza(i_xml_lectura *xml, int32_t tipo_pieza, uint32_t nivel_etiquetado);
+void i_destruye_pieza(i_xml_lectura *xml, i_pieza_ptr &pieza);
+
+// Pops `etiqueta` from the stack if it is on top, case counting. Otherwise gives FALSO and, where
+// the addresses are given, the message ("No open tags" or "The end tag does not match the
+// initial tag") and the tag on top (lent; null with an empty stack).
+zybool i_desapila_etiqueta(std::vector<std::string> &etiquetas_abiertas, std::string_view etiqueta,
+                           const char **mensaje, const std::string **etiqueta_esperada);
+
+// "Ln %lu, Col %lu" with both indices plus 1, then ":", " texto_error", " (detalle1)",
+// " (detalle2)" for those that are given.
+std::string i_mensaje_error(const char *texto_error, const char *detalle1, const char *detalle2,
+                            uint32_t ind_linea, uint32_t ind_columna);
+
+// ---- Records (registros.cpp) -----------------------------------------------------------------
+
+// Leaves the next record in xml->registro and gives its tipo_registro. With admite_campo_vacio
+// an element without a datum is one field with the empty text; without, a block start and end.
+int32_t i_lee_registro(i_xml_lectura *xml, zybool admite_campo_vacio);
+
+// Records made from pieces (nothing of the piece is taken over).
+i_registro_ptr i_crea_registro(i_xml_lectura *xml, const zarnfxml_pieza_t *pieza);
+i_registro_ptr i_crea_registro_campo(i_xml_lectura *xml,
+                                     const zarnfxml_pieza_t *pieza_inicio_bloque,
+                                     const zarnfxml_pieza_t *pieza_dato_si_hay);
+i_registro_ptr i_crea_registro_fin_bloque(i_xml_lectura *xml,
+                                          const zarnfxml_pieza_t *pieza_inicio_y_fin_bloque);
+void i_destruye_registro(i_xml_lectura *xml, i_registro_ptr &registro);
+
+// CIERTO when the reader stands on the end of the document or on an error.
+zybool i_lectura_terminada(const i_xml_lectura *xml);
+// Marks a fault found above the lexer; a reader takes this mark once.
+void i_asigna_error_especial(i_xml_lectura *xml, std::string mensaje);
+// Whether the reader has a fault: the special one first, then an error piece. On CIERTO a new
+// copy of the message goes to *mensaje when mensaje is given.
+zybool i_hay_error_lectura(const i_xml_lectura *xml, CADENA *mensaje);
+
+// The accessors of the current record's content, by its type: the tag (etiqueta, or
+// etiqueta_fin of a block end), the properties (block start, field, definition), the datum
+// (field, loose datum). Asking a record for what its type lacks is a default error.
+const std::string &i_etiqueta_registro(const zarnfxml_registro_t *registro);
+const i_propiedades_t &i_propiedades_registro(const zarnfxml_registro_t *registro);
+const i_dato_t &i_dato_registro(const zarnfxml_registro_t *registro);
+
+// The tag of the current record equals `etiqueta`, case ignored.
+zybool i_es_etiqueta_registro_igual(const i_xml_lectura *xml, const char *etiqueta);
+// The first property named `nombre` (case ignored), or null.
+const i_propiedad_lectura_t *i_busca_propiedad(const i_propiedades_t &propiedades,
+                                               std::string_view nombre);
+// A property of that name exists and its value equals `dato`, case ignored.
+zybool i_existe_propiedad_con_dato(const i_propiedades_t &propiedades, const char *nombre,
+                                   const char16_t *dato);
+
+// ---- Checks (comprobacion.cpp) ---------------------------------------------------------------
+
+// Runs a reader to its end or to its first fault. On a fault gives FALSO and, if mensaje_error
+// is given, a new message there.
+zybool i_es_xml_correcto(i_xml_lectura *xml, const char *etiqueta_raiz, CADENA *mensaje_error);

@@ -1,0 +1,493 @@
+// The piece lexer: turns the lines of the source into pieces, one at a time, and keeps the stack
+// of open tags. Every fault comes out as an error piece with a finished message.
+//
+// The lexer walks the current line in place. Each line is terminated by a zero byte, which ends
+// every scan, so that looking a few bytes ahead never leaves the line.
+#include "streaming/lector.hpp"
+
+#include <array>
+#include <cstring>
+
+using zarn::ORIGEN_STREAMING;
+
+namespace {
+
+// Byte classes of the scans.
+enum : uint8_t {
+    C_BLANCO = 1,     // white space: blank, tab, CR, LF
+    C_FIN_NOMBRE = 2, // ends a name of a tag or property (the zero byte too)
+};
+
+constexpr std::array<uint8_t, 256> CLASES = [] {
+    std::array<uint8_t, 256> t{};
+    for (const unsigned char c : {' ', '\t', '\r', '\n'})
+        t[c] |= C_BLANCO | C_FIN_NOMBRE;
+    for (const unsigned char c : {'\0', '=', '<', '/', '?', '>', '"', '\''})
+        t[c] |= C_FIN_NOMBRE;
+    return t;
+}();
+
+inline bool es(char c, uint8_t clase) {
+    return (CLASES[static_cast<unsigned char>(c)] & clase) != 0;
+}
+
+// Stop sets of the texts, for strcspn (the zero byte always stops it).
+constexpr const char *FIN_DATO = "<";
+constexpr const char *FIN_VALOR = "<>\"'";
+constexpr const char *FIN_VALOR_COMILLAS = "<>\"";  // a value in "..."; ' is an ordinary byte
+constexpr const char *FIN_VALOR_APOSTROFOS = "<>'"; // a value in '...'; " is an ordinary byte
+constexpr const char *FIN_DEFINICION = "?";
+
+// The lexer for one piece: the reader's position and stack, the line in hand and whether its
+// fetch reported the end of the source.
+class Lexico {
+public:
+    Lexico(i_xml_lectura &xml, int32_t tipo_codificacion)
+        : x_(xml), lin_(xml.ind_linea), col_(xml.ind_columna), tipo_(tipo_codificacion) {}
+
+    i_pieza_ptr lee();
+
+private:
+    const char *pos() const { return linea_ + col_; }
+    char byte() const { return linea_[col_]; }
+    void avanza(size_t n) { col_ += static_cast<uint32_t>(n); }
+
+    void dame(uint32_t ind) {
+        if (ind == x_.fuente.ind_linea_actual) [[likely]] {
+            linea_ = x_.fuente.linea_actual;
+            fin_ = FALSO;
+        } else {
+            linea_ = i_dame_linea(&x_.fuente, ind, &fin_);
+        }
+        ZARN_ASSERT_TEXTO(linea_ != nullptr, "(*linea) != NULL", ORIGEN_STREAMING);
+    }
+    void linea_siguiente() {
+        ++lin_;
+        col_ = 0;
+    }
+
+    void salta_blancos(bool salta_comentarios, bool salta_saltos_linea, uint32_t *num_saltos_linea);
+    bool salta_comentario();
+    std::string_view lee_nombre();
+    bool lee_texto(std::string &acumulado, const char *fin, char union_lineas);
+    void lee_dato(std::string &dato);
+    bool lee_dato_propiedad(std::u16string &valor);
+    void lee_propiedades(i_pieza_ptr &pieza);
+    i_pieza_ptr lee_definicion();
+    i_pieza_ptr lee_fin_bloque();
+    i_pieza_ptr lee_inicio_bloque();
+    i_pieza_ptr lee_cdata();
+    i_pieza_ptr error(const char *texto_error, const char *detalle1, const char *detalle2);
+
+    i_xml_lectura &x_;
+    uint32_t &lin_;
+    uint32_t &col_;
+    const int32_t tipo_;
+    const char *linea_ = nullptr;
+    zybool fin_ = FALSO;
+};
+
+i_pieza_ptr Lexico::error(const char *texto_error, const char *detalle1, const char *detalle2) {
+    i_pieza_ptr p = i_nueva_pieza(&x_, i_PIEZA_ERROR, i_SIN_NIVEL);
+    p->mensaje_error = i_mensaje_error(texto_error, detalle1, detalle2, lin_, col_);
+    return p;
+}
+
+// Skips white space, byte order marks, and (as asked) comments and line-break tags, over lines.
+void Lexico::salta_blancos(bool salta_comentarios, bool salta_saltos_linea,
+                           uint32_t *num_saltos_linea) {
+    if (num_saltos_linea)
+        *num_saltos_linea = 0;
+    for (;;) {
+        dame(lin_);
+        const char *s = pos();
+        while (es(*s, C_BLANCO))
+            ++s;
+        if (s[0] == '\xEF' && s[1] == '\xBB' && s[2] == '\xBF')
+            s += 3;
+        col_ = static_cast<uint32_t>(s - linea_);
+        if (*s == '\0') {
+            if (fin_)
+                return;
+            linea_siguiente();
+            continue;
+        }
+        if (salta_comentarios && s[0] == '<' && s[1] == '!' && s[2] == '-' && s[3] == '-') {
+            if (!salta_comentario())
+                return;
+            continue;
+        }
+        if (salta_saltos_linea && s[0] == '<' && (s[1] | 0x20) == 'b' && (s[2] | 0x20) == 'r' &&
+            s[3] == '/' && s[4] == '>') {
+            avanza(5);
+            if (num_saltos_linea)
+                ++*num_saltos_linea;
+            continue;
+        }
+        return;
+    }
+}
+
+// Passes a comment from its "<!--"; only "-->" ends it. FALSO if the source ended inside it,
+// which counts as its end.
+bool Lexico::salta_comentario() {
+    avanza(4);
+    for (;;) {
+        if (const char *cierre = std::strstr(pos(), "-->")) {
+            col_ = static_cast<uint32_t>(cierre - linea_) + 3;
+            return true;
+        }
+        avanza(std::strlen(pos()));
+        if (fin_)
+            return false;
+        linea_siguiente();
+        dame(lin_);
+    }
+}
+
+// A name: the bytes up to the name stop set; possibly empty. The view lives as long as the line.
+std::string_view Lexico::lee_nombre() {
+    const char *ini = pos();
+    const char *s = ini;
+    while (!es(*s, C_FIN_NOMBRE))
+        ++s;
+    avanza(static_cast<size_t>(s - ini));
+    return {ini, static_cast<size_t>(s - ini)};
+}
+
+// A text over lines, up to a byte of `fin` (which names the stop set without the exception
+// byte) or the end of the source. Each line's part after the first is joined by union_lineas,
+// line-break tags between parts add joins. Gives whether there was any text at all.
+bool Lexico::lee_texto(std::string &acumulado, const char *fin, char union_lineas) {
+    acumulado.clear();
+    bool hay = false;
+    for (;;) {
+        bool unido = false;
+        const char *trozo = pos();
+        const size_t n = std::strcspn(trozo, fin);
+        avanza(n);
+        if (n > 0) {
+            if (hay) {
+                acumulado += union_lineas;
+                unido = true;
+            }
+            acumulado.append(trozo, n);
+            hay = true;
+        }
+        uint32_t saltos = 0;
+        salta_blancos(false, true, &saltos);
+        if (saltos > 0) {
+            acumulado.append(saltos - (unido ? 1 : 0), union_lineas);
+            hay = true;
+        }
+        const char c = byte();
+        if (c == '\0' || std::strchr(fin, c) != nullptr)
+            return hay;
+    }
+}
+
+// The 8-bit text of a datum, normalised or literal as the reader says.
+void Lexico::lee_dato(std::string &dato) {
+    if (!x_.dato_literal) {
+        lee_texto(dato, FIN_DATO, '\n');
+        return;
+    }
+    dato.clear();
+    for (;;) {
+        dame(lin_);
+        const char *ini = pos();
+        if (const char *menor = std::strchr(ini, '<')) {
+            dato.append(ini, static_cast<size_t>(menor - ini));
+            avanza(static_cast<size_t>(menor - ini));
+            return;
+        }
+        dato.append(ini);
+        if (!fin_)
+            dato += '\n';
+        linea_siguiente();
+        if (fin_)
+            return;
+    }
+}
+
+// A property value from the byte behind "=". Gives whether it was quoted and closed by its
+// quote; only then does `valor` hold the decoded value.
+bool Lexico::lee_dato_propiedad(std::u16string &valor) {
+    const char *fin = FIN_VALOR;
+    const char c = byte();
+    if (c == '"' || c == '\'') {
+        avanza(1);
+        fin = c == '"' ? FIN_VALOR_COMILLAS : FIN_VALOR_APOSTROFOS;
+    }
+    const bool entrecomillado = fin != FIN_VALOR;
+    std::string &texto = x_.texto_auxiliar;
+    lee_texto(texto, fin, ' ');
+    const char d = byte();
+    if (d != '"' && d != '\'')
+        return false;
+    avanza(1);
+    if (entrecomillado) {
+        valor.clear();
+        i_decodifica_cadena(texto, tipo_, valor);
+    }
+    return entrecomillado;
+}
+
+// The properties of a tag, up to "/", "?" or ">". A property without a quoted value, or any
+// stray byte, turns the piece into an error that names what was read as the name.
+void Lexico::lee_propiedades(i_pieza_ptr &pieza) {
+    std::string &nombre = x_.nombre_auxiliar;
+    while (pieza->tipo_pieza != i_PIEZA_ERROR) {
+        const char c = byte();
+        if (c == '/' || c == '?' || c == '>')
+            return;
+        nombre.assign(lee_nombre());
+        salta_blancos(false, false, nullptr);
+        std::u16string valor;
+        bool hay_valor = false;
+        if (byte() == '=') {
+            avanza(1);
+            salta_blancos(false, false, nullptr);
+            hay_valor = lee_dato_propiedad(valor);
+            salta_blancos(false, false, nullptr);
+        }
+        if (!hay_valor) {
+            i_destruye_pieza(&x_, pieza);
+            pieza = error(nullptr, nombre.c_str(), nullptr);
+        } else {
+            pieza->propiedades.push_back({nombre, std::move(valor)});
+        }
+    }
+}
+
+// "<?": the declaration "<?xml ...?>" or another definition, "<?name text?>".
+i_pieza_ptr Lexico::lee_definicion() {
+    avanza(2);
+    const std::string_view nombre = lee_nombre();
+    i_pieza_ptr pieza;
+    if (zarn::iguales_may_o_min(nombre, std::string_view("xml"))) {
+        pieza = i_nueva_pieza(&x_, i_PIEZA_DEFINICION_FICHERO_XML, i_SIN_NIVEL);
+        pieza->etiqueta.assign(nombre);
+    } else {
+        pieza = i_nueva_pieza(&x_, i_PIEZA_DEFINICION_COMENTARIO, i_SIN_NIVEL);
+        pieza->etiqueta.assign(nombre);
+        const char *resto = pos();
+        const size_t n = std::strcspn(resto, FIN_DEFINICION);
+        avanza(n);
+        const std::string_view texto(resto, n);
+        if (texto.find_first_not_of(" \t\r\n") != std::string_view::npos)
+            pieza->etiqueta.append(texto);
+    }
+    salta_blancos(false, false, nullptr);
+    lee_propiedades(pieza);
+    if (pieza->tipo_pieza == i_PIEZA_ERROR)
+        return pieza;
+    if (byte() == '?' && pos()[1] == '>') {
+        avanza(2);
+        return pieza;
+    }
+    i_destruye_pieza(&x_, pieza);
+    return error(nullptr, nullptr, nullptr);
+}
+
+// "</": an end tag, checked against the innermost open tag.
+i_pieza_ptr Lexico::lee_fin_bloque() {
+    avanza(2);
+    std::string &nombre = x_.nombre_auxiliar;
+    nombre.assign(lee_nombre());
+    salta_blancos(false, false, nullptr);
+    if (byte() != '>')
+        return error(nullptr, nombre.c_str(), nullptr);
+    const char *mensaje = nullptr;
+    const std::string *esperada = nullptr;
+    i_pieza_ptr pieza;
+    if (i_desapila_etiqueta(x_.etiquetas_abiertas, nombre, &mensaje, &esperada)) {
+        pieza = i_nueva_pieza(&x_, i_PIEZA_FIN_BLOQUE,
+                              static_cast<uint32_t>(x_.etiquetas_abiertas.size()));
+        pieza->etiqueta_fin.assign(nombre);
+    } else {
+        pieza = error(mensaje, esperada ? esperada->c_str() : nullptr, nombre.c_str());
+    }
+    avanza(1);
+    return pieza;
+}
+
+// "<": a start tag, or a self-closing one. Its tag is pushed; a self-closing one pops it again.
+i_pieza_ptr Lexico::lee_inicio_bloque() {
+    avanza(1);
+    const std::string_view nombre = lee_nombre();
+    const auto nivel = static_cast<uint32_t>(x_.etiquetas_abiertas.size());
+    x_.etiquetas_abiertas.emplace_back(nombre);
+    i_pieza_ptr pieza = i_nueva_pieza(&x_, i_PIEZA_INICIO_BLOQUE, nivel);
+    pieza->etiqueta.assign(nombre);
+    salta_blancos(false, false, nullptr);
+    lee_propiedades(pieza);
+    if (pieza->tipo_pieza == i_PIEZA_ERROR)
+        return pieza;
+    if (byte() == '/' && pos()[1] == '>') {
+        avanza(2);
+        const zybool desapila =
+            i_desapila_etiqueta(x_.etiquetas_abiertas, pieza->etiqueta, nullptr, nullptr);
+        ZARN_ASSERT_TEXTO(desapila == CIERTO, "desapila == CIERTO", ORIGEN_STREAMING);
+        pieza->tipo_pieza = i_PIEZA_INICIO_Y_FIN_BLOQUE;
+        return pieza;
+    }
+    if (byte() == '>') {
+        avanza(1);
+        return pieza;
+    }
+    i_destruye_pieza(&x_, pieza);
+    return error(nullptr, nullptr, nullptr);
+}
+
+// The inside of "<![CDATA[" ... "]]>", its lines joined by line feeds as they stand.
+i_pieza_ptr Lexico::lee_cdata() {
+    i_pieza_ptr pieza =
+        i_nueva_pieza(&x_, i_PIEZA_DATO, static_cast<uint32_t>(x_.etiquetas_abiertas.size()));
+    std::string &texto = pieza->dato.bruto();
+    dame(lin_);
+    uint32_t inicio = col_;
+    bool cerrada = false;
+    for (;;) {
+        if (const char *cierre = std::strstr(pos(), "]]>")) {
+            col_ = static_cast<uint32_t>(cierre - linea_);
+            cerrada = true;
+            break;
+        }
+        avanza(std::strlen(pos()));
+        texto.append(linea_ + inicio, col_ - inicio);
+        texto += '\n';
+        if (fin_)
+            break;
+        linea_siguiente();
+        inicio = 0;
+        dame(lin_);
+    }
+    if (!cerrada) {
+        i_destruye_pieza(&x_, pieza);
+        return error(nullptr, nullptr, nullptr);
+    }
+    texto.append(linea_ + inicio, col_ - inicio);
+    pieza->dato.fija_codificacion(tipo_);
+    avanza(3);
+    return pieza;
+}
+
+i_pieza_ptr Lexico::lee() {
+    salta_blancos(true, false, nullptr);
+    const char *s = pos();
+    if (s[0] == '\0') {
+        if (!x_.etiquetas_abiertas.empty())
+            return error("Unexpected end of file", nullptr, nullptr);
+        return i_nueva_pieza(&x_, i_PIEZA_FIN_FICHERO, i_SIN_NIVEL);
+    }
+    if (s[0] != '<') {
+        i_pieza_ptr pieza =
+            i_nueva_pieza(&x_, i_PIEZA_DATO, static_cast<uint32_t>(x_.etiquetas_abiertas.size()));
+        lee_dato(pieza->dato.bruto());
+        pieza->dato.fija_codificacion(tipo_);
+        return pieza;
+    }
+    if (s[1] == '?')
+        return lee_definicion();
+    if (s[1] == '/')
+        return lee_fin_bloque();
+    if (s[1] == '!' && std::strncmp(s, "<![CDATA[", 9) == 0) {
+        avanza(9);
+        return lee_cdata();
+    }
+    return lee_inicio_bloque();
+}
+
+} // namespace
+
+// ---- Pieces ----------------------------------------------------------------------------------
+
+i_pieza_ptr i_nueva_pieza(i_xml_lectura *xml, int32_t tipo_pieza, uint32_t nivel_etiquetado) {
+    i_pieza_ptr p;
+    if (!xml->piezas_libres.empty()) {
+        p = std::move(xml->piezas_libres.back());
+        xml->piezas_libres.pop_back();
+    } else {
+        p = std::make_unique<zarnfxml_pieza_t>();
+    }
+    p->tipo_pieza = tipo_pieza;
+    p->nivel_etiquetado = nivel_etiquetado;
+    return p;
+}
+
+void i_destruye_pieza(i_xml_lectura *xml, i_pieza_ptr &pieza) {
+    ZARN_ASSERT_NO_NULL(pieza, ORIGEN_STREAMING);
+    constexpr size_t MAX_LIBRES = 8;
+    if (xml->piezas_libres.size() < MAX_LIBRES) {
+        pieza->etiqueta.clear();
+        pieza->propiedades.clear();
+        pieza->dato.limpia();
+        pieza->etiqueta_fin.clear();
+        pieza->mensaje_error.clear();
+        xml->piezas_libres.push_back(std::move(pieza));
+    }
+    pieza.reset();
+}
+
+zybool i_desapila_etiqueta(std::vector<std::string> &etiquetas_abiertas, std::string_view etiqueta,
+                           const char **mensaje, const std::string **etiqueta_esperada) {
+    if (etiquetas_abiertas.empty()) {
+        if (mensaje)
+            *mensaje = "No open tags";
+        if (etiqueta_esperada)
+            *etiqueta_esperada = nullptr;
+        return FALSO;
+    }
+    if (etiquetas_abiertas.back() == etiqueta) {
+        etiquetas_abiertas.pop_back();
+        return CIERTO;
+    }
+    if (mensaje)
+        *mensaje = "The end tag does not match the initial tag";
+    if (etiqueta_esperada)
+        *etiqueta_esperada = &etiquetas_abiertas.back();
+    return FALSO;
+}
+
+std::string i_mensaje_error(const char *texto_error, const char *detalle1, const char *detalle2,
+                            uint32_t ind_linea, uint32_t ind_columna) {
+    std::string m = "Ln " + std::to_string(uint64_t{ind_linea} + 1) + ", Col " +
+                    std::to_string(uint64_t{ind_columna} + 1);
+    if (!texto_error && !detalle1 && !detalle2)
+        return m;
+    m += ':';
+    if (texto_error) {
+        m += ' ';
+        m += texto_error;
+    }
+    for (const char *detalle : {detalle1, detalle2}) {
+        if (detalle) {
+            m += " (";
+            m += detalle;
+            m += ')';
+        }
+    }
+    return m;
+}
+
+i_pieza_ptr i_lee_pieza_de_fuente(i_xml_lectura *xml, int32_t tipo_codificacion) {
+    ZARN_ASSERT_NO_NULL(xml, ORIGEN_STREAMING);
+    return Lexico(*xml, tipo_codificacion).lee();
+}
+
+i_pieza_ptr i_lee_pieza(i_xml_lectura *xml) {
+    ZARN_ASSERT_NO_NULL(xml, ORIGEN_STREAMING);
+    if (!xml->piezas_pendientes.empty()) {
+        i_pieza_ptr p = std::move(xml->piezas_pendientes.front());
+        xml->piezas_pendientes.erase(xml->piezas_pendientes.begin());
+        return p;
+    }
+    return i_lee_pieza_de_fuente(xml, xml->conf->tipo_codificacion);
+}
+
+void i_devuelve_pieza(i_xml_lectura *xml, i_pieza_ptr pieza) {
+    ZARN_ASSERT_NO_NULL(xml, ORIGEN_STREAMING);
+    ZARN_ASSERT_NO_NULL(pieza, ORIGEN_STREAMING);
+    xml->piezas_pendientes.insert(xml->piezas_pendientes.begin(), std::move(pieza));
+}

@@ -1,0 +1,485 @@
+// Typed values from a node's datum, from a child's datum (three treatments of absence) and
+// from properties.
+#include "tree/arbol.hpp"
+
+#include <algorithm>
+#include <memory>
+#include <string>
+
+namespace {
+
+constexpr const char *ORIGEN = zarn::ORIGEN_ARBOL;
+
+constexpr int32_t LONG_VACIO = 0x7FFFFFFF;
+constexpr uint32_t ULONG_VACIO = 0xFFFFFFFFu;
+constexpr uint16_t USHORT_VACIO = 0xFFFF;
+
+inline zybool zb(bool b) {
+    return b ? CIERTO : FALSO;
+}
+
+const zarnxml_configuracion_t *conf_de(const zarnxml_nodo_t *nodo) {
+    ZARN_ASSERT_NO_NULL(nodo->configuracion, ORIGEN);
+    return nodo->configuracion;
+}
+
+// The child that a plain read demands: "existe_nodo == CIERTO" with the tag as message.
+const zarnxml_nodo_t *hijo_obligatorio(const zarnxml_nodo_t *nodo, const char *etiqueta) {
+    ZARN_ASSERT_NO_NULL(nodo, ORIGEN);
+    const zarnxml_nodo_t *nodo_hijo = nullptr;
+    if (!i_existe_hijo_unico(nodo, etiqueta, &nodo_hijo)) [[unlikely]]
+        error_interno_msg("existe_nodo == CIERTO", ORIGEN, static_cast<uint32_t>(__LINE__),
+                          etiqueta, 0);
+    ZARN_ASSERT_NO_NULL(nodo_hijo, ORIGEN);
+    return nodo_hijo;
+}
+
+// The child that an existe or opcional read asks for, or null.
+const zarnxml_nodo_t *hijo_opcional(const zarnxml_nodo_t *nodo, const char *etiqueta) {
+    ZARN_ASSERT_NO_NULL(nodo, ORIGEN);
+    const zarnxml_nodo_t *nodo_hijo = nullptr;
+    if (!i_existe_hijo_unico(nodo, etiqueta, &nodo_hijo))
+        return nullptr;
+    ZARN_ASSERT_NO_NULL(nodo_hijo, ORIGEN);
+    return nodo_hijo;
+}
+
+zybool dato_bool_obligatorio(const zarnxml_nodo_t *nodo) {
+    zybool valor = FALSO;
+    const bool es_dato_bool = i_es_dato_bool(i_dato(nodo), conf_de(nodo), &valor);
+    ZARN_ASSERT_TEXTO(es_dato_bool, "es_dato_bool == CIERTO", ORIGEN);
+    return valor;
+}
+
+// Splits texto at any character of separadores (runs count as one, no empty tokens) and hands
+// each token, terminated, to f.
+template <typename F>
+void recorre_tokens(std::u16string_view texto, std::u16string_view separadores, F &&f) {
+    std::u16string token;
+    size_t pos = 0;
+    while (true) {
+        pos = texto.find_first_not_of(separadores, pos);
+        if (pos == std::u16string_view::npos)
+            return;
+        const size_t fin = std::min(texto.find_first_of(separadores, pos), texto.size());
+        token.assign(texto.substr(pos, fin - pos));
+        f(token.c_str());
+        pos = fin;
+    }
+}
+
+std::u16string_view vista_dato(const zarnxml_nodo_t *nodo) {
+    return i_dato(nodo);
+}
+
+fichmem *fichmem_de(const zarnxml_nodo_t *nodo) {
+    std::string texto = zarn::utf16_a_utf8(vista_dato(nodo));
+    const size_t fin = texto.find_last_not_of(" \t\r\n");
+    texto.resize(fin == std::string::npos ? 0 : fin + 1);
+    uint32_t tamanyo = 0;
+    uint8_t *buffer = zarnstrhex_nousar_cadena_Base64_a_buffer(texto.c_str(), &tamanyo);
+    return fichmem_crea_original(&buffer, tamanyo);
+}
+
+} // namespace
+
+// ---- Private operations ----------------------------------------------------------------------
+
+bool i_es_dato_bool(const char16_t *dato, const zarnxml_configuracion_t *conf, zybool *valor) {
+    const std::u16string_view d = zarn::vista(dato);
+    if (zarn::iguales_may_o_min(d, conf->texto_zybool_true)) {
+        if (valor)
+            *valor = CIERTO;
+        return true;
+    }
+    if (zarn::iguales_may_o_min(d, conf->texto_zybool_false)) {
+        if (valor)
+            *valor = FALSO;
+        return true;
+    }
+    return false;
+}
+
+ArrDouble_s *i_lista_double(std::u16string_view texto, std::u16string_view separadores) {
+    auto lista = std::make_unique<ArrDouble_s>();
+    recorre_tokens(texto, separadores,
+                   [&](const char16_t *token) { lista->v.push_back(zarnfxml_atof_u(token)); });
+    return lista.release();
+}
+
+ArrULong_s *i_lista_ulong(std::u16string_view texto, std::u16string_view separadores) {
+    auto lista = std::make_unique<ArrULong_s>();
+    recorre_tokens(texto, separadores,
+                   [&](const char16_t *token) { lista->v.push_back(zarnfxml_atoul_u(token)); });
+    return lista.release();
+}
+
+extern "C" {
+
+// ---- The node's own datum --------------------------------------------------------------------
+
+ZARN_API const char16_t *zarnxml_get_dato_cadena_u(const zarnxml_nodo_t *nodo) {
+    ZARN_ASSERT_NO_NULL(nodo, ORIGEN);
+    return nodo->dato();
+}
+
+ZARN_API CADENA zarnxml_get_dato_cadena(const zarnxml_nodo_t *nodo) {
+    ZARN_ASSERT_NO_NULL(nodo, ORIGEN);
+    return zarn::dup_utf8(vista_dato(nodo));
+}
+
+ZARN_API int32_t zarnxml_get_dato_long(const zarnxml_nodo_t *nodo) {
+    ZARN_ASSERT_NO_NULL(nodo, ORIGEN);
+    return zarnfxml_atol_u(i_dato(nodo));
+}
+
+ZARN_API uint32_t zarnxml_get_dato_ulong(const zarnxml_nodo_t *nodo) {
+    ZARN_ASSERT_NO_NULL(nodo, ORIGEN);
+    return zarnfxml_atoul_u(i_dato(nodo));
+}
+
+ZARN_API double zarnxml_get_dato_double(const zarnxml_nodo_t *nodo) {
+    ZARN_ASSERT_NO_NULL(nodo, ORIGEN);
+    return zarnfxml_atof_u(i_dato(nodo));
+}
+
+ZARN_API zybool zarnxml_get_dato_bool(const zarnxml_nodo_t *nodo) {
+    ZARN_ASSERT_NO_NULL(nodo, ORIGEN);
+    return dato_bool_obligatorio(nodo);
+}
+
+ZARN_API ArrDouble zarnxml_get_dato_ArrDouble(const zarnxml_nodo_t *nodo) {
+    ZARN_ASSERT_NO_NULL(nodo, ORIGEN);
+    return i_lista_double(vista_dato(nodo), conf_de(nodo)->separador_items);
+}
+
+ZARN_API ArrULong zarnxml_get_dato_ArrULong(const zarnxml_nodo_t *nodo) {
+    ZARN_ASSERT_NO_NULL(nodo, ORIGEN);
+    return i_lista_ulong(vista_dato(nodo), conf_de(nodo)->separador_items);
+}
+
+ZARN_API ArrPunto2D zarnxml_get_dato_ArrPunto2D(const zarnxml_nodo_t *nodo,
+                                                const char16_t *separadores) {
+    ZARN_ASSERT_NO_NULL(nodo, ORIGEN);
+    auto puntos = std::make_unique<ArrPunto2D_s>();
+    // Coordinates two at a time; a last one without its partner is dropped.
+    bool hay_x = false;
+    double x = 0.0;
+    recorre_tokens(vista_dato(nodo), zarn::vista(separadores), [&](const char16_t *token) {
+        const double v = widestr_nousar_atof(token, ORIGEN, static_cast<uint32_t>(__LINE__));
+        if (hay_x)
+            puntos->v.push_back({x, v});
+        else
+            x = v;
+        hay_x = !hay_x;
+    });
+    return puntos.release();
+}
+
+ZARN_API zybool zarnxml_es_dato_bool(const zarnxml_nodo_t *nodo, zybool *valor) {
+    ZARN_ASSERT_NO_NULL(nodo, ORIGEN);
+    return zb(i_es_dato_bool(i_dato(nodo), conf_de(nodo), valor));
+}
+
+ZARN_API zybool zarnxml_es_dato_long(const zarnxml_nodo_t *nodo, int32_t *valor) {
+    ZARN_ASSERT_NO_NULL(nodo, ORIGEN);
+    const double v = zarnfxml_atof_u(i_dato(nodo));
+    if (!cambtipo_se_puede_double_a_long(v))
+        return FALSO;
+    if (valor)
+        *valor = cambtipo_double_a_long(v);
+    return CIERTO;
+}
+
+ZARN_API zybool zarnxml_es_dato_ulong(const zarnxml_nodo_t *nodo, uint32_t *valor) {
+    ZARN_ASSERT_NO_NULL(nodo, ORIGEN);
+    const double v = zarnfxml_atof_u(i_dato(nodo));
+    if (!cambtipo_se_puede_double_a_ulong(v))
+        return FALSO;
+    if (valor)
+        *valor = cambtipo_double_a_ulong(v);
+    return CIERTO;
+}
+
+// ---- A child's datum: the child must be there ----------------------------------------------
+
+ZARN_API const char16_t *zarnxml_get_dato_hijo_cadena(const zarnxml_nodo_t *nodo,
+                                                      const char *etiqueta) {
+    return hijo_obligatorio(nodo, etiqueta)->dato();
+}
+
+ZARN_API CADENA zarnxml_get_dato_hijo_cadena_ansi(const zarnxml_nodo_t *nodo,
+                                                  const char *etiqueta) {
+    return zarn::dup_utf8(vista_dato(hijo_obligatorio(nodo, etiqueta)));
+}
+
+ZARN_API int32_t zarnxml_get_dato_hijo_long(const zarnxml_nodo_t *nodo, const char *etiqueta) {
+    return zarnfxml_atol_u(i_dato(hijo_obligatorio(nodo, etiqueta)));
+}
+
+ZARN_API uint32_t zarnxml_get_dato_hijo_ulong(const zarnxml_nodo_t *nodo, const char *etiqueta) {
+    return zarnfxml_atoul_u(i_dato(hijo_obligatorio(nodo, etiqueta)));
+}
+
+ZARN_API uint16_t zarnxml_get_dato_hijo_ushort(const zarnxml_nodo_t *nodo, const char *etiqueta) {
+    return zarnfxml_atous_u(i_dato(hijo_obligatorio(nodo, etiqueta)));
+}
+
+ZARN_API double zarnxml_get_dato_hijo_double(const zarnxml_nodo_t *nodo, const char *etiqueta) {
+    return zarnfxml_atof_u(i_dato(hijo_obligatorio(nodo, etiqueta)));
+}
+
+ZARN_API int64_t zarnxml_get_dato_hijo_fecha(const zarnxml_nodo_t *nodo, const char *etiqueta) {
+    return zarnxml_get_dato_hijo_long(nodo, etiqueta);
+}
+
+ZARN_API int64_t zarnxml_get_dato_hijo_fecha_64(const zarnxml_nodo_t *nodo, const char *etiqueta) {
+    return widestr_nousar_atoi64(i_dato(hijo_obligatorio(nodo, etiqueta)), ORIGEN,
+                                 static_cast<uint32_t>(__LINE__));
+}
+
+ZARN_API zybool zarnxml_get_dato_hijo_bool(const zarnxml_nodo_t *nodo, const char *etiqueta) {
+    return dato_bool_obligatorio(hijo_obligatorio(nodo, etiqueta));
+}
+
+ZARN_API ArrDouble zarnxml_get_dato_hijo_ArrDouble(const zarnxml_nodo_t *nodo,
+                                                   const char *etiqueta) {
+    const zarnxml_nodo_t *hijo = hijo_obligatorio(nodo, etiqueta);
+    return i_lista_double(vista_dato(hijo), conf_de(hijo)->separador_items);
+}
+
+ZARN_API ArrULong zarnxml_get_dato_hijo_ArrULong(const zarnxml_nodo_t *nodo, const char *etiqueta) {
+    const zarnxml_nodo_t *hijo = hijo_obligatorio(nodo, etiqueta);
+    return i_lista_ulong(vista_dato(hijo), conf_de(hijo)->separador_items);
+}
+
+ZARN_API fichmem *zarnxml_get_dato_hijo_fichmem(const zarnxml_nodo_t *nodo, const char *etiqueta) {
+    return fichmem_de(hijo_obligatorio(nodo, etiqueta));
+}
+
+// ---- A child's datum: the answer says whether the child is there -----------------------------
+
+ZARN_API zybool zarnxml_existe_dato_hijo_cadena(const zarnxml_nodo_t *nodo, const char *etiqueta,
+                                                const char16_t **valor) {
+    const zarnxml_nodo_t *hijo = hijo_opcional(nodo, etiqueta);
+    if (!hijo)
+        return FALSO;
+    if (valor)
+        *valor = hijo->dato();
+    return CIERTO;
+}
+
+ZARN_API zybool zarnxml_existe_dato_hijo_long(const zarnxml_nodo_t *nodo, const char *etiqueta,
+                                              int32_t *valor) {
+    const zarnxml_nodo_t *hijo = hijo_opcional(nodo, etiqueta);
+    if (!hijo)
+        return FALSO;
+    if (valor)
+        *valor = *i_dato(hijo) ? zarnfxml_atol_u(i_dato(hijo)) : LONG_VACIO;
+    return CIERTO;
+}
+
+ZARN_API zybool zarnxml_existe_dato_hijo_ulong(const zarnxml_nodo_t *nodo, const char *etiqueta,
+                                               uint32_t *valor) {
+    const zarnxml_nodo_t *hijo = hijo_opcional(nodo, etiqueta);
+    if (!hijo)
+        return FALSO;
+    if (valor)
+        *valor = *i_dato(hijo) ? zarnfxml_atoul_u(i_dato(hijo)) : ULONG_VACIO;
+    return CIERTO;
+}
+
+ZARN_API zybool zarnxml_existe_dato_hijo_ushort(const zarnxml_nodo_t *nodo, const char *etiqueta,
+                                                uint16_t *valor) {
+    const zarnxml_nodo_t *hijo = hijo_opcional(nodo, etiqueta);
+    if (!hijo)
+        return FALSO;
+    if (valor)
+        *valor = *i_dato(hijo) ? zarnfxml_atous_u(i_dato(hijo)) : USHORT_VACIO;
+    return CIERTO;
+}
+
+ZARN_API zybool zarnxml_existe_dato_hijo_double(const zarnxml_nodo_t *nodo, const char *etiqueta,
+                                                double *valor) {
+    const zarnxml_nodo_t *hijo = hijo_opcional(nodo, etiqueta);
+    if (!hijo)
+        return FALSO;
+    if (valor)
+        *valor = zarnfxml_atof_u(i_dato(hijo));
+    return CIERTO;
+}
+
+ZARN_API zybool zarnxml_existe_dato_hijo_fecha(const zarnxml_nodo_t *nodo, const char *etiqueta,
+                                               int64_t *valor) {
+    int32_t v = 0;
+    if (!zarnxml_existe_dato_hijo_long(nodo, etiqueta, valor ? &v : nullptr))
+        return FALSO;
+    if (valor)
+        *valor = v;
+    return CIERTO;
+}
+
+ZARN_API zybool zarnxml_existe_dato_hijo_bool(const zarnxml_nodo_t *nodo, const char *etiqueta,
+                                              zybool *valor) {
+    const zarnxml_nodo_t *hijo = hijo_opcional(nodo, etiqueta);
+    return zb(hijo && i_es_dato_bool(i_dato(hijo), conf_de(hijo), valor));
+}
+
+ZARN_API zybool zarnxml_existe_dato_hijo_ArrDouble(const zarnxml_nodo_t *nodo, const char *etiqueta,
+                                                   ArrDouble *valor) {
+    const zarnxml_nodo_t *hijo = hijo_opcional(nodo, etiqueta);
+    if (!hijo)
+        return FALSO;
+    const zarnxml_configuracion_t *conf = conf_de(hijo);
+    if (valor)
+        *valor = i_lista_double(vista_dato(hijo), conf->separador_items);
+    return CIERTO;
+}
+
+ZARN_API zybool zarnxml_existe_dato_hijo_ArrULong(const zarnxml_nodo_t *nodo, const char *etiqueta,
+                                                  ArrULong *valor) {
+    const zarnxml_nodo_t *hijo = hijo_opcional(nodo, etiqueta);
+    if (!hijo)
+        return FALSO;
+    const zarnxml_configuracion_t *conf = conf_de(hijo);
+    if (valor)
+        *valor = i_lista_ulong(vista_dato(hijo), conf->separador_items);
+    return CIERTO;
+}
+
+// ---- A child's datum: the child may be missing, with a default --------------------------------
+
+ZARN_API int32_t zarnxml_get_dato_hijo_long_opcional(const zarnxml_nodo_t *nodo,
+                                                     const char *etiqueta, int32_t valor_defecto) {
+    int32_t valor = valor_defecto;
+    zarnxml_existe_dato_hijo_long(nodo, etiqueta, &valor);
+    return valor;
+}
+
+ZARN_API uint32_t zarnxml_get_dato_hijo_ulong_opcional(const zarnxml_nodo_t *nodo,
+                                                       const char *etiqueta,
+                                                       uint32_t valor_defecto) {
+    uint32_t valor = valor_defecto;
+    zarnxml_existe_dato_hijo_ulong(nodo, etiqueta, &valor);
+    return valor;
+}
+
+ZARN_API int64_t zarnxml_get_dato_hijo_fecha_opcional(const zarnxml_nodo_t *nodo,
+                                                      const char *etiqueta, int64_t valor_defecto) {
+    return zarnxml_get_dato_hijo_long_opcional(nodo, etiqueta,
+                                               cambtipo_time_t_a_long(valor_defecto));
+}
+
+ZARN_API zybool zarnxml_get_dato_hijo_bool_opcional(const zarnxml_nodo_t *nodo,
+                                                    const char *etiqueta, zybool valor_defecto) {
+    zybool valor = valor_defecto;
+    zarnxml_existe_dato_hijo_bool(nodo, etiqueta, &valor);
+    return valor;
+}
+
+ZARN_API zybool zarnxml_existe_dato_hijo_bool_opcional(const zarnxml_nodo_t *nodo,
+                                                       const char *etiqueta, zybool valor_defecto) {
+    return zarnxml_get_dato_hijo_bool_opcional(nodo, etiqueta, valor_defecto);
+}
+
+ZARN_API CADENA_u zarnxml_get_dato_hijo_cadena_opcional(const zarnxml_nodo_t *nodo,
+                                                        const char *etiqueta) {
+    const zarnxml_nodo_t *hijo = hijo_opcional(nodo, etiqueta);
+    return zarn::dup_u(hijo ? vista_dato(hijo) : std::u16string_view());
+}
+
+ZARN_API ArrULong zarnxml_get_dato_hijo_ArrULong_opcional(const zarnxml_nodo_t *nodo,
+                                                          const char *etiqueta) {
+    ArrULong valor = nullptr;
+    if (!zarnxml_existe_dato_hijo_ArrULong(nodo, etiqueta, &valor))
+        valor = arr_CreaULong(0);
+    return valor;
+}
+
+ZARN_API ArrCADENA_u zarnxml_get_ArrCadenaU_hijos(const zarnxml_nodo_t *nodo,
+                                                  const char *etiqueta) {
+    ZARN_ASSERT_NO_NULL(nodo, ORIGEN);
+    ArrCADENA_u datos = arr_CreaCADENA_u(0);
+    for (uint32_t i = 0; i < nodo->num_hijos; ++i)
+        if (i_etiqueta_igual(nodo->hijos()[i].etiqueta, etiqueta))
+            arr_AppendCADENA_u(datos, i_dato(&nodo->hijos()[i]));
+    return datos;
+}
+
+// ---- Properties of a node -----------------------------------------------------------------
+
+ZARN_API zybool zarnxml_existe_propiedad_cadena(const zarnxml_nodo_t *nodo,
+                                                const char *texto_propiedad, CADENA *valor) {
+    ZARN_ASSERT_NO_NULL(nodo, ORIGEN);
+    conf_de(nodo);
+    const zarnxml_propiedad_t *p = i_busca_propiedad(nodo, texto_propiedad);
+    if (!p)
+        return FALSO;
+    if (valor)
+        *valor = zarn::dup_utf8(zarn::vista(p->dato_propiedad));
+    return CIERTO;
+}
+
+ZARN_API zybool zarnxml_existe_propiedad_cadena_u(const zarnxml_nodo_t *nodo,
+                                                  const char *texto_propiedad, CADENA_u *valor) {
+    ZARN_ASSERT_NO_NULL(nodo, ORIGEN);
+    conf_de(nodo);
+    const zarnxml_propiedad_t *p = i_busca_propiedad(nodo, texto_propiedad);
+    if (!p)
+        return FALSO;
+    if (valor)
+        *valor = zarn::dup_u(zarn::vista(p->dato_propiedad));
+    return CIERTO;
+}
+
+ZARN_API zybool zarnxml_existe_propiedad_double(const zarnxml_nodo_t *nodo,
+                                                const char *texto_propiedad, double *valor) {
+    ZARN_ASSERT_NO_NULL(nodo, ORIGEN);
+    const zarnxml_propiedad_t *p = i_busca_propiedad(nodo, texto_propiedad);
+    if (!p)
+        return FALSO;
+    if (valor)
+        *valor = zarnfxml_atof_u(p->dato_propiedad);
+    return CIERTO;
+}
+
+ZARN_API zybool zarnxml_existe_propiedad_ulong(const zarnxml_nodo_t *nodo,
+                                               const char *texto_propiedad, uint32_t *valor) {
+    ZARN_ASSERT_NO_NULL(nodo, ORIGEN);
+    const zarnxml_propiedad_t *p = i_busca_propiedad(nodo, texto_propiedad);
+    if (!p)
+        return FALSO;
+    if (valor)
+        *valor = zarnfxml_atoul_u(p->dato_propiedad);
+    return CIERTO;
+}
+
+ZARN_API zybool zarnxml_existe_propiedad_bool(const zarnxml_nodo_t *nodo,
+                                              const char *texto_propiedad, zybool *valor) {
+    ZARN_ASSERT_NO_NULL(nodo, ORIGEN);
+    const zarnxml_configuracion_t *conf = conf_de(nodo);
+    const zarnxml_propiedad_t *p = i_busca_propiedad(nodo, texto_propiedad);
+    return zb(p && i_es_dato_bool(p->dato_propiedad, conf, valor));
+}
+
+// ---- Through a sequential reader -----------------------------------------------------------
+
+ZARN_API zybool zarnxml_in_existe_propiedad_bool(const zarnxml_lectura_t *xml,
+                                                 const char *texto_propiedad, zybool *valor) {
+    ZARN_ASSERT_NO_NULL(xml, ORIGEN);
+    return zarnxml_existe_propiedad_bool(xml->nodo_actual, texto_propiedad, valor);
+}
+
+ZARN_API zybool zarnxml_in_existe_propiedad_cadena(const zarnxml_lectura_t *xml,
+                                                   const char *texto_propiedad, CADENA *valor) {
+    ZARN_ASSERT_NO_NULL(xml, ORIGEN);
+    return zarnxml_existe_propiedad_cadena(xml->nodo_actual, texto_propiedad, valor);
+}
+
+ZARN_API zybool zarnxml_in_existe_propiedad_cadena_u(const zarnxml_lectura_t *xml,
+                                                     const char *texto_propiedad, CADENA_u *valor) {
+    ZARN_ASSERT_NO_NULL(xml, ORIGEN);
+    return zarnxml_existe_propiedad_cadena_u(xml->nodo_actual, texto_propiedad, valor);
+}
+
+} // extern "C"

@@ -1,0 +1,172 @@
+// The document tree inside: the node record, the tree's own record (configuration, storage of
+// every text and node), the builder, and the private operations of lookup and typed access.
+//
+// Memory. A loaded tree is read-only and dies as a whole, so everything that it holds (tags,
+// data, properties and the nodes themselves) lives in one arena owned by the tree's record.
+// Children of a node are one contiguous run of node records; destroying the root frees the
+// arena in one go, whatever the depth. Tags and property names, which repeat, are kept once.
+// Only the root (and the blank nodes that the sequential reader makes) are allocated alone.
+#pragma once
+
+#include "services/arrays.hpp"
+#include "services/servicios.hpp"
+#include "streaming/lector.hpp"
+
+#include <zarnxml/zarnxml.h>
+
+#include <cstddef>
+#include <deque>
+#include <memory>
+#include <string>
+#include <string_view>
+#include <unordered_map>
+#include <unordered_set>
+#include <vector>
+
+// ---- Arena -----------------------------------------------------------------------------------
+
+// Bump allocation in blocks; nothing is freed before the whole arena.
+class i_almacen {
+public:
+    void *reserva(size_t tamanyo, size_t alineacion);
+    template <typename T> T *reserva_de(size_t num) {
+        return static_cast<T *>(reserva(num * sizeof(T), alignof(T)));
+    }
+    // Copies with a terminator.
+    char *copia(std::string_view s);
+    char16_t *copia(std::u16string_view s);
+    void libera_todo() noexcept;
+
+private:
+    std::vector<std::unique_ptr<std::byte[]>> bloques_;
+    std::byte *pos_ = nullptr;
+    std::byte *fin_ = nullptr;
+    size_t tamanyo_bloque_ = 16 * 1024;
+};
+
+// ---- Records ---------------------------------------------------------------------------------
+
+// One per tree, owned by the root and shared by every node of the tree.
+struct zarnxml_configuracion_s {
+    std::u16string texto_zybool_true;
+    std::u16string texto_zybool_false;
+    // The separators between the items of a one-line list: always one blank.
+    std::u16string separador_items;
+
+    // Everything the tree holds.
+    i_almacen almacen;
+    // Tags and property names already stored, so that a repeated name is stored once. Bounded:
+    // past the limit a name is simply copied.
+    std::unordered_set<std::string_view> nombres;
+    // The arrays that zarnxml_nodos_hijos lends, made on demand.
+    std::unordered_map<const zarnxml_nodo_t *, std::unique_ptr<ArrPuntero_s>> arrays_hijos;
+
+    // A name stored in the arena, once if it can.
+    const char *nombre(std::string_view s);
+};
+
+// A node. Trivially copyable: the builder moves records into their final contiguous place.
+// An element holds either a datum or child elements, never both, so one pointer serves: the
+// children when there are any, otherwise the datum (null for a block without children).
+struct zarnxml_nodo_s {
+    const char *etiqueta;                   // never null; "" in a blank node
+    const zarnxml_propiedad_t *propiedades; // num_propiedades() records in document order
+    const void *contenido;                  // num_hijos children, or the datum
+    zarnxml_configuracion_t *configuracion; // the tree's record
+    uint32_t num_hijos;
+    uint32_t propiedades_y_marcas; // count << 2 | marks
+
+    static constexpr uint32_t INDEPENDIENTE = 1u;          // allocated alone, freed alone
+    static constexpr uint32_t DESTRUYE_CONFIGURACION = 2u; // the root: owns configuracion
+
+    // Null for an element with child elements.
+    const char16_t *dato() const {
+        return num_hijos ? nullptr : static_cast<const char16_t *>(contenido);
+    }
+    const zarnxml_nodo_s *hijos() const {
+        return num_hijos ? static_cast<const zarnxml_nodo_s *>(contenido) : nullptr;
+    }
+    uint32_t num_propiedades() const { return propiedades_y_marcas >> 2; }
+    bool tiene(uint32_t marca) const { return (propiedades_y_marcas & marca) != 0; }
+};
+static_assert(sizeof(zarnxml_nodo_s) == 40);
+
+// The sequential reader over a tree; its operations live with sequential reading, but lookup
+// and typed access also work on the node where it stands.
+struct zarnxml_lectura_s {
+    zarnxml_nodo_t *xml_raiz;   // owned
+    zarnxml_nodo_t *nodo_vacio; // owned: stands for every missing block
+    std::vector<const zarnxml_nodo_t *> pila_nodos;
+    const zarnxml_nodo_t *nodo_actual;
+    zybool dentro_de_bloque;
+};
+
+// ---- Nodes -----------------------------------------------------------------------------------
+
+std::unique_ptr<zarnxml_configuracion_t> i_crea_configuracion(const char *texto_true,
+                                                              const char *texto_false,
+                                                              std::u16string_view separador);
+void i_destruye_configuracion(zarnxml_configuracion_t **configuracion);
+// A blank root that owns a new configuration.
+zarnxml_nodo_t *i_crea_nodo_raiz(const char *texto_true, const char *texto_false);
+// A blank node of an existing tree, allocated alone, owning nothing.
+zarnxml_nodo_t *i_crea_nodo_vacio(zarnxml_configuracion_t *configuracion);
+// Whether the node is blank: the empty tag, no properties, no datum, no children.
+bool i_es_nodo_en_blanco(const zarnxml_nodo_t *nodo);
+
+// Builds a tree into a blank root from the elements of a document in document order.
+class i_constructor_arbol {
+public:
+    explicit i_constructor_arbol(zarnxml_nodo_t *raiz);
+
+    // One element, with its properties in document order. A null dato opens a block, whose
+    // children follow until fin_bloque. Answers false, and does nothing, for a second element
+    // at the top level.
+    bool elemento(std::string_view etiqueta, const i_propiedades_t &propiedades,
+                  const std::u16string *dato);
+    void fin_bloque();
+    // Closes what is still open and gives back the working memory.
+    void termina();
+    // Empties the root again: the tree is blank, its storage freed.
+    void descarta();
+
+private:
+    zarnxml_nodo_s nodo(std::string_view etiqueta, const i_propiedades_t &propiedades,
+                        const std::u16string *dato);
+
+    zarnxml_nodo_s *raiz_;
+    zarnxml_configuracion_t *conf_;
+    bool raiz_llena_ = false;
+    // The children of the open blocks, in document order; a block's children move to the
+    // arena when it closes. A deque, so that a long run of siblings is never moved while it
+    // grows and its memory serves again for the next run.
+    std::deque<zarnxml_nodo_s> pendientes_;
+    // For each open block, where its children begin in pendientes_; the block itself is the
+    // record just before (or the root, for the outermost).
+    std::vector<size_t> inicios_;
+};
+
+// ---- Lookup ----------------------------------------------------------------------------------
+
+// Tags and property names: upper and lower case equal.
+bool i_etiqueta_igual(const char *etiqueta1, const char *etiqueta2) noexcept;
+// The one child etiqueta: false if none, "num_nodos_encontrados == 1" if several.
+bool i_existe_hijo_unico(const zarnxml_nodo_t *nodo, const char *etiqueta,
+                         const zarnxml_nodo_t **nodo_hijo);
+// Whether the first property named texto_propiedad holds exactly dato_propiedad.
+bool i_tiene_propiedad_con_dato(const zarnxml_nodo_t *nodo, const char *texto_propiedad,
+                                const char16_t *dato_propiedad);
+// The first property of that name, or null.
+const zarnxml_propiedad_t *i_busca_propiedad(const zarnxml_nodo_t *nodo,
+                                             const char *texto_propiedad);
+
+// ---- Typed access ----------------------------------------------------------------------------
+
+// The datum as typed reads take it: a node with child elements has the empty text.
+inline const char16_t *i_dato(const zarnxml_nodo_t *nodo) {
+    const char16_t *dato = nodo->dato();
+    return dato ? dato : u"";
+}
+bool i_es_dato_bool(const char16_t *dato, const zarnxml_configuracion_t *conf, zybool *valor);
+ArrDouble_s *i_lista_double(std::u16string_view texto, std::u16string_view separadores);
+ArrULong_s *i_lista_ulong(std::u16string_view texto, std::u16string_view separadores);

@@ -1,0 +1,134 @@
+// Helpers of the reader's suites: lists of lines, readers over them, and pieces and records
+// written out as short texts, so that a whole sequence is asserted at once.
+#pragma once
+
+#include "soporte.hpp"
+#include "streaming/lector.hpp"
+
+#include <zarnxml/zarnfxml.h>
+
+#include <initializer_list>
+#include <memory>
+#include <string>
+#include <vector>
+
+// An ArrCADENA owned for the life of a test.
+struct Lineas {
+    ArrCADENA a = arr_CreaCADENA(0);
+    Lineas(std::initializer_list<std::string> lineas) {
+        for (const std::string &l : lineas)
+            a->v.push_back(zarn::dup(l));
+    }
+    explicit Lineas(const std::vector<std::string> &lineas) {
+        for (const std::string &l : lineas)
+            a->v.push_back(zarn::dup(l));
+    }
+    ~Lineas() { arr_DestruyeCADENA(&a); }
+    Lineas(const Lineas &) = delete;
+    Lineas &operator=(const Lineas &) = delete;
+};
+
+inline std::string utf8(std::u16string_view s) {
+    return zarn::utf16_a_utf8(s);
+}
+
+inline std::string describe_propiedades(const i_propiedades_t &ps) {
+    if (ps.empty())
+        return "";
+    std::string r = "{";
+    for (size_t i = 0; i < ps.size(); ++i) {
+        if (i)
+            r += ',';
+        r += ps[i].texto_propiedad + "=" + utf8(ps[i].dato_propiedad);
+    }
+    return r + "}";
+}
+
+// "tipo:nivel:contenido": the level is "-" where there is none; the content is the tag with its
+// properties, 'datum', /end tag, or the message.
+template <typename T> std::string describe_contenido(int32_t tipo, const T &p, bool es_pieza) {
+    std::string r = std::to_string(tipo) + ":" +
+                    (p.nivel_etiquetado == i_SIN_NIVEL ? std::string("-")
+                                                       : std::to_string(p.nivel_etiquetado)) +
+                    ":";
+    const int32_t dato = es_pieza ? int32_t{i_PIEZA_DATO} : int32_t{i_REGISTRO_DATO};
+    const int32_t campo = es_pieza ? -1 : int32_t{i_REGISTRO_CAMPO};
+    const int32_t fin = es_pieza ? int32_t{i_PIEZA_FIN_BLOQUE} : int32_t{i_REGISTRO_FIN_BLOQUE};
+    const int32_t error = es_pieza ? int32_t{i_PIEZA_ERROR} : int32_t{i_REGISTRO_ERROR};
+    if (tipo == dato)
+        return r + "'" + utf8(p.dato.texto()) + "'";
+    if (tipo == fin)
+        return r + "/" + p.etiqueta_fin;
+    if (tipo == error)
+        return r + p.mensaje_error;
+    r += p.etiqueta + describe_propiedades(p.propiedades);
+    if (tipo == campo)
+        r += "='" + utf8(p.dato.texto()) + "'";
+    return r;
+}
+
+inline std::string describe(const zarnfxml_pieza_t &p) {
+    return describe_contenido(p.tipo_pieza, p, true);
+}
+inline std::string describe(const zarnfxml_registro_t &r) {
+    return describe_contenido(r.tipo_registro, r, false);
+}
+
+// Every piece of a reader up to the end of the document or the first error.
+inline std::vector<std::string> piezas_de(i_xml_lectura *xml) {
+    std::vector<std::string> r;
+    for (;;) {
+        i_pieza_ptr p = i_lee_pieza(xml);
+        r.push_back(describe(*p));
+        const bool ultima = p->tipo_pieza == i_PIEZA_FIN_FICHERO || p->tipo_pieza == i_PIEZA_ERROR;
+        i_destruye_pieza(xml, p);
+        if (ultima)
+            return r;
+    }
+}
+
+inline std::vector<std::string> piezas(std::initializer_list<std::string> lineas,
+                                       bool literal = false) {
+    Lineas l(lineas);
+    auto xml = i_crea_para_lectura_de_lineas(l.a, literal ? CIERTO : FALSO);
+    return piezas_de(xml.get());
+}
+
+// Every record up to the end of the document or the first error.
+inline std::vector<std::string> registros_de(i_xml_lectura *xml, bool admite_campo_vacio) {
+    std::vector<std::string> r;
+    for (;;) {
+        const int32_t tipo = i_lee_registro(xml, admite_campo_vacio ? CIERTO : FALSO);
+        r.push_back(describe(*xml->registro));
+        if (tipo == i_REGISTRO_FIN_FICHERO || tipo == i_REGISTRO_ERROR)
+            return r;
+    }
+}
+
+inline std::vector<std::string> registros(std::initializer_list<std::string> lineas,
+                                          bool admite_campo_vacio, bool literal = false) {
+    Lineas l(lineas);
+    auto xml = i_crea_para_lectura_de_lineas(l.a, literal ? CIERTO : FALSO);
+    return registros_de(xml.get(), admite_campo_vacio);
+}
+
+// "ok", or the message of the check over the lines.
+inline std::string comprueba_lineas(const Lineas &l, const char *raiz = nullptr,
+                                    bool literal = false) {
+    CADENA mensaje = nullptr;
+    const zybool bien =
+        zarnfxml_es_lineas_xml_correcto(l.a, raiz, &mensaje, literal ? CIERTO : FALSO);
+    std::string r = bien ? "ok" : (mensaje ? std::string(mensaje) : std::string("<no message>"));
+    if (bien && mensaje)
+        r = "ok with a message";
+    zarn::libera(mensaje);
+    return r;
+}
+
+inline std::string comprueba(std::initializer_list<std::string> lineas, const char *raiz = nullptr,
+                             bool literal = false) {
+    Lineas l(lineas);
+    return comprueba_lineas(l, raiz, literal);
+}
+
+using V = std::vector<std::string>;

@@ -1,0 +1,225 @@
+// Finding nodes in a tree: among the children, with property filters, along paths, at any depth,
+// and through a sequential reader.
+#include "tree/arbol.hpp"
+
+#include "soporte.hpp"
+
+#include <zarnxml/zarnxml.h>
+
+#include <string>
+#include <vector>
+
+namespace {
+
+struct Arbol {
+    zarnxml_nodo_t *raiz;
+    explicit Arbol(const std::string &texto) {
+        ArrCADENA lineas = cad_obten_lista_lineas(texto.c_str());
+        zybool hay_error = CIERTO;
+        raiz = zarnxml_crea_de_lineas(&lineas, "1", "0", &hay_error, nullptr);
+        EXPECT_EQ(hay_error, FALSO) << texto;
+    }
+    Arbol(const Arbol &) = delete;
+    ~Arbol() { zarnxml_destruye(&raiz); }
+};
+
+std::string u8(const char16_t *s) {
+    return s ? zarn::utf16_a_utf8(s) : "<null>";
+}
+
+// The data of the nodes of an array of found nodes, joined by commas; the array is freed.
+std::string datos(ArrPuntero *nodos) {
+    std::string s;
+    for (uint32_t i = 0; i < arr_NumElemsPuntero(*nodos); ++i) {
+        const auto *n = static_cast<const zarnxml_nodo_t *>(arr_GetPunteroConTipo(*nodos, i));
+        s += (i ? "," : "") + u8(zarnxml_get_dato_cadena_u(n));
+    }
+    zarnxml_destruye_array_const_nodos(nodos);
+    EXPECT_EQ(*nodos, nullptr);
+    return s;
+}
+
+const char *DOC = "<r>\n"
+                  "  <b x=\"a\" y=\"1\">b1</b>\n"
+                  "  <B x=\"A\">b2</B>\n"
+                  "  <b x=\"a\" x=\"2\">b3</b>\n"
+                  "  <c>c1</c>\n"
+                  "  <\xc3\x89l>e1</\xc3\x89l>\n"
+                  "</r>";
+
+TEST(ArbolBusqueda, EntreLosHijos) {
+    Arbol a(DOC);
+    const zarnxml_nodo_t *r = a.raiz;
+    ArrPuntero nodos = nullptr;
+
+    // Tags compare without regard to case, Latin-1 letters included.
+    EXPECT_TRUE(zarnxml_existen_nodos(r, "B", &nodos));
+    EXPECT_EQ(datos(&nodos), "b1,b2,b3");
+    EXPECT_TRUE(zarnxml_existen_nodos(r, "b", nullptr));
+    const zarnxml_nodo_t *hijo = nullptr;
+    EXPECT_TRUE(zarnxml_existe_nodo(r, "\xc3\xa9L", &hijo));
+    EXPECT_EQ(u8(zarnxml_get_dato_cadena_u(hijo)), "e1");
+    EXPECT_STREQ(zarnxml_get_etiqueta(zarnxml_dame_nodo(r, "C")), "c");
+    EXPECT_TRUE(zarnxml_etiqueta_igual(r, "R"));
+    EXPECT_FALSE(zarnxml_etiqueta_igual(r, "rr"));
+
+    // Absence leaves the caller's variables alone.
+    nodos = reinterpret_cast<ArrPuntero>(&hijo);
+    hijo = r;
+    EXPECT_FALSE(zarnxml_existen_nodos(r, "z", &nodos));
+    EXPECT_EQ(nodos, reinterpret_cast<ArrPuntero>(&hijo));
+    EXPECT_FALSE(zarnxml_existe_nodo(r, "z", &hijo));
+    EXPECT_EQ(hijo, r);
+
+    // Position among the matches.
+    EXPECT_TRUE(zarnxml_existe_nodo_ex(r, "b", nullptr, nullptr, 1, &hijo));
+    EXPECT_EQ(u8(zarnxml_get_dato_cadena_u(hijo)), "b2");
+    EXPECT_FALSE(zarnxml_existe_nodo_ex(r, "b", nullptr, nullptr, 3, &hijo));
+    EXPECT_EQ(u8(zarnxml_get_dato_cadena_u(hijo)), "b2");
+
+    // Property filters: names without regard to case, values exactly, the first name decides.
+    EXPECT_TRUE(zarnxml_existe_nodos_ex(r, "b", "X", u"a", &nodos));
+    EXPECT_EQ(datos(&nodos), "b1,b3");
+    EXPECT_TRUE(zarnxml_existe_nodos_ex(r, "b", "x", u"A", &nodos));
+    EXPECT_EQ(datos(&nodos), "b2");
+    EXPECT_FALSE(zarnxml_existe_nodos_ex(r, "b", "x", u"2", &nodos));
+    EXPECT_FALSE(zarnxml_existe_nodos_ex(r, "b", "z", u"a", nullptr));
+    EXPECT_TRUE(zarnxml_existe_nodo_ex(r, "b", "x", u"a", 1, &hijo));
+    EXPECT_EQ(u8(zarnxml_get_dato_cadena_u(hijo)), "b3");
+    EXPECT_FALSE(zarnxml_existe_nodo_ex(r, "b", "x", u"a", 2, nullptr));
+}
+
+TEST(ArbolBusqueda, CondicionesDeLasBusquedas) {
+    Arbol a(DOC);
+    const zarnxml_nodo_t *r = a.raiz;
+    EXPECT_EQ(condicion_de([&] { zarnxml_existe_nodo(r, "b", nullptr); }),
+              "num_nodos_encontrados == 1");
+    EXPECT_EQ(condicion_de([&] { zarnxml_dame_nodo(r, "B"); }), "num_nodos_encontrados == 1");
+    EXPECT_EQ(condicion_de([&] { zarnxml_dame_nodo(r, "z"); }), "existe == CIERTO");
+    EXPECT_EQ(condicion_de([&] { zarnxml_existe_nodo(nullptr, "b", nullptr); }), "(nodo) != NULL");
+    EXPECT_EQ(condicion_de([&] { zarnxml_existen_nodos_recursivamente(r, "b", nullptr); }),
+              "(nodos_encontrados) != NULL");
+    EXPECT_EQ(condicion_de([&] { zarnxml_nodo_hijo(r, 5); }), "ind < num_nodos_hijos");
+}
+
+TEST(ArbolBusqueda, PorUnaRuta) {
+    Arbol a("<r><s n=\"1\"><t>a</t></s><s n=\"2\"><t>b</t><t>c</t></s></r>");
+    const zarnxml_nodo_t *r = a.raiz;
+    ArrCADENA ruta = arr_CreaCADENA(0);
+    const zarnxml_nodo_t *n = nullptr;
+    EXPECT_FALSE(zarnxml_existe_nodo_ruta_ex(r, ruta, nullptr, nullptr, nullptr, &n));
+    arr_AppendCADENA(ruta, "R");
+    EXPECT_TRUE(zarnxml_existe_nodo_ruta_ex(r, ruta, nullptr, nullptr, nullptr, &n));
+    EXPECT_EQ(n, r);
+    arr_AppendCADENA(ruta, "s");
+    arr_AppendCADENA(ruta, "t");
+    EXPECT_TRUE(zarnxml_existe_nodo_ruta_ex(r, ruta, nullptr, nullptr, nullptr, &n));
+    EXPECT_EQ(u8(zarnxml_get_dato_cadena_u(n)), "a");
+
+    // A filter on the middle step and a position on the last; an empty text is no filter.
+    ArrCADENA textos = arr_CreaCADENA(3);
+    ArrCADENA_u valores = arr_CreaCADENA_u(3);
+    ArrULong indices = arr_CreaULong(3);
+    for (uint32_t i = 0; i < 3; ++i) {
+        arr_SetCADENA(textos, i, "");
+        arr_SetCADENA_u(valores, i, u"");
+    }
+    arr_SetCADENA(textos, 1, "N");
+    arr_SetCADENA_u(valores, 1, u"2");
+    arr_SetULong(indices, 2, 1);
+    EXPECT_TRUE(zarnxml_existe_nodo_ruta_ex(r, ruta, textos, valores, indices, &n));
+    EXPECT_EQ(u8(zarnxml_get_dato_cadena_u(n)), "c");
+    // No backtracking to another sibling: the first s has no second t.
+    arr_SetCADENA(textos, 1, "");
+    EXPECT_FALSE(zarnxml_existe_nodo_ruta_ex(r, ruta, textos, valores, indices, &n));
+    EXPECT_EQ(u8(zarnxml_get_dato_cadena_u(n)), "c");
+    arr_SetCADENA(ruta, 0, "x");
+    EXPECT_FALSE(zarnxml_existe_nodo_ruta_ex(r, ruta, nullptr, nullptr, nullptr, nullptr));
+    arr_DestruyeCADENA(&ruta);
+    arr_DestruyeCADENA(&textos);
+    arr_DestruyeCADENA_u(&valores);
+    arr_DestruyeULong(&indices);
+}
+
+TEST(ArbolBusqueda, AFondoEnOrdenDelDocumento) {
+    Arbol a("<r><a><b>1</b><q><b>2</b></q></a><b>3<!-- --></b><b><b>5</b></b></r>");
+    ArrPuntero nodos = nullptr;
+    EXPECT_TRUE(zarnxml_existen_nodos_recursivamente(a.raiz, "B", &nodos));
+    EXPECT_EQ(datos(&nodos), "1,2,3,<null>,5");
+    const zarnxml_nodo_t *n = nullptr;
+    EXPECT_TRUE(zarnxml_existe_nodo_recursivamente(a.raiz, "b", &n));
+    EXPECT_EQ(u8(zarnxml_get_dato_cadena_u(n)), "1");
+    // The start node itself is never a candidate; an array that stays empty is freed again.
+    EXPECT_FALSE(zarnxml_existe_nodo_recursivamente(a.raiz, "r", &n));
+    EXPECT_EQ(u8(zarnxml_get_dato_cadena_u(n)), "1");
+    EXPECT_FALSE(zarnxml_existen_nodos_recursivamente(a.raiz, "r", &nodos));
+    EXPECT_FALSE(zarnxml_existen_nodos_recursivamente(zarnxml_nodo_hijo(a.raiz, 1), "b", &nodos));
+}
+
+// A chain of `niveles` elements below the root.
+std::string cadena_de_niveles(int niveles) {
+    std::string s = "<r>";
+    for (int i = 0; i < niveles; ++i)
+        s += "<e>";
+    for (int i = 0; i < niveles; ++i)
+        s += "</e>";
+    return s + "</r>";
+}
+
+TEST(ArbolBusqueda, LaBusquedaAFondoSeDetieneEnDiezMilNiveles) {
+    // Level 9998 is the deepest that the search passes; a node at 9999 is the fault, whatever
+    // has been found before it.
+    Arbol bien(cadena_de_niveles(9998));
+    ArrPuntero nodos = nullptr;
+    EXPECT_TRUE(zarnxml_existen_nodos_recursivamente(bien.raiz, "e", &nodos));
+    EXPECT_EQ(arr_NumElemsPuntero(nodos), 9998u);
+    zarnxml_destruye_array_const_nodos(&nodos);
+
+    Arbol hondo(cadena_de_niveles(9999));
+    EXPECT_EQ(condicion_de([&] { zarnxml_existe_nodo_recursivamente(hondo.raiz, "e", nullptr); }),
+              "recursividad < 10000");
+    EXPECT_EQ(condicion_de([&] { zarnxml_existen_nodos_recursivamente(hondo.raiz, "e", &nodos); }),
+              "recursividad < 10000");
+    // The array was the caller's from the start; the node at level 9999 was taken before the
+    // search tried to go below it.
+    EXPECT_EQ(arr_NumElemsPuntero(nodos), 9999u);
+    zarnxml_destruye_array_const_nodos(&nodos);
+    // Counted from the start node: one level down, the same chain passes.
+    EXPECT_TRUE(zarnxml_existe_nodo_recursivamente(zarnxml_nodo_hijo(hondo.raiz, 0), "e", nullptr));
+}
+
+TEST(ArbolBusqueda, ATravesDeUnLectorSecuencial) {
+    Arbol a("<r><c k=\"Pe\xc3\xb1"
+            "a\" s=\"1\">x</c><d/></r>");
+    zarnxml_lectura_s lector{a.raiz, nullptr, {}, a.raiz, CIERTO};
+    EXPECT_TRUE(zarnxml_es_etiqueta_nodo_raiz(&lector, "R"));
+    EXPECT_FALSE(zarnxml_es_etiqueta_nodo_raiz(&lector, "c"));
+    EXPECT_TRUE(zarnxml_existe_dato(&lector, "d"));
+    EXPECT_FALSE(zarnxml_existe_dato(&lector, "e"));
+    CADENA dato = nullptr;
+    EXPECT_TRUE(zarnxml_existe_etiqueta_con_propiedad_cadena(&lector, "C", "K", &dato));
+    EXPECT_STREQ(dato, "Pe\xc3\xb1"
+                       "a");
+    zarn::libera(dato);
+    dato = nullptr;
+    EXPECT_FALSE(zarnxml_existe_etiqueta_con_propiedad_cadena(&lector, "c", "z", &dato));
+    EXPECT_FALSE(zarnxml_existe_etiqueta_con_propiedad_cadena(&lector, "z", "k", &dato));
+    EXPECT_EQ(dato, nullptr);
+
+    lector.nodo_actual = zarnxml_dame_nodo(a.raiz, "c");
+    zybool b = FALSO;
+    EXPECT_TRUE(zarnxml_in_existe_propiedad_bool(&lector, "s", &b));
+    EXPECT_EQ(b, CIERTO);
+    CADENA_u u = nullptr;
+    EXPECT_TRUE(zarnxml_in_existe_propiedad_cadena_u(&lector, "k", &u));
+    EXPECT_EQ(u8(u), "Pe\xc3\xb1"
+                     "a");
+    zarn::libera(u);
+    EXPECT_FALSE(zarnxml_in_existe_propiedad_cadena(&lector, "q", nullptr));
+
+    lector.nodo_actual = nullptr;
+    EXPECT_EQ(condicion_de([&] { zarnxml_existe_dato(&lector, "d"); }), "(nodo) != NULL");
+    EXPECT_EQ(condicion_de([&] { zarnxml_existe_dato(nullptr, "d"); }), "(xml) != NULL");
+}
+
+} // namespace

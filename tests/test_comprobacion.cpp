@@ -1,0 +1,196 @@
+// The two checks: exact messages and positions, the root tag, literal against normalised data,
+// and robustness: any bytes give an answer, never a crash, a hang or an internal error.
+#include "lector_soporte.hpp"
+
+#include <filesystem>
+#include <random>
+
+namespace fs = std::filesystem;
+
+static std::string comprueba_fichero(const fs::path &ruta, const char *raiz = nullptr,
+                                     bool literal = false) {
+    CADENA mensaje = nullptr;
+    const zybool bien = zarnfxml_es_fichero_xml_correcto(ruta.u16string().c_str(), raiz, &mensaje,
+                                                         literal ? CIERTO : FALSO);
+    std::string r = bien ? "ok" : (mensaje ? std::string(mensaje) : std::string("<no message>"));
+    zarn::libera(mensaje);
+    return r;
+}
+
+TEST(Comprobacion, EtiquetaRaiz) {
+    EXPECT_EQ(comprueba({"<x><y/></x>"}, "raiz"), "Ln 1, Col 8: Expected word (raiz)");
+    EXPECT_EQ(comprueba({"<RAIZ/>"}, "raiz"), "ok");
+    EXPECT_EQ(comprueba({"<raiz></RAIZ>"}, "raiz"),
+              "Ln 1, Col 13: The end tag does not match the initial tag (raiz) (RAIZ)");
+    EXPECT_EQ(comprueba({"<x>1</x>"}, "raiz"), "ok");
+    EXPECT_EQ(comprueba({"<a/>", "<b/>"}, "a"), "ok");
+    EXPECT_EQ(comprueba({"<?p?>", "<x>", "</x>"}, "raiz"), "Ln 3, Col 5: Expected word (raiz)");
+    EXPECT_EQ(comprueba({"<x/>"}, ""), "ok");
+    EXPECT_EQ(comprueba({R"(<?xml version="1.0"?>)", "<raiz>", "</rai>"}, "raiz"),
+              "Ln 3, Col 6: The end tag does not match the initial tag (raiz) (rai)");
+    // A special fault before a lexical one is the one reported, at the position that the
+    // look-ahead has reached.
+    EXPECT_EQ(comprueba({"<x>", "</y>"}, "raiz"), "Ln 2, Col 5: Expected word (raiz)");
+}
+
+TEST(Comprobacion, DatosFueraDeSitio) {
+    EXPECT_EQ(comprueba({"<a>text<b/></a>"}), "Ln 1, Col 12: Unexpected word");
+    EXPECT_EQ(comprueba({"<a><b/>text</a>"}), "Ln 1, Col 12: Unexpected word");
+    EXPECT_EQ(comprueba({"text"}), "Ln 2, Col 1: Unexpected word");
+    EXPECT_EQ(comprueba({"text"}, nullptr, true), "Ln 3, Col 1: Unexpected word");
+    EXPECT_EQ(comprueba({"<a>x<br/>y</a>"}), "ok");
+    EXPECT_EQ(comprueba({"<a>x<br/>y</a>"}, nullptr, true), "Ln 1, Col 10: Unexpected word");
+    EXPECT_EQ(comprueba({"<a>", "  uno", "", "  dos", "</a>"}, nullptr, true), "ok");
+}
+
+TEST(Comprobacion, DocumentosBuenos) {
+    EXPECT_EQ(comprueba({}), "ok");
+    EXPECT_EQ(comprueba({"", "  \t", ""}), "ok");
+    EXPECT_EQ(comprueba({"<!-- never closed"}), "ok");
+    EXPECT_EQ(comprueba({"<a>", "<!-- never closed"}), "Ln 3, Col 1: Unexpected end of file");
+    EXPECT_EQ(comprueba({"<?xml version='1.0' encoding='iso-8859-1'?>", "<a>\xe9</a>",
+                         "<?xml encoding='UTF-8'?>", "<b c=\"&lt;\">&#34;</b>", "<!--x-->"}),
+              "ok");
+    EXPECT_EQ(
+        comprueba({"\xEF\xBB\xBF<a>", "\t<b>1</b>", "\t<c/>", "\t<d x='1'>", "\t</d>", "</a>"}),
+        "ok");
+}
+
+TEST(Comprobacion, MensajeSoloCuandoHayFalta) {
+    Lineas bueno{"<a/>"};
+    Lineas malo{"<a>"};
+    CADENA mensaje = zarn::dup("previo");
+    EXPECT_EQ(zarnfxml_es_lineas_xml_correcto(bueno.a, nullptr, &mensaje, FALSO), CIERTO);
+    EXPECT_STREQ(mensaje, "previo");
+    zarn::libera(mensaje);
+    EXPECT_EQ(zarnfxml_es_lineas_xml_correcto(malo.a, nullptr, nullptr, FALSO), FALSO);
+    // The lines stay the caller's and can be checked again.
+    EXPECT_EQ(comprueba_lineas(malo), "Ln 2, Col 1: Unexpected end of file");
+    EXPECT_EQ(comprueba_lineas(malo), "Ln 2, Col 1: Unexpected end of file");
+}
+
+// The corpus: each NAME.xml has its exact message in NAME.msg. Read as a file and as the
+// lines of that file, a document gives the same message.
+TEST(Comprobacion, CorpusDeDocumentosMalFormados) {
+    const fs::path dir = fs::path(ZARNXML_TEST_DATA) / "malformados";
+    size_t vistos = 0;
+    for (const auto &entrada : fs::directory_iterator(dir)) {
+        if (entrada.path().extension() != ".xml")
+            continue;
+        ++vistos;
+        fs::path msg = entrada.path();
+        msg.replace_extension(".msg");
+        const std::string esperado = lee_fichero(msg);
+        EXPECT_EQ(comprueba_fichero(entrada.path()), esperado) << entrada.path().filename();
+        ArrCADENA l = zarnfxml_lee_lineas_fichero(entrada.path().u16string().c_str());
+        CADENA mensaje = nullptr;
+        EXPECT_EQ(zarnfxml_es_lineas_xml_correcto(l, nullptr, &mensaje, FALSO), FALSO);
+        EXPECT_EQ(zarn::vista(mensaje), esperado) << entrada.path().filename();
+        zarn::libera(mensaje);
+        arr_DestruyeCADENA(&l);
+    }
+    EXPECT_GE(vistos, 50u);
+}
+
+TEST(Robustez, UnMillonDeNivelesSinRecursion) {
+    constexpr size_t N = 1000000;
+    std::string abre, cierra;
+    for (size_t i = 0; i < N; ++i) {
+        abre += "<a>";
+        cierra += "</a>";
+    }
+    {
+        Lineas l{abre, "<b>x</b>", cierra};
+        EXPECT_EQ(comprueba_lineas(l, "a"), "ok");
+    }
+    {
+        Lineas l{abre};
+        EXPECT_EQ(comprueba_lineas(l), "Ln 2, Col 1: Unexpected end of file");
+    }
+    DirTemporal dir;
+    escribe_fichero(dir / "p.xml", abre + "\n" + cierra + "\n");
+    EXPECT_EQ(comprueba_fichero(dir / "p.xml"), "ok");
+}
+
+TEST(Robustez, LineaDeSeisMegas) {
+    DirTemporal dir;
+    const std::string texto(6 * 1024 * 1024, 'x');
+    escribe_fichero(dir / "l.xml", "<a>" + texto + "</a>\n");
+    EXPECT_EQ(comprueba_fichero(dir / "l.xml"), "ok");
+    // The datum (cut into two lines) stands beside the error that the look-ahead found.
+    escribe_fichero(dir / "l.xml", "<a>" + texto);
+    EXPECT_EQ(comprueba_fichero(dir / "l.xml"), "Ln 4, Col 1: Unexpected word");
+    // The cut falls inside an end tag: what follows it is a line of its own.
+    escribe_fichero(dir / "l.xml", "<a>" + std::string(i_MAX_LINEA - 5, ' ') + "</a>");
+    EXPECT_EQ(comprueba_fichero(dir / "l.xml"), "Ln 2, Col 1: ()");
+}
+
+TEST(Robustez, FicherosExtremos) {
+    DirTemporal dir;
+    escribe_fichero(dir / "vacio.xml", "");
+    EXPECT_EQ(comprueba_fichero(dir / "vacio.xml"), "ok");
+    escribe_fichero(dir / "nul.xml", std::string("<a>\0\0</b>\n</a>\0x", 15));
+    EXPECT_EQ(comprueba_fichero(dir / "nul.xml"), "ok");
+    std::string todos;
+    for (int i = 0; i < 256; ++i)
+        todos += static_cast<char>(i);
+    escribe_fichero(dir / "todos.xml", todos);
+    // The zero byte hides the rest of the first line; the second starts at byte 11.
+    EXPECT_EQ(comprueba_fichero(dir / "todos.xml"), "Ln 2, Col 50: Unexpected word");
+    escribe_fichero(dir / "todos.xml", "<a>" + todos.substr(1) + "</a>");
+    EXPECT_EQ(comprueba_fichero(dir / "todos.xml").substr(0, 3), "Ln ");
+    EXPECT_EQ(comprueba_fichero(dir / "todos.xml", nullptr, true).substr(0, 3), "Ln ");
+    escribe_fichero(dir / "u.xml", "<a>\xff\xfe\xc3</a>");
+    EXPECT_EQ(comprueba_fichero(dir / "u.xml"), "ok");
+}
+
+// Random documents made of pieces of the dialect and stray bytes: every one gives an answer.
+TEST(Robustez, DocumentosAlAzar) {
+    const std::vector<std::string> trozos = {"<a>",
+                                             "</a>",
+                                             "<b x='1'>",
+                                             "</b>",
+                                             "<c/>",
+                                             "text",
+                                             " ",
+                                             "\n",
+                                             "\r\n",
+                                             "<!--",
+                                             "-->",
+                                             "<![CDATA[",
+                                             "]]>",
+                                             "<?xml encoding=\"iso-8859-1\"?>",
+                                             "<?p",
+                                             "?>",
+                                             "<br/>",
+                                             "=",
+                                             "\"",
+                                             "'",
+                                             "<",
+                                             ">",
+                                             "/",
+                                             "&amp;",
+                                             "\xef\xbb\xbf",
+                                             std::string(1, '\0'),
+                                             "\xff",
+                                             "\t"};
+    std::mt19937 azar(12345);
+    DirTemporal dir;
+    for (int i = 0; i < 3000; ++i) {
+        std::string doc;
+        const size_t n = azar() % 40;
+        for (size_t k = 0; k < n; ++k)
+            doc += trozos[azar() % trozos.size()];
+        const bool literal = azar() % 2;
+        escribe_fichero(dir / "d.xml", doc);
+        const std::string r = comprueba_fichero(dir / "d.xml", azar() % 4 ? nullptr : "a", literal);
+        ASSERT_TRUE(r == "ok" || r.rfind("Ln ", 0) == 0) << r;
+        ArrCADENA l = zarnfxml_lee_lineas_fichero((dir / "d.xml").u16string().c_str());
+        CADENA mensaje = nullptr;
+        const zybool bien = zarnfxml_es_lineas_xml_correcto(l, nullptr, &mensaje, literal);
+        arr_DestruyeCADENA(&l);
+        if (!bien)
+            ASSERT_NE(mensaje, nullptr);
+        zarn::libera(mensaje);
+    }
+}

@@ -1,0 +1,219 @@
+// The writer: profiles, blocks, string fields, conversion and escaping, indentation, the file.
+#include "soporte.hpp"
+
+#include <zarnxml/zarnfxml.h>
+
+#include <cstdlib>
+#include <memory>
+#include <vector>
+
+// The condition text of the internal error that the statement ends in.
+#define COND(...) condicion_de([&] { __VA_ARGS__; })
+
+namespace {
+
+using Perfil = zarnfxml_t *(*)();
+constexpr Perfil ISO = zarnfxml_crea_para_escritura_ISO_8859_1;
+constexpr Perfil UTF8 = zarnfxml_crea_para_escritura_UTF_8;
+constexpr Perfil AS = zarnfxml_crea_para_escritura_UTF_8_androidstudio;
+constexpr Perfil COM = zarnfxml_crea_para_escritura_UTF_8_codificando_comillas_cadena;
+zarnfxml_t *espacios2() {
+    return zarnfxml_crea_para_escritura_UTF_8_indenta_con_espacios(2);
+}
+
+// A writer destroyed at the end of the scope, also when an internal error unwinds.
+struct Escritor {
+    zarnfxml_t *x;
+    explicit Escritor(Perfil p = UTF8) : x(p()) {}
+    ~Escritor() { zarnfxml_destruye_xml_escritura(&x); }
+    operator zarnfxml_t *() const { return x; }
+};
+
+std::string texto_de(zarnfxml_t *xml, zybool cabecera = FALSO) {
+    std::unique_ptr<char, decltype(&free)> c(zarnfxml_xml_escritura_a_char(xml, cabecera), free);
+    return c.get();
+}
+
+// The text, with no declaration, that f(writer) leaves in a fresh writer of profile p.
+template <typename F> std::string escribe(Perfil p, F &&f) {
+    Escritor e(p);
+    f(e.x);
+    return texto_de(e);
+}
+
+std::string cabecera(const char *codificacion) {
+    return std::string("<?xml version=\"1.0\" encoding=\"") + codificacion + "\"?>";
+}
+
+} // namespace
+
+TEST(EscritorPerfiles, EjemploEnLosCincoPerfiles) {
+    const std::string c_utf8 = "<c>x&lt;y &amp; z</c>";
+    const struct {
+        Perfil crea;
+        const char *codificacion, *nivel;
+        std::string linea_c;
+    } filas[] = {{ISO, "iso-8859-1", "\t", "<c>x<y & z</c>"},
+                 {UTF8, "UTF-8", "\t", c_utf8},
+                 {AS, "UTF-8", "    ", c_utf8},
+                 {COM, "UTF-8", "\t", c_utf8},
+                 {espacios2, "UTF-8", "  ", c_utf8}};
+    DirTemporal dir;
+    for (const auto &f : filas) {
+        SCOPED_TRACE(std::string(f.codificacion) + "/" + f.nivel);
+        Escritor e(f.crea);
+        zarnfxml_graba_inicio_bloque(e, "a");
+        zarnfxml_graba_inicio_bloque(e, "b");
+        zarnfxml_graba_cadena(e, "c", "x<y & z");
+        zarnfxml_graba_fin_bloque(e);
+        zarnfxml_graba_cadena(e, "d", "");
+        zarnfxml_graba_fin_bloque(e);
+        const std::string t = f.nivel;
+        const std::string esperado = cabecera(f.codificacion) + "\n<a>\n" + t + "<b>\n" + t + t +
+                                     f.linea_c + "\n" + t + "</b>\n" + t + "<d></d>\n</a>";
+        EXPECT_EQ(texto_de(e, CIERTO), esperado);
+        zarnfxml_genera_fichero_salida(e, dir.u("sub/dir/f.xml").c_str());
+        EXPECT_EQ(lee_fichero(dir / "sub/dir/f.xml"), esperado + "\n");
+    }
+}
+
+TEST(EscritorPerfiles, CadaClaseDeLinea) {
+    uint8_t bytes[] = {'a', 'b'};
+    const fichmem fm{bytes, 2};
+    const std::string t = escribe(UTF8, [&](zarnfxml_t *x) {
+        zarnfxml_graba_inicio_bloque(x, "r");
+        zarnfxml_graba_inicio_bloque_propiedad1(x, "t", "a", "1");
+        zarnfxml_graba_fin_bloque(x);
+        zarnfxml_graba_cadena(x, "t", "dato");
+        ArrPuntero p = arr_CreaPunteroConTipo(0);
+        zarnfxml_append_propiedad(p, "a", "1");
+        zarnfxml_graba_cadena_u_con_propiedades(x, "t", u"dato", &p);
+        zarnfxml_graba_inicio_fin_bloque_propiedad1(x, "t", "a", "1");
+        p = arr_CreaPunteroConTipo(0);
+        zarnfxml_append_propiedad(p, "a", "1");
+        zarnfxml_graba_inicio_fin_bloque_con_propiedades(x, "t", &p);
+        p = arr_CreaPunteroConTipo(0);
+        zarnfxml_graba_inicio_fin_bloque_con_propiedades(x, "t", &p);
+        zarnfxml_graba_fichmem(x, &fm);
+        zarnfxml_graba_linea_comentario(x, "texto");
+        zarnfxml_graba_linea_xml(x, "<x y='1'/>");
+        ArrCADENA cd = arr_CreaCADENA(0);
+        arr_AppendCADENA(cd, "uno");
+        arr_AppendCADENA(cd, "dos");
+        zarnfxml_graba_cdata_arr_cadena(x, cd, nullptr, FALSO);
+        arr_DestruyeCADENA(&cd);
+        zarnfxml_graba_salto_linea(x);
+        zarnfxml_graba_fin_bloque(x);
+    });
+    EXPECT_EQ(t, "<r>\n\t<t a=\"1\">\n\t</t>\n\t<t>dato</t>\n\t<t a=\"1\">dato</t>\n"
+                 "\t<t a=\"1\" />\n\t<t a=\"1\"/>\n\t<t/>\n\tYWI=\n\t<!-- texto -->\n"
+                 "\t<x y='1'/>\n\t<![CDATA[uno\ndos]]>\n\n</r>");
+}
+
+TEST(EscritorTexto, ConversionYEntidades) {
+    const struct {
+        Perfil p;
+        const char *entrada, *salida;
+    } filas[] = {
+        {UTF8, "x<y & z", "x&lt;y &amp; z"},  {UTF8, "&amp;", "&amp;amp;"},
+        {UTF8, "a>b<c&", "a&gt;b&lt;c&amp;"}, {UTF8, "\"q\" 'a'", "\"q\" 'a'"},
+        {COM, "\"a&b\"", "\"a&amp;b\""},      {ISO, "a<b & \"c\" >", "a<b & \"c\" >"},
+        {ISO, "Jos\xE9", "Jos\xE9"},          {UTF8, "José", "José"},
+        {UTF8, "Jos\xE9 \x80", "José €"}, // bytes outside UTF-8 read as Windows-1252
+    };
+    for (const auto &f : filas)
+        EXPECT_EQ(escribe(f.p, [&](zarnfxml_t *x) { zarnfxml_graba_cadena(x, "e", f.entrada); }),
+                  std::string("<e>") + f.salida + "</e>");
+    const struct {
+        Perfil p;
+        const char16_t *entrada;
+        const char *salida;
+    } anchas[] = {{UTF8, u"é<€&", "é&lt;€&amp;"},
+                  {ISO, u"é<€&", "\xE9<?&"},
+                  {UTF8, u"\U0001F600", "\xF0\x9F\x98\x80"},
+                  {UTF8, u"a\xD800z", "a\xEF\xBF\xBDz"}};
+    for (const auto &f : anchas)
+        EXPECT_EQ(escribe(f.p, [&](zarnfxml_t *x) { zarnfxml_graba_cadena_u(x, "e", f.entrada); }),
+                  std::string("<e>") + f.salida + "</e>");
+    // Tags go out byte for byte in every profile.
+    for (Perfil p : {ISO, UTF8, AS, COM, Perfil{espacios2}})
+        EXPECT_EQ(escribe(p,
+                          [](zarnfxml_t *x) {
+                              zarnfxml_graba_cadena(x, "\xE9t", "v");
+                              zarnfxml_graba_inicio_bloque(x, "\xC3\xA9");
+                              zarnfxml_graba_fin_bloque(x);
+                          }),
+                  "<\xE9t>v</\xE9t>\n<\xC3\xA9>\n</\xC3\xA9>");
+}
+
+TEST(EscritorIndentacion, EspaciosYSaltosDentroDeUnValor) {
+    const auto tres_niveles = [](zarnfxml_t *x) {
+        for (const char *t : {"a", "b", "c"})
+            zarnfxml_graba_inicio_bloque(x, t);
+        zarnfxml_graba_cadena(x, "f", "v");
+        for (int i = 0; i < 3; ++i)
+            zarnfxml_graba_fin_bloque(x);
+    };
+    EXPECT_EQ(escribe([] { return zarnfxml_crea_para_escritura_UTF_8_indenta_con_espacios(0); },
+                      tres_niveles),
+              "<a>\n<b>\n<c>\n<f>v</f>\n</c>\n</b>\n</a>");
+    EXPECT_EQ(escribe(espacios2, tres_niveles),
+              "<a>\n  <b>\n    <c>\n      <f>v</f>\n    </c>\n  </b>\n</a>");
+    Escritor e;
+    zarnfxml_graba_inicio_bloque(e, "r");
+    zarnfxml_graba_cadena(e, "v", "l1\nl2");
+    zarnfxml_graba_inicio_bloque(e, "e");
+    zarnfxml_graba_fin_bloque(e);
+    zarnfxml_graba_fin_bloque(e);
+    EXPECT_EQ(texto_de(e), "<r>\n\t<v>l1\nl2</v>\n\t<e>\n\t</e>\n</r>");
+    EXPECT_EQ(arr_NumElemsCADENA(zarnfxml_lineas(e)), 5u);
+}
+
+TEST(EscritorSalida, FicheroRepetidoYCreciente) {
+    DirTemporal dir;
+    const std::u16string f = dir.u("f.xml");
+    const std::string decl = cabecera("UTF-8") + "\n";
+    Escritor e;
+    zarnfxml_genera_fichero_salida(e, f.c_str());
+    EXPECT_EQ(lee_fichero(dir / "f.xml"), decl);
+    zarnfxml_graba_cadena(e, "n", "José");
+    zarnfxml_genera_fichero_salida(e, f.c_str());
+    zarnfxml_genera_fichero_salida(e, f.c_str());
+    EXPECT_EQ(lee_fichero(dir / "f.xml"), decl + "<n>José</n>\n");
+    zarnfxml_graba_long(e, "m", 2);
+    zarnfxml_genera_fichero_salida(e, f.c_str());
+    EXPECT_EQ(lee_fichero(dir / "f.xml"), decl + "<n>José</n>\n<m>2</m>\n");
+}
+
+TEST(EscritorErrores, BloquesYDestruccion) {
+    {
+        ConManejadorQueLanza con;
+        zarnfxml_t *x = zarnfxml_crea_para_escritura_UTF_8();
+        zarnfxml_graba_inicio_bloque(x, "a");
+        zarnfxml_graba_inicio_bloque(x, "b");
+        EXPECT_NO_THROW(zarnfxml_destruye_xml_escritura(&x));
+        EXPECT_EQ(x, nullptr);
+    }
+    Escritor e;
+    DirTemporal dir;
+    const std::u16string f = dir.u("f.xml");
+    EXPECT_EQ(COND(zarnfxml_graba_fin_bloque(e)), "num_etiquetas_abiertas > 0");
+    zarnfxml_graba_inicio_bloque(e, "a");
+    const char *abierto = "arr_NumElemsCADENA(xml->etiquetas_abiertas) == 0";
+    EXPECT_EQ(COND(zarnfxml_genera_fichero_salida(e, f.c_str())), abierto);
+    EXPECT_EQ(COND(zarnfxml_append_a_fichero_salida_para_test(e, f.c_str())), abierto);
+    EXPECT_FALSE(std::filesystem::exists(dir / "f.xml"));
+    EXPECT_EQ(COND(zarnfxml_graba_inicio_bloque(nullptr, "a")), "(xml) != NULL");
+    EXPECT_EQ(COND(zarnfxml_graba_cadena_u(nullptr, "a", u"")), "(xml) != NULL");
+    EXPECT_EQ(COND(zarnfxml_graba_fin_bloque(nullptr)), "(xml) != NULL");
+    EXPECT_EQ(COND(zarnfxml_destruye_xml_escritura(nullptr)), "(xml) != NULL");
+    zarnfxml_t *nulo = nullptr;
+    EXPECT_EQ(COND(zarnfxml_destruye_xml_escritura(&nulo)), "(*xml) != NULL");
+    EXPECT_EQ(texto_de(e), "<a>");
+    // A reader is no writer.
+    ArrCADENA lineas = zarnfxml_lineas(e);
+    zarnfxml_t *lector = zarnfxml_crea_para_lectura_de_lineas(lineas, FALSO);
+    EXPECT_EQ(COND(zarnfxml_graba_cadena(lector, "a", "b")), "es_xml_escritura == CIERTO");
+    EXPECT_EQ(COND(zarnfxml_destruye_xml_escritura(&lector)), "es_xml_escritura == CIERTO");
+    zarnfxml_destruye_xml_lectura(&lector);
+}

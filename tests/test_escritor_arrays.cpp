@@ -1,0 +1,361 @@
+// The writer's arrays, structures over callbacks, and document assembly.
+#include "soporte.hpp"
+
+#include <zarnxml/zarnfxml.h>
+
+#include <cstdlib>
+#include <memory>
+#include <utility>
+#include <vector>
+
+// The condition text of the internal error that the statement ends in.
+#define COND(...) condicion_de([&] { __VA_ARGS__; })
+
+namespace {
+
+using Perfil = zarnfxml_t *(*)();
+constexpr Perfil ISO = zarnfxml_crea_para_escritura_ISO_8859_1;
+constexpr Perfil UTF8 = zarnfxml_crea_para_escritura_UTF_8;
+constexpr Perfil AS = zarnfxml_crea_para_escritura_UTF_8_androidstudio;
+zarnfxml_t *espacios2() {
+    return zarnfxml_crea_para_escritura_UTF_8_indenta_con_espacios(2);
+}
+
+// A writer destroyed at the end of the scope, also when an internal error unwinds.
+struct Escritor {
+    zarnfxml_t *x;
+    explicit Escritor(Perfil p = UTF8) : x(p()) {}
+    ~Escritor() { zarnfxml_destruye_xml_escritura(&x); }
+    operator zarnfxml_t *() const { return x; }
+};
+
+std::string texto_de(zarnfxml_t *xml, zybool cabecera = FALSO) {
+    std::unique_ptr<char, decltype(&free)> c(zarnfxml_xml_escritura_a_char(xml, cabecera), free);
+    return c.get();
+}
+
+// The text, with no declaration, that f(writer) leaves in a fresh writer of profile p.
+template <typename F> std::string escribe(Perfil p, F &&f) {
+    Escritor e(p);
+    f(e.x);
+    return texto_de(e);
+}
+
+std::string une(const std::vector<std::string> &lineas) {
+    std::string r;
+    for (size_t i = 0; i < lineas.size(); ++i)
+        r += (i > 0 ? "\n" : "") + lineas[i];
+    return r;
+}
+
+// An array handle destroyed at the end of the scope, also when an internal error unwinds.
+template <typename H> struct Dueno {
+    H h;
+    void (*destruye)(H *);
+    Dueno(H h_, void (*d)(H *)) : h(h_), destruye(d) {}
+    Dueno(Dueno &&o) noexcept : h(std::exchange(o.h, nullptr)), destruye(o.destruye) {}
+    ~Dueno() { destruye(&h); }
+    operator H() const { return h; }
+};
+
+template <typename H, typename T>
+Dueno<H> lleno(H (*crea)(uint32_t), void (*anade)(H, T), void (*destruye)(H *),
+               std::initializer_list<T> valores) {
+    Dueno<H> a(crea(0), destruye);
+    for (T v : valores)
+        anade(a, v);
+    return a;
+}
+auto cadenas(std::initializer_list<const char *> l) {
+    return lleno(arr_CreaCADENA, arr_AppendCADENA, arr_DestruyeCADENA, l);
+}
+auto cadenas_u(std::initializer_list<const char16_t *> l) {
+    return lleno(arr_CreaCADENA_u, arr_AppendCADENA_u, arr_DestruyeCADENA_u, l);
+}
+auto doubles(std::initializer_list<double> l) {
+    return lleno(arr_CreaDouble, arr_AppendDouble, arr_DestruyeDouble, l);
+}
+auto ulongs(std::initializer_list<uint32_t> l) {
+    return lleno(arr_CreaULong, arr_AppendULong, arr_DestruyeULong, l);
+}
+auto bools(std::initializer_list<zybool> l) {
+    return lleno(arr_CreaBOOL, arr_AppendBOOL, arr_DestruyeBOOL, l);
+}
+auto punteros(std::initializer_list<const void *> l) {
+    return lleno(arr_CreaPunteroConTipo, arr_AppendPunteroConstConTipo,
+                 arr_DestruyeEstructurasConstConTipo, l);
+}
+
+void graba_texto(const void *item, zarnfxml_t *xml) {
+    zarnfxml_graba_cadena(xml, "v", item ? static_cast<const char *>(item) : "null");
+}
+void graba_anidado(const void *item, zarnfxml_t *xml) {
+    zarnfxml_graba_inicio_bloque(xml, "n");
+    graba_texto(item, xml);
+    zarnfxml_graba_fin_bloque(xml);
+}
+void graba_extra(const void *item, void *extra, zarnfxml_t *xml) {
+    zarnfxml_graba_cadena(xml, static_cast<const char *>(extra),
+                          item ? static_cast<const char *>(item) : "null");
+}
+void graba_asociado(const void *, zarnfxml_t *xml) {
+    zarnfxml_graba_cadena(
+        xml, "a", static_cast<const char *>(zarnfxml_nousar_get_item_asociado_escritura(xml)));
+}
+char W[] = "w";
+
+} // namespace
+
+TEST(EscritorArrays, FormasNumeradas) {
+    const struct {
+        int32_t valor;
+        std::vector<std::string> lineas;
+    } filas[] = {
+        {0, {"<t>", "uno", "dos", "</t>"}},
+        {1, {"<t>", "<t>uno</t>", "<t>dos</t>", "</t>"}},
+        {2, {"<t>", "uno", "dos", "</t>"}},
+        {3, {"<t>uno</t>", "<t>dos</t>"}},
+        {4, {"<t n=\"0\">uno</t>", "<t n=\"1\">dos</t>"}},
+        {5, {"<t n=\"1\">uno</t>", "<t n=\"2\">dos</t>"}},
+        {6, {"<t>", "<t n=\"0\">uno</t>", "<t n=\"1\">dos</t>", "</t>"}},
+        {7, {"<t>", "<t n=\"1\">uno</t>", "<t n=\"2\">dos</t>", "</t>"}},
+    };
+    for (const auto &[perfil, sangria] : {std::pair{UTF8, "\t"}, std::pair{AS, "    "}})
+        for (const bool nivel : {false, true})
+            for (const auto &f : filas) {
+                SCOPED_TRACE(std::to_string(f.valor) + (nivel ? " nivel 1 " : " ") + sangria);
+                std::vector<std::string> esperado;
+                // The rows again, with other items; with no items only the enclosing lines.
+                const auto anade = [&](const char *uno, const char *dos, bool sin_items) {
+                    for (std::string l : f.lineas) {
+                        if (sin_items && l != "<t>" && l != "</t>")
+                            continue;
+                        for (auto [de, a] : {std::pair{"uno", uno}, std::pair{"dos", dos}})
+                            if (auto p = l.find(de); p != std::string::npos)
+                                l.replace(p, 3, a);
+                        esperado.push_back((nivel ? sangria : "") + l);
+                    }
+                };
+                anade("uno", "dos", false);
+                anade("uno", "dos", false);
+                anade("", "", true);
+                if (f.valor != 0) // doubles answer 0 with the one-line form
+                    anade("3", "3.5", false);
+                const char *prop = f.valor >= 4 ? "n" : nullptr; // only 4 to 7 read it
+                Escritor e(perfil);
+                if (nivel)
+                    zarnfxml_graba_inicio_bloque(e, "r");
+                zarnfxml_graba_arr_cadena_numerados(e, "t", cadenas({"uno", "dos"}), f.valor, prop);
+                zarnfxml_graba_arr_cadena_numerados_u(e, "t", cadenas_u({u"uno", u"dos"}), f.valor,
+                                                      prop);
+                zarnfxml_graba_arr_cadena_numerados(e, "t", cadenas({}), f.valor, prop);
+                if (f.valor != 0)
+                    zarnfxml_graba_arr_double_numerados(e, "t", doubles({3.0, 3.5}), 6, f.valor,
+                                                        prop);
+                if (nivel) {
+                    zarnfxml_graba_fin_bloque(e);
+                    esperado.insert(esperado.begin(), "<r>");
+                    esperado.push_back("</r>");
+                }
+                EXPECT_EQ(texto_de(e), une(esperado));
+            }
+}
+
+TEST(EscritorArrays, ItemsUnaLineaYBloques) {
+    Escritor e;
+    zarnfxml_graba_inicio_bloque(e, "r");
+    zarnfxml_graba_arr_cadena(e, "t", cadenas({"a<b", "c", "x\ny"}));
+    zarnfxml_graba_arr_cadena_u(e, "u", cadenas_u({u"é&"}));
+    zarnfxml_graba_fin_bloque(e);
+    EXPECT_EQ(texto_de(e), "<r>\n\t<t>\n\ta&lt;b\n\tc\n\tx\ny\n\t</t>\n\t<u>\n\té&amp;\n\t</u>\n"
+                           "</r>");
+    Escritor iso(ISO);
+    zarnfxml_graba_arr_cadena_numerados_u(iso, "t", cadenas_u({u"é<"}), 3, nullptr);
+    zarnfxml_graba_arr_cadena_numerados(iso, "t", cadenas({"\xE9<"}), 3, nullptr);
+    EXPECT_EQ(texto_de(iso), "<t>\xE9<</t>\n<t>\xE9<</t>");
+
+    Dueno<ArrPunto2D> puntos(arr_CreaPunto2D(0), arr_DestruyePunto2D);
+    Dueno<ArrPunto2D> sin_puntos(arr_CreaPunto2D(0), arr_DestruyePunto2D);
+    arr_AppendPunto2D(puntos, 1.0, 2.0);
+    arr_AppendPunto2D(puntos, 3.5, -4.25);
+    const auto una_linea = [&](zarnfxml_t *x) {
+        zarnfxml_graba_arr_bool(x, "t", bools({CIERTO, FALSO, 2}));
+        zarnfxml_graba_arr_bool(x, "t", bools({}));
+        zarnfxml_graba_arr_ulong(x, "t", ulongs({7}));
+        zarnfxml_graba_arr_ulong(x, "t", ulongs({0, 4294967295u}));
+        zarnfxml_graba_arr_double(x, "t", doubles({3.0, 3.5, -0.25}), 6);
+        zarnfxml_graba_arr_double_numerados(x, "t", doubles({3.0, 3.5}), 6, 0, nullptr);
+        zarnfxml_graba_arr_double(x, "t", doubles({}), 6);
+        zarnfxml_graba_arr_puntos2D(x, "t", puntos);
+        zarnfxml_graba_arr_puntos2D(x, "t", sin_puntos);
+    };
+    const std::string resto = "\n<t></t>\n<t>7</t>\n<t>0 4294967295</t>\n<t>3 3.5 -0.25</t>\n"
+                              "<t>3 3.5</t>\n<t></t>\n<t>2:1,2 3.5,-4.25</t>\n<t>0:</t>";
+    EXPECT_EQ(escribe(UTF8, una_linea), "<t>1 0 0</t>" + resto);
+    EXPECT_EQ(escribe(AS, una_linea), "<t>true false false</t>" + resto);
+
+    const std::string bloques = escribe(UTF8, [](zarnfxml_t *x) {
+        zarnfxml_graba_arr_ulong_modo_lista(x, "t", ulongs({7, 9}));
+        zarnfxml_nousar_graba_arr_enum(x, "e", ulongs({}));
+        zarnfxml_graba_arr_cadena_u_xml(x, "t", cadenas_u({u"a<b"}));
+        zarnfxml_graba_arr_cadena_u_xml(x, "t", cadenas_u({}));
+        zarnfxml_graba_bloque_array_claves(x, "t", "k", cadenas({"a&b", "\xE9"}));
+        zarnfxml_graba_bloque_array_claves(x, "t", "k", cadenas({}));
+    });
+    EXPECT_EQ(bloques, "<t>\n\t<count>2</count>\n\t<item>7</item>\n\t<item>9</item>\n</t>\n"
+                       "<e>\n\t<count>0</count>\n</e>\n<t>\n\t<count>1</count>\n"
+                       "\t<item>a&lt;b</item>\n</t>\n<t>\n\t<count>0</count>\n</t>\n<t>\n"
+                       "\t<k>a&b</k>\n\t<k>\xE9</k>\n</t>\n<t>\n</t>");
+}
+
+TEST(EscritorEstructuras, OpcionalesYArraysDePunteros) {
+    ConManejadorQueLanza con; // a null item or array must not look at the null callback
+    const auto vacio = punteros({});
+    const auto a = punteros({"uno", nullptr});
+    Escritor e;
+    zarnfxml_nousar_graba_estructura_opcional(e, nullptr, nullptr);
+    zarnfxml_nousar_graba_estructura_opcional_con_etiqueta(e, "t", nullptr, nullptr);
+    zarnfxml_nousar_graba_estructura_opcional_con_etiqueta_y_propiedad1(e, "t", "p", "v", nullptr,
+                                                                        nullptr);
+    zarnfxml_nousar_graba_arr_punterosST(e, nullptr, nullptr);
+    zarnfxml_nousar_graba_arr_punterosST_con_etiqueta(e, "t", nullptr, nullptr);
+    zarnfxml_nousar_graba_arr_punterosST_con_etiqueta_y_valor_propiedad1(e, "t", "p", 1, nullptr,
+                                                                         nullptr);
+    zarnfxml_nousar_graba_arr_punterosST(e, vacio, graba_texto);
+    EXPECT_EQ(zarnfxml_tiene_datos(e), FALSO);
+    zarnfxml_nousar_graba_estructura_opcional(e, "uno", graba_texto);
+    zarnfxml_nousar_graba_estructura_opcional_con_etiqueta(e, "t", "uno", graba_anidado);
+    zarnfxml_nousar_graba_estructura_opcional_con_etiqueta_y_propiedad1(e, "t", "p", "a&b", "uno",
+                                                                        graba_texto);
+    zarnfxml_nousar_graba_estructura_opcional_con_etiqueta_y_propiedad2(e, "t", "p", "1", "q", "2",
+                                                                        "uno", graba_texto);
+    zarnfxml_nousar_graba_estructura_opcional_con_etiqueta_y_propiedad3(
+        e, "t", "p", "1", "q", "2", "r", "3", "uno", graba_texto);
+    zarnfxml_nousar_graba_estructura_opcional_con_etiqueta_y_valor_propiedad1(e, "t", "p", 7, "uno",
+                                                                              graba_texto);
+    zarnfxml_nousar_graba_arr_punterosST(e, a, graba_texto);
+    zarnfxml_nousar_graba_arr_punterosST_1extra(e, a, graba_extra, W);
+    zarnfxml_nousar_graba_arr_punterosST_con_etiqueta(e, "t", a, graba_texto);
+    zarnfxml_nousar_graba_arr_punterosST_con_etiqueta_y_propiedad1(e, "t", "p", "v", a,
+                                                                   graba_texto);
+    zarnfxml_nousar_graba_arr_punterosST_con_etiqueta_y_valor_propiedad1(e, "t", "p", 4294967295u,
+                                                                         a, graba_texto);
+    EXPECT_EQ(texto_de(e), "<v>uno</v>\n<t>\n\t<n>\n\t\t<v>uno</v>\n\t</n>\n</t>\n<t p=\"a&b\">\n"
+                           "\t<v>uno</v>\n</t>\n<t p=\"1\" q=\"2\">\n\t<v>uno</v>\n</t>\n"
+                           "<t p=\"1\" q=\"2\" r=\"3\">\n\t<v>uno</v>\n</t>\n<t p=\"7\">\n"
+                           "\t<v>uno</v>\n</t>\n<v>uno</v>\n<v>null</v>\n<w>uno</w>\n<w>null</w>\n"
+                           "<t>\n\t<v>uno</v>\n</t>\n<t>\n\t<v>null</v>\n</t>\n<t p=\"v\">\n"
+                           "\t<v>uno</v>\n</t>\n<t p=\"4294967295\">\n\t<v>uno</v>\n</t>");
+}
+
+TEST(EscritorEstructuras, ListaOrdenadosYAsociado) {
+    ApunOrde orde = apunorde_nousar_crea(0, 0, 0);
+    apunorde_nousar_inserta_original(orde, const_cast<char *>("b"), 0);
+    apunorde_nousar_inserta_original(orde, const_cast<char *>("a"), 0);
+    Escritor e;
+    EXPECT_EQ(zarnfxml_nousar_get_item_asociado_escritura(e), nullptr);
+    char asociado[] = "asoc";
+    zarnfxml_nousar_set_item_asociado_escritura(e, asociado);
+    zarnfxml_graba_inicio_bloque(e, "r");
+    zarnfxml_nousar_graba_arr_punterosST_como_lista_elementos_1extra(e, punteros({"uno", "dos"}),
+                                                                     graba_extra, W);
+    zarnfxml_nousar_graba_arr_punterosST_como_lista_elementos_1extra(e, punteros({}), graba_extra,
+                                                                     nullptr);
+    zarnfxml_nousar_graba_apunorde(e, orde, graba_texto);
+    zarnfxml_nousar_graba_estructura_opcional_con_etiqueta(e, "t", "x", graba_asociado);
+    zarnfxml_graba_fin_bloque(e);
+    apunorde_destruye(&orde, nullptr);
+    EXPECT_EQ(zarnfxml_nousar_get_item_asociado_escritura(e), asociado);
+    EXPECT_EQ(texto_de(e), "<r>\n\t<list>\n\t\t<count>2</count>\n\t\t<item>\n\t\t\t<w>uno</w>\n"
+                           "\t\t</item>\n\t\t<item>\n\t\t\t<w>dos</w>\n\t\t</item>\n\t</list>\n"
+                           "\t<list>\n\t\t<count>0</count>\n\t</list>\n\t<v>b</v>\n\t<v>a</v>\n"
+                           "\t<t>\n\t\t<a>asoc</a>\n\t</t>\n</r>");
+}
+
+TEST(EscritorDocumento, ConcatenaYReindenta) {
+    Escritor sub, sub_esp(espacios2), vacio;
+    for (zarnfxml_t *s : {sub.x, sub_esp.x}) {
+        zarnfxml_graba_inicio_bloque(s, "s");
+        zarnfxml_graba_long(s, "v", 1);
+        zarnfxml_graba_fin_bloque(s);
+    }
+    // Joined at level 2, after an empty writer, and followed by two lines of text.
+    const auto junta = [&](Perfil p, zarnfxml_t *anadir) {
+        return escribe(p, [&](zarnfxml_t *x) {
+            zarnfxml_graba_inicio_bloque(x, "a");
+            zarnfxml_graba_inicio_bloque(x, "b");
+            zarnfxml_concatena(x, vacio);
+            zarnfxml_concatena(x, anadir);
+            zarnfxml_concatena_codigo_xml(x, cadenas({"<p>", "q"}));
+        });
+    };
+    EXPECT_EQ(junta(UTF8, sub), "<a>\n\t<b>\n\t\t<s>\n\t\t\t<v>1</v>\n\t\t</s>\n\t\t<p>\n\t\tq");
+    EXPECT_EQ(junta(espacios2, sub),
+              "<a>\n  <b>\n    <s>\n    \t<v>1</v>\n    </s>\n    <p>\n    q");
+    EXPECT_EQ(junta(UTF8, sub_esp),
+              "<a>\n\t<b>\n\t\t<s>\n\t\t  <v>1</v>\n\t\t</s>\n\t\t<p>\n\t\tq");
+    EXPECT_EQ(texto_de(sub), "<s>\n\t<v>1</v>\n</s>");
+    zarnfxml_concatena(sub, sub); // its own store, which grows while it is read
+    EXPECT_EQ(texto_de(sub), "<s>\n\t<v>1</v>\n</s>\n<s>\n\t<v>1</v>\n</s>");
+}
+
+TEST(EscritorDocumento, TextoFicherosYDatos) {
+    const std::string decl = "<?xml version=\"1.0\" encoding=\"UTF-8\"?>";
+    Escritor e;
+    ArrCADENA lineas = zarnfxml_lineas(e);
+    ASSERT_NE(lineas, nullptr);
+    EXPECT_EQ(arr_NumElemsCADENA(lineas), 0u);
+    EXPECT_EQ(zarnfxml_tiene_datos(e), FALSO);
+    EXPECT_EQ(texto_de(e, FALSO), "");
+    EXPECT_EQ(texto_de(e, CIERTO), decl + "\n");
+    zarnfxml_graba_inicio_bloque(e, "a");
+    zarnfxml_graba_cadena(e, "b", "x");
+    EXPECT_EQ(zarnfxml_lineas(e), lineas);
+    EXPECT_EQ(arr_NumElemsCADENA(lineas), 2u);
+    EXPECT_EQ(texto_de(e, CIERTO), decl + "\n<a>\n\t<b>x</b>");
+    EXPECT_EQ(texto_de(e, 2), "<a>\n\t<b>x</b>");
+    zarnfxml_graba_fin_bloque(e);
+
+    DirTemporal dir;
+    zarnfxml_append_a_fichero_salida_para_test(e, dir.u("p.xml").c_str());
+    zarnfxml_append_a_fichero_salida_para_test(e, dir.u("p.xml").c_str());
+    const std::string una = decl + "\n<a>\n\t<b>x</b>\n</a>\n";
+    EXPECT_EQ(lee_fichero(dir / "p.xml"), una + una);
+    zarnfxml_escr_fichero_xml_string("a\nb", dir.u("s.xml").c_str());
+    EXPECT_EQ(lee_fichero(dir / "s.xml"), "a\nb");
+    zarnfxml_escr_fichero_xml_string("c", dir.u("s.xml").c_str());
+    EXPECT_EQ(lee_fichero(dir / "s.xml"), "c");
+
+    Escritor salto;
+    zarnfxml_graba_salto_linea(salto);
+    EXPECT_EQ(zarnfxml_tiene_datos(salto), CIERTO);
+}
+
+TEST(EscritorErrores, ArraysEstructurasYDocumento) {
+    Escritor e, abierto;
+    zarnfxml_graba_inicio_bloque(abierto, "a");
+    const auto a = punteros({"uno", nullptr});
+    for (int32_t valor : {8, -1}) { // a default error carries no condition
+        EXPECT_EQ(COND(zarnfxml_graba_arr_cadena_numerados(e, "t", cadenas({"x"}), valor, "n")),
+                  "");
+        EXPECT_EQ(COND(zarnfxml_graba_arr_double_numerados(e, "t", doubles({1}), 2, valor, "n")),
+                  "");
+    }
+    const char *sin_func = "(func_graba_xml_item) != NULL";
+    EXPECT_EQ(COND(zarnfxml_nousar_graba_estructura_opcional(e, "x", nullptr)), sin_func);
+    EXPECT_EQ(COND(zarnfxml_nousar_graba_estructura_opcional_con_etiqueta(e, "t", "x", nullptr)),
+              sin_func);
+    EXPECT_EQ(COND(zarnfxml_nousar_graba_arr_punterosST(e, a, nullptr)), sin_func);
+    EXPECT_EQ(COND(zarnfxml_nousar_graba_apunorde(e, nullptr, nullptr)), sin_func);
+    EXPECT_EQ(COND(zarnfxml_nousar_graba_arr_punterosST_1extra(e, a, nullptr, nullptr)),
+              "(func_graba_xml_item_1extra) != NULL");
+    EXPECT_EQ(texto_de(e), "");
+    EXPECT_EQ(COND(zarnfxml_nousar_graba_arr_punterosST_como_lista_elementos_1extra(
+                  e, a, graba_extra, W)),
+              "(zarnxml_item) != NULL");
+    EXPECT_EQ(COND(zarnfxml_concatena(e, abierto)),
+              "arr_NumElemsCADENA(xml_anadir->etiquetas_abiertas) == 0");
+    EXPECT_EQ(COND(zarnfxml_concatena(nullptr, e)), "(xml) != NULL");
+    EXPECT_EQ(COND(zarnfxml_concatena(e, nullptr)), "(xml_anadir) != NULL");
+    EXPECT_EQ(COND(zarnfxml_tiene_datos(nullptr)), "(xml) != NULL");
+}

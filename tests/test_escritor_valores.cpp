@@ -1,0 +1,248 @@
+// The writer's values: properties, scalar fields, number texts, quoted strings, CDATA, Base64.
+#include "soporte.hpp"
+
+#include <zarnxml/zarnfxml.h>
+
+#include <cctype>
+#include <cstdlib>
+#include <cstring>
+#include <memory>
+#include <vector>
+
+// The condition text of the internal error that the statement ends in.
+#define COND(...) condicion_de([&] { __VA_ARGS__; })
+
+namespace {
+
+using Perfil = zarnfxml_t *(*)();
+constexpr Perfil ISO = zarnfxml_crea_para_escritura_ISO_8859_1;
+constexpr Perfil UTF8 = zarnfxml_crea_para_escritura_UTF_8;
+constexpr Perfil AS = zarnfxml_crea_para_escritura_UTF_8_androidstudio;
+constexpr Perfil COM = zarnfxml_crea_para_escritura_UTF_8_codificando_comillas_cadena;
+zarnfxml_t *espacios2() {
+    return zarnfxml_crea_para_escritura_UTF_8_indenta_con_espacios(2);
+}
+
+// A writer destroyed at the end of the scope, also when an internal error unwinds.
+struct Escritor {
+    zarnfxml_t *x;
+    explicit Escritor(Perfil p = UTF8) : x(p()) {}
+    ~Escritor() { zarnfxml_destruye_xml_escritura(&x); }
+    operator zarnfxml_t *() const { return x; }
+};
+
+std::string texto_de(zarnfxml_t *xml, zybool cabecera = FALSO) {
+    std::unique_ptr<char, decltype(&free)> c(zarnfxml_xml_escritura_a_char(xml, cabecera), free);
+    return c.get();
+}
+
+// The text, with no declaration, that f(writer) leaves in a fresh writer of profile p.
+template <typename F> std::string escribe(Perfil p, F &&f) {
+    Escritor e(p);
+    f(e.x);
+    return texto_de(e);
+}
+
+ArrPuntero lista(std::initializer_list<std::pair<const char *, const char *>> ps) {
+    ArrPuntero p = arr_CreaPunteroConTipo(0);
+    for (const auto &[nombre, valor] : ps)
+        zarnfxml_append_propiedad(p, nombre, valor);
+    return p;
+}
+
+std::u16string toma_u(CADENA_u c) {
+    std::u16string s(c);
+    free(c);
+    return s;
+}
+
+CADENA mayusculas(const char *linea) {
+    CADENA r = strdup(linea);
+    for (char *c = r; *c; ++c)
+        *c = static_cast<char>(std::toupper(static_cast<unsigned char>(*c)));
+    return r;
+}
+
+} // namespace
+
+TEST(EscritorPropiedades, FormasFijas) {
+    Escritor e;
+    zarnfxml_graba_inicio_bloque_propiedad2(e, "t", "a", "1", "b", "x y");
+    zarnfxml_graba_inicio_fin_bloque_propiedad2(e, "t", "a", "1", "b", "x y");
+    zarnfxml_graba_inicio_bloque_propiedad1(e, "u", "p", "a&b<\"'");
+    zarnfxml_graba_inicio_fin_bloque_propiedad1(e, "s", "p", "1");
+    zarnfxml_graba_inicio_bloque_propiedad3(e, "v", "a", "1", "b", "2", "c", "Jos\xE9");
+    zarnfxml_graba_inicio_bloque_propiedad1_u(e, "w", "p", u"é<");
+    zarnfxml_graba_inicio_bloque_propiedad3_u(e, "y", "a", u"1", "b", u"2", "c", u"&");
+    zarnfxml_graba_inicio_fin_bloque_propiedad3(e, "z", "a", "1", "b", "2", "c", "3");
+    for (int i = 0; i < 5; ++i)
+        zarnfxml_graba_fin_bloque(e);
+    zarnfxml_graba_inicio_bloque_propiedad1_ex(e, "e", FALSO, nullptr, nullptr, nullptr);
+    zarnfxml_graba_fin_bloque(e);
+    zarnfxml_graba_inicio_bloque_propiedad1_ex(e, "e", CIERTO, "ec", "p", "v");
+    zarnfxml_graba_fin_bloque(e);
+    EXPECT_EQ(texto_de(e), "<t a=\"1\" b=\"x y\">\n\t<t a=\"1\" b=\"x y\" />\n"
+                           "\t<u p=\"a&b<\"'\">\n\t\t<s p=\"1\" />\n"
+                           "\t\t<v a=\"1\" b=\"2\" c=\"José\">\n\t\t\t<w p=\"é<\">\n"
+                           "\t\t\t\t<y a=\"1\" b=\"2\" c=\"&\">\n"
+                           "\t\t\t\t\t<z a=\"1\" b=\"2\" c=\"3\" />\n\t\t\t\t</y>\n\t\t\t</w>\n"
+                           "\t\t</v>\n\t</u>\n</t>\n<e>\n</e>\n<ec p=\"v\">\n</ec>");
+    // ISO-8859-1: 8-bit values go out as their bytes, wide values go to Latin-1.
+    Escritor iso(ISO);
+    zarnfxml_graba_inicio_fin_bloque_propiedad1(iso, "t", "p", "\xE9&");
+    zarnfxml_graba_inicio_bloque_propiedad1_u(iso, "u", "p", u"é€<");
+    ArrPuntero p = lista({{"a", "é"}});
+    zarnfxml_append_propiedad_u(p, "b", u"€");
+    zarnfxml_graba_inicio_fin_bloque_con_propiedades(iso, "t", &p);
+    EXPECT_EQ(texto_de(iso), "<t p=\"\xE9&\" />\n<u p=\"\xE9?<\">\n\t<t a=\"\xE9\" b=\"?\"/>");
+}
+
+TEST(EscritorPropiedades, ListasConsumidas) {
+    Escritor e;
+    ArrPuntero p = lista({{"a", "1"}, {"b", "x y"}});
+    zarnfxml_graba_inicio_fin_bloque_con_propiedades(e, "t", &p);
+    EXPECT_EQ(p, nullptr);
+    p = lista({});
+    zarnfxml_graba_inicio_fin_bloque_con_propiedades(e, "t", &p);
+    EXPECT_EQ(p, nullptr);
+    zarnfxml_graba_inicio_fin_bloque_con_propiedades(e, "t", &p); // a variable that holds null
+    p = lista({});
+    zarnfxml_graba_inicio_bloque_con_propiedades(e, "e", &p);
+    p = lista({{"a", "&<"}, {"b", "é"}});
+    zarnfxml_graba_inicio_bloque_con_propiedades(e, "f", &p);
+    zarnfxml_graba_inicio_bloque_con_propiedades(e, "g", &p);
+    p = lista({{"p", "c<d"}});
+    zarnfxml_graba_cadena_u_con_propiedades(e, "t", u"a<b", &p);
+    EXPECT_EQ(p, nullptr);
+    p = lista({});
+    zarnfxml_graba_cadena_u_con_propiedades(e, "t", u"v", &p);
+    zarnfxml_graba_cadena_u_con_propiedades(e, "t", u"w", &p);
+    for (int i = 0; i < 3; ++i)
+        zarnfxml_graba_fin_bloque(e);
+    EXPECT_EQ(texto_de(e), "<t a=\"1\" b=\"x y\"/>\n<t/>\n<t/>\n<e>\n\t<f a=\"&<\" b=\"é\">\n"
+                           "\t\t<g>\n\t\t\t<t p=\"c<d\">a&lt;b</t>\n\t\t\t<t>v</t>\n"
+                           "\t\t\t<t>w</t>\n\t\t</g>\n\t</f>\n</e>");
+}
+
+// The texts that differ between the profiles, and those that must not.
+TEST(EscritorPerfiles, VerdadComillasClaves) {
+    const struct {
+        Perfil p;
+        std::string v, f, m;
+    } filas[] = {{ISO, "1", "0", "\""},
+                 {UTF8, "1", "0", "\""},
+                 {AS, "true", "false", "\""},
+                 {COM, "True", "False", "&#34;"},
+                 {espacios2, "1", "0", "\""}};
+    for (const auto &r : filas) {
+        const std::string t = escribe(r.p, [](zarnfxml_t *x) {
+            zarnfxml_graba_bool(x, "e", CIERTO);
+            zarnfxml_graba_bool(x, "e", FALSO);
+            ArrPuntero p = arr_CreaPunteroConTipo(0);
+            zarnfxml_append_propiedad_bool(x, "v", CIERTO, p);
+            zarnfxml_append_propiedad_bool(x, "f", FALSO, p);
+            zarnfxml_append_propiedad_bool(x, "o", 2, p);
+            zarnfxml_graba_inicio_fin_bloque_con_propiedades(x, "t", &p);
+            zarnfxml_graba_cadena_con_comillas(x, "q", "a&<\"b");
+            zarnfxml_graba_cadena_con_comillas(x, "q", "");
+            zarnfxml_graba_clave(x, "k", "a&b");
+            zarnfxml_graba_clave(x, "k", "\xE9<");
+            zarnfxml_graba_cadena_xml(x, "k", "a&b");
+            zarnfxml_graba_cadena_xml(x, "k", "\xE9<");
+            zarnfxml_graba_cadena_xml(x, "k", nullptr);
+        });
+        EXPECT_EQ(t, "<e>" + r.v + "</e>\n<e>" + r.f + "</e>\n<t v=\"" + r.v + "\" f=\"" + r.f +
+                         "\" o=\"" + r.f + "\"/>\n<q>" + r.m + "a&<\"b" + r.m + "</q>\n<q>" + r.m +
+                         r.m + "</q>\n<k>a&b</k>\n<k>\xE9<</k>\n<k>a&b</k>\n<k>\xC3\xA9<</k>");
+    }
+}
+
+TEST(EscritorEscalares, Numeros) {
+    Escritor e;
+    zarnfxml_graba_long(e, "l", -1);
+    zarnfxml_graba_long(e, "l", INT32_MIN);
+    zarnfxml_graba_ulong(e, "u", UINT32_MAX);
+    zarnfxml_graba_ushort(e, "s", 65535);
+    for (uint32_t v : {0u, 4294967294u, 4294967295u})
+        zarnfxml_graba_ulong_con_ulong_max_cero(e, "m", v);
+    zarnfxml_graba_fecha(e, "f", 1700000000);
+    zarnfxml_graba_fecha(e, "f", 5000000000);
+    zarnfxml_graba_fecha64(e, "g", INT64_MIN);
+    zarnfxml_graba_fecha64(e, "g", 5000000000);
+    zarnfxml_graba_double(e, "d", 3.0, 6);
+    zarnfxml_graba_double(e, "d", 3.5, 6);
+    zarnfxml_graba_double(e, "d", -0.0, 6);
+    zarnfxml_graba_double_con_conversion(e, "d", 2.0 / 3, 145, 2);
+    zarnfxml_graba_double_con_todos_decimales(e, "d", 3.5, 145, 6);
+    zarnfxml_graba_double_con_todos_decimales(e, "d", 3.0, 145, 0);
+    zarnfxml_graba_ulong_con_propiedad(e, "t", 17, "p", 2.5);
+    zarnfxml_graba_ulong_con_propiedad(e, "t", 0, "p", -1234.567);
+    EXPECT_EQ(texto_de(e), "<l>-1</l>\n<l>-2147483648</l>\n<u>4294967295</u>\n<s>65535</s>\n"
+                           "<m>1</m>\n<m>4294967295</m>\n<m>0</m>\n<f>1700000000</f>\n"
+                           "<f>2147483647</f>\n<g>-9223372036854775808</g>\n<g>5000000000</g>\n"
+                           "<d>3</d>\n<d>3.5</d>\n<d>0</d>\n<d>0.67</d>\n<d>3.500000</d>\n"
+                           "<d>3</d>\n<t p=\"2.50\">17</t>\n<t p=\"-1234.57\">0</t>");
+    EXPECT_EQ(toma_u(zarnfxml_double_a_texto_con_todos_decimales(3.5, 145, 6)), u"3.500000");
+    EXPECT_EQ(toma_u(zarnfxml_double_a_texto_sin_decimales_si_no_tiene(3.0, 145, 6)), u"3");
+    ArrDouble ds = arr_CreaDouble(0);
+    EXPECT_EQ(toma_u(zarnfxml_doubles_a_texto_sin_decimales_si_no_tiene(ds, 145, 6, u"; ")), u"");
+    arr_AppendDouble(ds, 1.0);
+    arr_AppendDouble(ds, 2.5);
+    EXPECT_EQ(toma_u(zarnfxml_doubles_a_texto_sin_decimales_si_no_tiene(ds, 145, 6, u"; ")),
+              u"1; 2.5");
+    arr_DestruyeDouble(&ds);
+}
+
+TEST(EscritorEscalares, LineasCdataYBase64) {
+    uint8_t bytes[] = {0, 0xFF, 'a', 'b'};
+    const fichmem lleno{bytes, 4}, vacio{nullptr, 0};
+    Escritor e;
+    zarnfxml_graba_inicio_bloque(e, "r");
+    zarnfxml_graba_cadena_opcional(e, "e", nullptr);
+    zarnfxml_graba_cadena_opcional_u(e, "e", nullptr);
+    zarnfxml_graba_cadena_opcional(e, "e", "");
+    zarnfxml_graba_cadena_opcional_u(e, "e", u"a<");
+    zarnfxml_graba_linea_comentario(e, "a -- b <&");
+    zarnfxml_graba_linea_xml(e, "<x>&</x>");
+    zarnfxml_graba_salto_linea(e);
+    zarnfxml_graba_fichmem(e, &lleno);
+    zarnfxml_graba_fichmem(e, &vacio);
+    zarnfxml_graba_fin_bloque(e);
+    EXPECT_EQ(texto_de(e), "<r>\n\t<e></e>\n\t<e>a&lt;</e>\n\t<!-- a -- b <& -->\n\t<x>&</x>\n\n"
+                           "\tAP9hYg==\n\t\n</r>");
+
+    // Number of stored elements, then the text, of a CDATA section written at level 1.
+    const auto cdata = [](std::vector<const char *> ls, zarnfxml_func_convierte_linea_t f,
+                          zybool saltos) {
+        Escritor x;
+        zarnfxml_graba_inicio_bloque(x, "r");
+        ArrCADENA a = arr_CreaCADENA(0);
+        for (const char *l : ls)
+            arr_AppendCADENA(a, l);
+        zarnfxml_graba_cdata_arr_cadena(x, a, f, saltos);
+        arr_DestruyeCADENA(&a);
+        zarnfxml_graba_fin_bloque(x);
+        return std::to_string(arr_NumElemsCADENA(zarnfxml_lineas(x))) + ":" + texto_de(x);
+    };
+    EXPECT_EQ(cdata({"uno", "dos"}, nullptr, FALSO), "4:<r>\n\t<![CDATA[uno\ndos]]>\n</r>");
+    EXPECT_EQ(cdata({"uno", "dos"}, nullptr, CIERTO), "4:<r>\n\t<![CDATA[\nuno\ndos\n]]>\n</r>");
+    EXPECT_EQ(cdata({"a]]>b"}, mayusculas, CIERTO), "3:<r>\n\t<![CDATA[\nA]]>B\n]]>\n</r>");
+    EXPECT_EQ(cdata({"x", "y", "z"}, mayusculas, FALSO), "5:<r>\n\t<![CDATA[X\nY\nZ]]>\n</r>");
+    EXPECT_EQ(cdata({}, nullptr, CIERTO), "2:<r>\n</r>");
+}
+
+TEST(EscritorErrores, ValoresYPropiedades) {
+    Escritor e;
+    EXPECT_EQ(COND(zarnfxml_graba_bool(e, "b", 2)), "valor == FALSO");
+    EXPECT_EQ(COND(zarnfxml_graba_fichmem(e, nullptr)), "(fichmem) != NULL");
+    const char *sin_lista = "(propiedades) != NULL";
+    for (auto f : {zarnfxml_graba_inicio_bloque_con_propiedades,
+                   zarnfxml_graba_inicio_fin_bloque_con_propiedades})
+        EXPECT_EQ(COND(f(e, "t", nullptr)), sin_lista);
+    EXPECT_EQ(COND(zarnfxml_graba_cadena_u_con_propiedades(e, "t", u"", nullptr)), sin_lista);
+    EXPECT_EQ(COND(zarnfxml_append_propiedad_bool(e, "p", CIERTO, nullptr)), sin_lista);
+    EXPECT_EQ(COND(zarnfxml_append_propiedad(nullptr, "p", "v")), sin_lista);
+    EXPECT_EQ(COND(zarnfxml_graba_long(nullptr, "l", 1)), "(xml) != NULL");
+    EXPECT_EQ(COND(zarnfxml_graba_salto_linea(nullptr)), "(xml) != NULL");
+    EXPECT_EQ(texto_de(e), "");
+}

@@ -1,0 +1,188 @@
+// The tree walk: order of the calls, what each call is told, pruning, both forms, depth.
+#include "soporte.hpp"
+
+#include <zarnxml/zarnfxml_recorrido.h>
+
+#include "services/servicios.hpp"
+
+#include <deque>
+#include <set>
+#include <string>
+#include <vector>
+
+namespace {
+
+// What the walk told the callback, one line per call:
+// parent|parent with properties|tag|name=value,...|datum (# for a block)|parent's result
+struct Registro {
+    std::vector<std::string> llamadas;
+    std::set<std::string> podar; // blocks and fields answered FALSO
+    std::deque<std::string> resultados;
+    std::vector<std::string> rutas; // file form: the path of tags at each call
+    size_t num_llamadas = 0;
+    bool solo_cuenta = false;
+};
+
+std::string inicial = "inicial";
+
+std::string resultado_de(void *p) {
+    return p ? *static_cast<std::string *>(p) : "<null>";
+}
+
+template <typename A>
+std::string propiedades(ArrCADENA textos, A datos, std::string (*texto)(A, uint32_t)) {
+    std::string s;
+    EXPECT_NE(textos, nullptr);
+    for (uint32_t i = 0; i < arr_NumElemsCADENA(textos); ++i)
+        s += (i ? "," : "") + std::string(arr_GetCADENA(textos, i)) + "=" + texto(datos, i);
+    return s;
+}
+std::string texto_u(ArrCADENA_u a, uint32_t i) {
+    return zarn::utf16_a_utf8(arr_GetCADENA_u(a, i));
+}
+std::string texto_8(ArrCADENA a, uint32_t i) {
+    return arr_GetCADENA(a, i);
+}
+
+zybool anota(Registro *r, const char *padre, const char *padre_con_propiedades,
+             const char *etiqueta, const std::string &props, zybool hay_dato,
+             const std::string &dato, void *resultado_padre, void **resultado) {
+    ++r->num_llamadas;
+    if (r->solo_cuenta) {
+        *resultado = nullptr;
+        return CIERTO;
+    }
+    r->llamadas.push_back(std::string(padre) + "|" + padre_con_propiedades + "|" + etiqueta + "|" +
+                          props + "|" + (hay_dato ? dato : "#") + "|" +
+                          resultado_de(resultado_padre));
+    r->resultados.push_back(etiqueta);
+    *resultado = &r->resultados.back();
+    return r->podar.count(etiqueta) ? FALSO : CIERTO;
+}
+
+zybool proceso_u(const char *padre, const char *padre_con_propiedades, const char *etiqueta,
+                 ArrCADENA textos, ArrCADENA_u datos, zybool hay_dato, const char16_t *dato,
+                 void *contexto1, void *contexto2, void *resultado_padre, void **resultado) {
+    EXPECT_EQ(contexto2, &inicial);
+    EXPECT_EQ(hay_dato == CIERTO, dato != nullptr);
+    auto *r = static_cast<Registro *>(contexto1);
+    return anota(r, padre, padre_con_propiedades, etiqueta,
+                 r->solo_cuenta ? "" : propiedades(textos, datos, texto_u), hay_dato,
+                 dato ? zarn::utf16_a_utf8(dato) : "", resultado_padre, resultado);
+}
+
+zybool proceso_fichero(ArrCADENA ruta, const char *padre, const char *padre_con_propiedades,
+                       const char *etiqueta, ArrCADENA textos, ArrCADENA datos, zybool hay_dato,
+                       const char *dato, void *contexto1, void *, void *resultado_padre,
+                       void **resultado) {
+    auto *r = static_cast<Registro *>(contexto1);
+    std::string s;
+    for (uint32_t i = 0; i < arr_NumElemsCADENA(ruta); ++i)
+        s += (i ? "/" : "") + std::string(arr_GetCADENA(ruta, i));
+    r->rutas.push_back(s);
+    return anota(r, padre, padre_con_propiedades, etiqueta, propiedades(textos, datos, texto_8),
+                 hay_dato, dato ? dato : "", resultado_padre, resultado);
+}
+
+Registro recorre(const std::string &doc, std::set<std::string> podar = {}) {
+    Registro r;
+    r.podar = std::move(podar);
+    struct Lineas {
+        ArrCADENA a;
+        ~Lineas() { arr_DestruyeCADENA(&a); }
+    } lineas{cad_obten_lista_lineas(doc.c_str())};
+    zarnfxml_nousar_recorre_en_forma_de_arbol_u(lineas.a, proceso_u, &r, &inicial, &inicial,
+                                                CIERTO);
+    return r;
+}
+
+using Llamadas = std::vector<std::string>;
+
+TEST(Recorrido, OrdenYLoQueSeCuentaEnCadaLlamada) {
+    EXPECT_EQ(recorre("<a><b>1</b><c/></a>").llamadas,
+              (Llamadas{"||a||#|inicial", "a|a|b||1|a", "a|a|c|||a"}));
+    EXPECT_EQ(recorre("<a x=\"1\" y=\"&amp;2\">\n"
+                      "  <b k=\"v\"><c></c></b>\n"
+                      "</a>")
+                  .llamadas,
+              (Llamadas{"||a|x=1,y=&2|#|inicial", "a|a-x=1-y=&2|b|k=v|#|a", "b|b-k=v|c|||b"}));
+    // A lone element is one field and leaves nothing open.
+    EXPECT_EQ(recorre("<a></a>").llamadas, (Llamadas{"||a|||inicial"}));
+    // Two top elements both hang from the base entry; definitions give no call.
+    EXPECT_EQ(recorre("<?xml version=\"1.0\"?><a/><?x?><b><?y?><c>2</c></b>").llamadas,
+              (Llamadas{"||a|||inicial", "||b||#|inicial", "b|b|c||2|b"}));
+    EXPECT_TRUE(recorre("").llamadas.empty());
+}
+
+TEST(Recorrido, UnBloqueRespondidoFalsoSeSaltaEntero) {
+    const std::string doc = "<r><s><t><u>1</u><v/></t><w/></s><x>2</x><s2><y/></s2></r>";
+    EXPECT_EQ(recorre(doc, {"s"}).llamadas, (Llamadas{"||r||#|inicial", "r|r|s||#|r", "r|r|x||2|r",
+                                                      "r|r|s2||#|r", "s2|s2|y|||s2"}));
+    // The answer for a field changes nothing.
+    EXPECT_EQ(recorre(doc, {"u", "x"}).llamadas.size(), 9u);
+    EXPECT_EQ(recorre(doc, {"r"}).llamadas, (Llamadas{"||r||#|inicial"}));
+}
+
+TEST(Recorrido, UnDocumentoQueAcabaDentroDeUnBloqueTerminaSinMas) {
+    EXPECT_EQ(recorre("<a><b>1</b><c>").llamadas,
+              (Llamadas{"||a||#|inicial", "a|a|b||1|a", "a|a|c||#|a"}));
+    EXPECT_EQ(recorre("<a><b>1</b></c>").llamadas, (Llamadas{"||a||#|inicial", "a|a|b||1|a"}));
+}
+
+TEST(Recorrido, UnDatoJuntoAHijosEsUnErrorInterno) {
+    // The default error has no condition text.
+    EXPECT_EQ(condicion_de([] { recorre("<a>x<b/></a>"); }), "");
+}
+
+TEST(Recorrido, LaFormaDeFicheroDaTextosDeOchoBitsYLaRuta) {
+    DirTemporal dir;
+    escribe_fichero(dir / "r.xml", "<?xml version=\"1.0\" encoding=\"UTF-8\"?>\n"
+                                   "<a p=\"\xe2\x82\xac\">\n"
+                                   "\t<b>Jos\xc3\xa9 &amp; co</b>\n"
+                                   "\t<c/>\n"
+                                   "\t<d><e>1</e></d>\n"
+                                   "</a>\n");
+    Registro r;
+    zarnfxml_nousar_recorre_en_forma_de_arbol(dir.u("r.xml").c_str(), proceso_fichero, &r, nullptr,
+                                              &inicial);
+    EXPECT_EQ(r.llamadas,
+              (Llamadas{"||a|p=\xe2\x82\xac|#|inicial", "a|a-p=\xe2\x82\xac|b||Jos\xc3\xa9 & co|a",
+                        "a|a-p=\xe2\x82\xac|c|||a", "a|a-p=\xe2\x82\xac|d||#|a", "d|d|e||1|d"}));
+    EXPECT_EQ(r.rutas, (Llamadas{"a", "a/b", "a/c", "a/d", "a/d/e"}));
+}
+
+TEST(Recorrido, TextoDeEtiquetaConPropiedades) {
+    ArrCADENA textos = arr_CreaCADENA(0);
+    ArrCADENA datos = arr_CreaCADENA(0);
+    CADENA t = zarnfxml_texto_etiqueta_con_propiedades("a", textos, datos);
+    EXPECT_STREQ(t, "a");
+    zarn::libera(t);
+    arr_AppendCADENA(textos, "x");
+    arr_AppendCADENA(datos, "1");
+    arr_AppendCADENA(textos, "y");
+    arr_AppendCADENA(datos, "<2>");
+    t = zarnfxml_texto_etiqueta_con_propiedades("a", textos, datos);
+    EXPECT_STREQ(t, "a-x=1-y=<2>");
+    zarn::libera(t);
+    arr_AppendCADENA(textos, "z");
+    EXPECT_EQ(condicion_de([&] { zarnfxml_texto_etiqueta_con_propiedades("a", textos, datos); }),
+              "num_propiedades == arr_NumElemsCADENA(datos_propiedades)");
+    arr_DestruyeCADENA(&textos);
+    arr_DestruyeCADENA(&datos);
+}
+
+TEST(Recorrido, UnMillonDeNivelesSinRecursion) {
+    constexpr uint32_t N = 1000000;
+    ArrCADENA lineas = arr_CreaCADENA(0);
+    for (uint32_t i = 0; i < N; ++i)
+        arr_AppendCADENA(lineas, "<e>");
+    for (uint32_t i = 0; i < N; ++i)
+        arr_AppendCADENA(lineas, "</e>");
+    Registro r;
+    r.solo_cuenta = true;
+    zarnfxml_nousar_recorre_en_forma_de_arbol_u(lineas, proceso_u, &r, &inicial, &inicial, CIERTO);
+    arr_DestruyeCADENA(&lineas);
+    EXPECT_EQ(r.num_llamadas, N);
+}
+
+} // namespace

@@ -1,0 +1,149 @@
+// Records: fields made of up to three pieces, the two modes of empty elements, definitions and
+// encodings, how an error travels, and the reader's error state.
+#include "lector_soporte.hpp"
+
+static const std::initializer_list<std::string> CINCO = {
+    R"(<?xml version="1.0" encoding="UTF-8"?>)", R"(<a b="1">)", "  <c>x</c>", "  <d/>", "</a>"};
+
+TEST(Registros, DocumentoDeCincoLineasEnLosDosModos) {
+    EXPECT_EQ(registros(CINCO, false),
+              V({"0:0:a{b=1}", "1:1:c='x'", "0:1:d", "3:1:/d", "3:0:/a", "5:-:"}));
+    EXPECT_EQ(registros(CINCO, true), V({"0:0:a{b=1}", "1:1:c='x'", "1:1:d=''", "3:0:/a", "5:-:"}));
+}
+
+TEST(Registros, ElementosVaciosSegunAdmiteCampoVacio) {
+    const std::vector<std::vector<std::string>> vacios = {
+        {"<a></a>"}, {"<a/>"}, {"<a>   </a>"}, {"<a>", "", "</a>"}};
+    for (const auto &vacio : vacios) {
+        Lineas l(vacio);
+        auto campo = i_crea_para_lectura_de_lineas(l.a, FALSO);
+        EXPECT_EQ(registros_de(campo.get(), true), V({"1:0:a=''", "5:-:"})) << vacio[0];
+        auto bloque = i_crea_para_lectura_de_lineas(l.a, FALSO);
+        EXPECT_EQ(registros_de(bloque.get(), false), V({"0:0:a", "3:0:/a", "5:-:"})) << vacio[0];
+    }
+    EXPECT_EQ(registros({"<a><![CDATA[]]></a>"}, false), V({"1:0:a=''", "5:-:"}));
+    EXPECT_EQ(registros({R"(<a b="1"/>)"}, true), V({"1:0:a{b=1}=''", "5:-:"}));
+    EXPECT_EQ(registros({R"(<a b="1"></a>)"}, false), V({"0:0:a{b=1}", "3:0:/a", "5:-:"}));
+    EXPECT_EQ(registros({"<a>1</a>"}, false), V({"1:0:a='1'", "5:-:"}));
+}
+
+TEST(Registros, LoQueNoFormaCampoSeDevuelve) {
+    EXPECT_EQ(registros({"<a>x<b>y</b></a>"}, false),
+              V({"0:0:a", "2:1:'x'", "1:1:b='y'", "3:0:/a", "5:-:"}));
+    EXPECT_EQ(registros({"<a>x<!-- c -->y</a>"}, true),
+              V({"0:0:a", "2:1:'x'", "2:1:'y'", "3:0:/a", "5:-:"}));
+    EXPECT_EQ(registros({"x", "<a/>"}, false), V({"2:0:'x'", "0:0:a", "3:0:/a", "5:-:"}));
+    EXPECT_EQ(registros({"<?foo?>", "<a/>"}, true), V({"4:-:foo", "1:0:a=''", "5:-:"}));
+    EXPECT_EQ(registros({R"(<?xml version="1.0"?>)"}, false), V({"5:-:"}));
+}
+
+TEST(Registros, ElErrorLlegaDetrasDeLosRegistrosAnteriores) {
+    EXPECT_EQ(registros({"<a><b>"}, false),
+              V({"0:0:a", "0:1:b", "6:-:Ln 2, Col 1: Unexpected end of file"}));
+    EXPECT_EQ(registros({"<a>x</b>"}, true),
+              V({"0:0:a", "2:1:'x'",
+                 "6:-:Ln 1, Col 8: The end tag does not match the initial tag (a) (b)"}));
+}
+
+TEST(Registros, AlFinalNoSeLeeMas) {
+    Lineas l{"<a/>"};
+    auto xml = i_crea_para_lectura_de_lineas(l.a, FALSO);
+    EXPECT_EQ(i_lectura_terminada(xml.get()), FALSO);
+    EXPECT_EQ(i_lee_registro(xml.get(), FALSO), i_REGISTRO_INICIO_BLOQUE);
+    EXPECT_EQ(xml->pieza_actual->tipo_pieza, i_PIEZA_INICIO_Y_FIN_BLOQUE);
+    // The end of a self-closed block comes whatever the argument of the next call.
+    EXPECT_EQ(i_lee_registro(xml.get(), CIERTO), i_REGISTRO_FIN_BLOQUE);
+    EXPECT_EQ(i_lee_registro(xml.get(), FALSO), i_REGISTRO_FIN_FICHERO);
+    EXPECT_EQ(i_lectura_terminada(xml.get()), CIERTO);
+    const uint32_t linea = xml->ind_linea, columna = xml->ind_columna;
+    EXPECT_EQ(i_lee_registro(xml.get(), CIERTO), i_REGISTRO_FIN_FICHERO);
+    EXPECT_EQ(i_lee_registro(xml.get(), FALSO), i_REGISTRO_FIN_FICHERO);
+    EXPECT_EQ(xml->ind_linea, linea);
+    EXPECT_EQ(xml->ind_columna, columna);
+    EXPECT_EQ(i_hay_error_lectura(xml.get(), nullptr), FALSO);
+}
+
+TEST(Registros, CodificacionDeLasDeclaraciones) {
+    EXPECT_EQ(
+        registros({"<a>&amp;</a>", R"(<?xml encoding="iso-8859-1"?>)", "<b>&amp;\xe9</b>"}, false),
+        V({"1:0:a='&'", "1:0:b='&amp;\xc3\xa9'", "5:-:"}));
+    EXPECT_EQ(registros({R"(<?xml encoding="UTF-16"?>)", "<a>\xc3\xa9&amp;</a>"}, false),
+              V({"1:0:a='\xc3\xa9&'", "5:-:"}));
+    // A piece lexed before the declaration was handled keeps the encoding of its moment.
+    EXPECT_EQ(registros({"<a>&amp;", R"(<?xml encoding="iso-8859-1"?>)", "&amp;</a>"}, false),
+              V({"0:0:a", "2:1:'&'", "2:1:'&amp;'", "3:0:/a", "5:-:"}));
+
+    const auto codificacion = [](const std::string &declaracion) {
+        Lineas l{declaracion, "<a/>"};
+        auto xml = i_crea_para_lectura_de_lineas(l.a, FALSO);
+        EXPECT_EQ(xml->conf->tipo_codificacion, i_CODIFICACION_UTF_8);
+        i_lee_registro(xml.get(), FALSO);
+        return xml->conf->tipo_codificacion;
+    };
+    EXPECT_EQ(codificacion(R"(<?xml encoding="ISO-8859-1"?>)"), i_CODIFICACION_ISO_8859_1);
+    EXPECT_EQ(codificacion(R"(<?xml encoding="utf-16"?>)"), i_CODIFICACION_UTF_16);
+    EXPECT_EQ(codificacion(R"(<?xml ENCODING="UTF-8"?>)"), i_CODIFICACION_UTF_8);
+    EXPECT_EQ(codificacion(R"(<?xml encoding="ascii"?>)"), i_CODIFICACION_UTF_8);
+    EXPECT_EQ(codificacion(R"(<?xml encoding="iso-8859-1" encoding="ascii"?>)"),
+              i_CODIFICACION_ISO_8859_1);
+    EXPECT_EQ(codificacion(R"(<?xml encoding="UTF-16" encoding="utf-8"?>)"), i_CODIFICACION_UTF_8);
+}
+
+TEST(Registros, EstadoDeError) {
+    Lineas l{"<a>", "</b>"};
+    auto xml = i_crea_para_lectura_de_lineas(l.a, FALSO);
+    EXPECT_EQ(i_hay_error_lectura(xml.get(), nullptr), FALSO);
+    i_lee_registro(xml.get(), FALSO);
+    EXPECT_EQ(i_hay_error_lectura(xml.get(), nullptr), FALSO);
+    EXPECT_EQ(i_lee_registro(xml.get(), FALSO), i_REGISTRO_ERROR);
+    CADENA m = nullptr;
+    EXPECT_EQ(i_hay_error_lectura(xml.get(), &m), CIERTO);
+    EXPECT_STREQ(m, "Ln 2, Col 4: The end tag does not match the initial tag (a) (b)");
+    zarn::libera(m);
+    // The special fault goes first, and a reader takes it only once.
+    i_asigna_error_especial(xml.get(), "especial");
+    EXPECT_EQ(i_hay_error_lectura(xml.get(), &m), CIERTO);
+    EXPECT_STREQ(m, "especial");
+    zarn::libera(m);
+    EXPECT_EQ(condicion_de([&] { i_asigna_error_especial(xml.get(), "otra"); }),
+              "xml->error_especial == FALSO");
+}
+
+TEST(Registros, EtiquetasYPropiedadesDelRegistro) {
+    Lineas l{R"(<A x="Uno" X="dos"/>)"};
+    auto xml = i_crea_para_lectura_de_lineas(l.a, FALSO);
+    i_lee_registro(xml.get(), FALSO);
+    EXPECT_EQ(i_es_etiqueta_registro_igual(xml.get(), "a"), CIERTO);
+    const i_propiedades_t &ps = i_propiedades_registro(xml->registro.get());
+    EXPECT_EQ(i_existe_propiedad_con_dato(ps, "X", u"UNO"), CIERTO);
+    EXPECT_EQ(i_existe_propiedad_con_dato(ps, "x", u"dos"), FALSO); // the first of the name decides
+    EXPECT_EQ(i_existe_propiedad_con_dato(ps, "y", u"uno"), FALSO);
+    EXPECT_EQ(condicion_de([&] { i_dato_registro(xml->registro.get()); }), "");
+    i_lee_registro(xml.get(), FALSO);
+    EXPECT_EQ(i_es_etiqueta_registro_igual(xml.get(), "A"), CIERTO);
+    EXPECT_EQ(condicion_de([&] { i_propiedades_registro(xml->registro.get()); }), "");
+    i_lee_registro(xml.get(), FALSO);
+    EXPECT_EQ(condicion_de([&] { i_es_etiqueta_registro_igual(xml.get(), "a"); }), "");
+}
+
+TEST(Registros, ConstructoresComprueban) {
+    Lineas l{"<a>x</a>"};
+    auto xml = i_crea_para_lectura_de_lineas(l.a, FALSO);
+    i_pieza_ptr inicio = i_lee_pieza(xml.get());
+    i_pieza_ptr dato = i_lee_pieza(xml.get());
+    EXPECT_EQ(condicion_de([&] { i_crea_registro_campo(xml.get(), dato.get(), nullptr); }),
+              "pieza_inicio_bloque->tipo_pieza == i_PIEZA_INICIO_BLOQUE || "
+              "pieza_inicio_bloque->tipo_pieza == i_PIEZA_INICIO_Y_FIN_BLOQUE");
+    EXPECT_EQ(condicion_de([&] { i_crea_registro_campo(xml.get(), inicio.get(), inicio.get()); }),
+              "pieza_dato_si_hay->tipo_pieza == i_PIEZA_DATO");
+    EXPECT_EQ(condicion_de([&] { i_crea_registro_fin_bloque(xml.get(), inicio.get()); }),
+              "pieza_inicio_y_fin_bloque->tipo_pieza == i_PIEZA_INICIO_Y_FIN_BLOQUE");
+    EXPECT_EQ(condicion_de([&] { i_aplica_definicion_fichero_xml(inicio.get(), xml->conf.get()); }),
+              "pieza->tipo_pieza == i_PIEZA_DEFINICION_FICHERO_XML");
+    inicio->tipo_pieza = i_PIEZA_DEFINICION_FICHERO_XML;
+    EXPECT_EQ(condicion_de([&] { i_crea_registro(xml.get(), inicio.get()); }), "");
+    // A record holds copies: the piece may go.
+    i_registro_ptr r = i_crea_registro(xml.get(), dato.get());
+    i_destruye_pieza(xml.get(), dato);
+    EXPECT_EQ(r->dato.texto(), u"x");
+}
