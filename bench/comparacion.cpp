@@ -1,0 +1,131 @@
+// One job per process, for side-by-side figures with the peers:
+//   comparacion genera FILE MB     writes a document of the writer's shape, about MB megabytes
+//   comparacion suelo FILE         the floor: read the file and count '<' with memchr
+//   comparacion check FILE         zarnfxml_es_fichero_xml_correcto
+//   comparacion expat FILE         expat XML_Parse in 1 MiB chunks, no handlers
+//   comparacion arbol FILE         zarnxml_crea_de_fichero_u, then destroy
+#include <zarnxml/zarnxml.h>
+
+#include <expat.h>
+
+#include <chrono>
+#include <cstdio>
+#include <cstring>
+#include <string>
+#include <vector>
+
+namespace {
+
+std::u16string ancho(const char *s) {
+    std::u16string r;
+    for (; *s; ++s)
+        r += static_cast<char16_t>(static_cast<unsigned char>(*s));
+    return r;
+}
+
+// Records of the writer's shape: two properties (one with &), a string with entities, a double,
+// a truth value, a nested block of two doubles, non-ASCII text.
+int genera(const char *ruta, long megas) {
+    zarnfxml_t *xml = zarnfxml_crea_para_escritura_UTF_8();
+    zarnfxml_graba_inicio_bloque(xml, "raiz");
+    const long registros = megas * 1000000 / 230;
+    char nombre[96];
+    char id[32];
+    for (long i = 0; i < registros; ++i) {
+        std::snprintf(id, sizeof id, "r%ld", i);
+        std::snprintf(nombre, sizeof nombre, "Cliente <%ld> & \"socios\"", i);
+        zarnfxml_graba_inicio_bloque_propiedad2(xml, "registro", "id", id, "grupo", "A&amp;B");
+        zarnfxml_graba_cadena(xml, "nombre", nombre);
+        zarnfxml_graba_double(xml, "importe", static_cast<double>(i) * 0.37, 6);
+        zarnfxml_graba_bool(xml, "activo", (i % 3) ? CIERTO : FALSO);
+        zarnfxml_graba_inicio_bloque(xml, "posicion");
+        zarnfxml_graba_double(xml, "x", static_cast<double>(i) * 1.5, 6);
+        zarnfxml_graba_double(xml, "y", -static_cast<double>(i) / 8, 6);
+        zarnfxml_graba_fin_bloque(xml);
+        zarnfxml_graba_cadena(xml, "nota", "Año señal ü € 中");
+        zarnfxml_graba_fin_bloque(xml);
+    }
+    zarnfxml_graba_fin_bloque(xml);
+    zarnfxml_genera_fichero_salida(xml, ancho(ruta).c_str());
+    zarnfxml_destruye_xml_escritura(&xml);
+    return 0;
+}
+
+int suelo(const char *ruta) {
+    std::FILE *f = std::fopen(ruta, "rb");
+    std::vector<char> buf(1 << 20);
+    size_t cuenta = 0;
+    for (size_t n; (n = std::fread(buf.data(), 1, buf.size(), f)) > 0;) {
+        const char *p = buf.data();
+        const char *fin = p + n;
+        while ((p = static_cast<const char *>(std::memchr(p, '<', static_cast<size_t>(fin - p))))) {
+            ++cuenta;
+            ++p;
+        }
+    }
+    std::fclose(f);
+    std::printf("'<': %zu\n", cuenta);
+    return 0;
+}
+
+int check(const char *ruta) {
+    CADENA mensaje = nullptr;
+    const zybool ok = zarnfxml_es_fichero_xml_correcto(ancho(ruta).c_str(), "raiz", &mensaje, FALSO);
+    std::printf("check: %s\n", ok == CIERTO ? "ok" : mensaje);
+    if (mensaje)
+        zarnstr_destruye(&mensaje);
+    return ok == CIERTO ? 0 : 1;
+}
+
+int expat(const char *ruta) {
+    std::FILE *f = std::fopen(ruta, "rb");
+    XML_Parser p = XML_ParserCreate(nullptr);
+    std::vector<char> buf(1 << 20);
+    bool ok = true;
+    for (;;) {
+        const size_t n = std::fread(buf.data(), 1, buf.size(), f);
+        if (XML_Parse(p, buf.data(), static_cast<int>(n), n == 0) == XML_STATUS_ERROR) {
+            ok = false;
+            break;
+        }
+        if (n == 0)
+            break;
+    }
+    XML_ParserFree(p);
+    std::fclose(f);
+    std::printf("expat: %s\n", ok ? "ok" : "error");
+    return ok ? 0 : 1;
+}
+
+int arbol(const char *ruta) {
+    zybool hay_error = FALSO;
+    zarnxml_nodo_t *raiz = zarnxml_crea_de_fichero_u(ancho(ruta).c_str(), "1", "0", &hay_error, nullptr);
+    std::printf("tree: %s\n", hay_error == CIERTO ? "error" : "ok");
+    zarnxml_destruye(&raiz);
+    return hay_error == CIERTO ? 1 : 0;
+}
+
+} // namespace
+
+int main(int argc, char **argv) {
+    if (argc < 3) {
+        std::fprintf(stderr, "usage: comparacion genera|suelo|check|expat|arbol FILE [MB]\n");
+        return 2;
+    }
+    const std::string modo = argv[1];
+    const auto inicio = std::chrono::steady_clock::now();
+    int r = 2;
+    if (modo == "genera")
+        r = genera(argv[2], argc > 3 ? std::atol(argv[3]) : 100);
+    else if (modo == "suelo")
+        r = suelo(argv[2]);
+    else if (modo == "check")
+        r = check(argv[2]);
+    else if (modo == "expat")
+        r = expat(argv[2]);
+    else if (modo == "arbol")
+        r = arbol(argv[2]);
+    std::fprintf(stderr, "%s: %.3f s\n", modo.c_str(),
+                 std::chrono::duration<double>(std::chrono::steady_clock::now() - inicio).count());
+    return r;
+}
