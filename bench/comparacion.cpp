@@ -70,7 +70,8 @@ int suelo(const char *ruta) {
 
 int check(const char *ruta) {
     CADENA mensaje = nullptr;
-    const zybool ok = zarnfxml_es_fichero_xml_correcto(ancho(ruta).c_str(), "raiz", &mensaje, FALSO);
+    const zybool ok =
+        zarnfxml_es_fichero_xml_correcto(ancho(ruta).c_str(), "raiz", &mensaje, FALSO);
     std::printf("check: %s\n", ok == CIERTO ? "ok" : mensaje);
     if (mensaje)
         zarnstr_destruye(&mensaje);
@@ -99,7 +100,8 @@ int expat(const char *ruta) {
 
 int arbol(const char *ruta) {
     zybool hay_error = FALSO;
-    zarnxml_nodo_t *raiz = zarnxml_crea_de_fichero_u(ancho(ruta).c_str(), "1", "0", &hay_error, nullptr);
+    zarnxml_nodo_t *raiz =
+        zarnxml_crea_de_fichero_u(ancho(ruta).c_str(), "1", "0", &hay_error, nullptr);
     std::printf("tree: %s\n", hay_error == CIERTO ? "error" : "ok");
     zarnxml_destruye(&raiz);
     return hay_error == CIERTO ? 1 : 0;

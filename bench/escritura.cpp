@@ -42,8 +42,9 @@ void BM_escritor_a_fichero(benchmark::State &state) {
         zarnfxml_genera_fichero_salida(xml, ruta.c_str());
         zarnfxml_destruye_xml_escritura(&xml);
     }
-    state.SetBytesProcessed(static_cast<int64_t>(state.iterations()) *
-                            static_cast<int64_t>(std::filesystem::file_size(kDir / "escritor.xml")));
+    state.SetBytesProcessed(
+        static_cast<int64_t>(state.iterations()) *
+        static_cast<int64_t>(std::filesystem::file_size(kDir / "escritor.xml")));
 }
 BENCHMARK(BM_escritor_a_fichero)->Unit(benchmark::kMillisecond)->UseRealTime();
 

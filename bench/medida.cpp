@@ -20,7 +20,8 @@ int main(int argc, char **argv) {
     int estado = 0;
     rusage uso{};
     wait4(pid, &estado, 0, &uso);
-    const double s = std::chrono::duration<double>(std::chrono::steady_clock::now() - inicio).count();
+    const double s =
+        std::chrono::duration<double>(std::chrono::steady_clock::now() - inicio).count();
     std::fprintf(stderr, "wall_s=%.3f maxrss_kb=%ld\n", s, uso.ru_maxrss);
     return WIFEXITED(estado) ? WEXITSTATUS(estado) : 1;
 }

@@ -20,7 +20,8 @@ struct ErrorInterno : std::runtime_error {
         : std::runtime_error(c ? c : "(default)"), condicion(c ? c : ""), mensaje(m ? m : "") {}
 };
 
-inline void manejador_que_lanza(const char *condicion, const char *, uint32_t, const char *mensaje) {
+inline void manejador_que_lanza(const char *condicion, const char *, uint32_t,
+                                const char *mensaje) {
     throw ErrorInterno(condicion, mensaje);
 }
 
@@ -56,9 +57,10 @@ inline void escribe_fichero(const std::filesystem::path &p, const std::string &d
 struct DirTemporal {
     std::filesystem::path ruta;
     DirTemporal() {
-        ruta = std::filesystem::temp_directory_path() /
-               ("zarnxml_test_" + std::to_string(::testing::UnitTest::GetInstance()->random_seed()) +
-                "_" + std::to_string(reinterpret_cast<uintptr_t>(this)));
+        ruta =
+            std::filesystem::temp_directory_path() /
+            ("zarnxml_test_" + std::to_string(::testing::UnitTest::GetInstance()->random_seed()) +
+             "_" + std::to_string(reinterpret_cast<uintptr_t>(this)));
         std::filesystem::create_directories(ruta);
     }
     ~DirTemporal() {

@@ -371,6 +371,229 @@ ZARN_API uint32_t zarnfxml_atoul_u(const char16_t *texto);
 ZARN_API uint16_t zarnfxml_atous(const char *texto);
 ZARN_API uint16_t zarnfxml_atous_u(const char16_t *texto);
 
+/* ---- Reader: block navigation ------------------------------------------------------------------
+ *
+ * A reader stands on one record at a time: a block start, a field (a start tag, a datum and an
+ * end tag), a block end, a question-mark definition <?name ...?>, the end of the text, or a
+ * lexical error. Each read moves it to the next record and requires that record to be what the
+ * read names; anything else ends in an internal error with the condition's text. Tags named by
+ * a caller compare with upper and lower case equal. An element with no datum, <a/> or <a></a>,
+ * is a block start followed by its end. What may be missing is asked for first with a
+ * look-ahead, which consumes nothing when it answers FALSO.
+ *
+ * nivel_etiquetado_lineas_bloque is the inside of an open block: the number of tags open
+ * around the block plus 1 (the root has 1). It is handed out when a block is opened and given
+ * back to zarnfxml_salta_hasta_fin_bloque. If the environment variable XML_BLOQUE exists (its
+ * value is never read; it is looked at once per process), the skip from a block's start
+ * searches the lines for the end tag "</etiqueta>" as plain text instead of reading the
+ * block: right for what the writer writes, not for a block nested in one of its own tag, and
+ * text behind the end tag on its line is lost. */
+
+/* Reads a block start that bears etiqueta. */
+ZARN_API void zarnfxml_lee_inicio_bloque(zarnfxml_t *xml, const char *etiqueta);
+ZARN_API void zarnfxml_lee_inicio_bloque_con_nivel_etiquetado(
+    zarnfxml_t *xml, const char *etiqueta, uint32_t *nivel_etiquetado_lineas_bloque);
+/* Any tag; *etiqueta (if etiqueta is not null) receives a new copy of it. */
+ZARN_API void zarnfxml_lee_inicio_bloque_desconocido(zarnfxml_t *xml, CADENA *etiqueta);
+/* Open the block if a start tag etiqueta comes next; FALSO (nothing read) otherwise. A field
+ * of that tag next is an internal error: the look-ahead sees only the start tag. */
+ZARN_API zybool zarnfxml_se_lee_inicio_bloque(zarnfxml_t *xml, const char *etiqueta);
+/* On FALSO *nivel_etiquetado_lineas_bloque (not null) is left alone. */
+ZARN_API zybool zarnfxml_se_lee_inicio_bloque_con_nivel_etiquetado(
+    zarnfxml_t *xml, const char *etiqueta, uint32_t *nivel_etiquetado_lineas_bloque);
+ZARN_API zybool zarnfxml_se_lee_inicio_bloque_desconocido(zarnfxml_t *xml, CADENA *etiqueta);
+
+/* Whether the next element's start tag (of a block or of a field) bears etiqueta; any tag for
+ * a null etiqueta. Steps over the declaration; consumes nothing. FALSO at the end of the text,
+ * on a lexical error, and between a self-closing element and its end. */
+ZARN_API zybool zarnfxml_etiqueta_siguiente_es_inicio_bloque(zarnfxml_t *xml, const char *etiqueta);
+/* A definition <?name text?> (not the declaration): its text goes to *etiqueta as a new copy. */
+ZARN_API zybool zarnfxml_se_lee_definicion_comentario(zarnfxml_t *xml, CADENA *etiqueta);
+ZARN_API void zarnfxml_lee_definicion_comentario(zarnfxml_t *xml, CADENA *etiqueta);
+
+/* Reads a block end (of whatever block). */
+ZARN_API void zarnfxml_lee_fin_bloque(zarnfxml_t *xml);
+ZARN_API void zarnfxml_lee_fin_bloque_con_comprobacion(zarnfxml_t *xml, const char *etiqueta);
+/* Passes the rest of the block of that level, from its start, from a field or child end in
+ * it, or from its own end; ends on the block's end record (or on the end of the text or an
+ * error met inside). No zarnfxml_lee_fin_bloque follows. */
+ZARN_API void zarnfxml_salta_hasta_fin_bloque(zarnfxml_t *xml,
+                                              uint32_t nivel_etiquetado_lineas_bloque);
+/* Opens the block etiqueta and skips it; the _si_existe form does so only if it is next. */
+ZARN_API void zarnfxml_salta_etiqueta(zarnfxml_t *xml, const char *etiqueta);
+ZARN_API void zarnfxml_salta_etiqueta_si_existe(zarnfxml_t *xml, const char *etiqueta);
+/* Skips sibling blocks until the block etiqueta has been opened; only blocks may stand before
+ * it. nivel_etiquetado_lineas_bloque may be null. */
+ZARN_API void zarnfxml_salta_hasta_etiqueta_y_lee_inicio_bloque(
+    zarnfxml_t *xml, const char *etiqueta, uint32_t *nivel_etiquetado_lineas_bloque);
+
+/* The generic step for a document of unknown shape. An element without a datum is a field
+ * with the empty text; definitions are passed over. Gives FALSO at the end of the text or on an
+ * error and then writes nothing. Otherwise, each output where its pointer is not null:
+ *   block start: *etiqueta lent, *tipo 0, *dato null, *nivel its nivel_etiquetado_lineas_bloque
+ *   field:       *etiqueta lent, *tipo 1, *dato a new copy of the datum, *nivel 0xFFFFFFFF
+ *   block end:   *etiqueta lent, *tipo 2, *dato null, *nivel 0xFFFFFFFF
+ * A lent tag lives until the next read. */
+ZARN_API zybool zarnfxml_lee_siguiente(zarnfxml_t *xml, const char **etiqueta, uint32_t *tipo,
+                                       CADENA *dato, uint32_t *nivel);
+
+/* Properties of the current record (a block start, a field or a definition), by name with upper
+ * and lower case equal; of two with one name the first counts. *dato receives a new copy; the
+ * _u form lends the value until the next read. */
+ZARN_API zybool zarnfxml_existe_propiedad_inicio_bloque(zarnfxml_t *xml,
+                                                        const char *texto_propiedad, CADENA *dato);
+ZARN_API zybool zarnfxml_existe_propiedad_inicio_bloque_u(zarnfxml_t *xml,
+                                                          const char *texto_propiedad,
+                                                          const char16_t **dato);
+/* Whether the property exists with the value dato, upper and lower case equal. */
+ZARN_API zybool zarnfxml_existe_propiedad_inicio_bloque_igual(zarnfxml_t *xml,
+                                                              const char *texto_propiedad,
+                                                              const char *dato);
+/* The property must exist ("existe_propiedad == CIERTO"). New strings for the caller. */
+ZARN_API CADENA zarnfxml_get_cadena_propiedad_inicio_bloque(zarnfxml_t *xml,
+                                                            const char *texto_propiedad);
+ZARN_API CADENA_u zarnfxml_get_cadena_propiedad_inicio_bloque_u(zarnfxml_t *xml,
+                                                                const char *texto_propiedad);
+ZARN_API double zarnfxml_get_double_propiedad_inicio_bloque(zarnfxml_t *xml,
+                                                            const char *texto_propiedad);
+ZARN_API uint32_t zarnfxml_get_ulong_propiedad_inicio_bloque(zarnfxml_t *xml,
+                                                             const char *texto_propiedad);
+/* The value of the property number indice (from 0, document order), which must exist. */
+ZARN_API CADENA zarnfxml_get_indice_propiedad_inicio_bloque(zarnfxml_t *xml, uint32_t indice);
+
+/* On the start record of a block of num_campos fields, one to a line: reads each line raw.
+ * etiquetas[i] receives what stands between the first '<' and the next '>' (the tag with
+ * whatever the start tag holds), datos[i] the bytes up to the next '<', entities undecoded;
+ * new strings for the caller. The next read gives the block's end. */
+ZARN_API void zarnfxml_lee_campos_bloque_conocido(zarnfxml_t *xml, uint32_t num_campos,
+                                                  CADENA *etiquetas, CADENA *datos);
+
+/* ---- Reader: typed field reads -----------------------------------------------------------------
+ *
+ * Each reads the next record, which must be a field ("tipo_registro == i_REGISTRO_CAMPO") of
+ * the tag ("es_etiqueta_igual == CIERTO"), and converts its datum. Only the two text reads
+ * accept an element with no datum (the empty text). The _opcional forms look ahead first and
+ * give their default, without reading, when the tag does not come next; a tag that comes next
+ * as a block is still an error. Truth values are "1" and "0" (upper or lower case); anything
+ * else in zarnfxml_lee_bool is an internal error. */
+ZARN_API zybool zarnfxml_lee_bool(zarnfxml_t *xml, const char *etiqueta);
+ZARN_API zybool zarnfxml_lee_bool_opcional(zarnfxml_t *xml, const char *etiqueta);
+/* Integer text through widestr_nousar_atol. */
+ZARN_API int32_t zarnfxml_lee_long(zarnfxml_t *xml, const char *etiqueta);
+ZARN_API int32_t zarnfxml_lee_long_opcional(zarnfxml_t *xml, const char *etiqueta,
+                                            int32_t valor_defecto);
+/* Through zarnfxml_atof_u, truncated and saturated ("NaN" gives 0, a comma is a point). */
+ZARN_API uint32_t zarnfxml_lee_ulong(zarnfxml_t *xml, const char *etiqueta);
+ZARN_API uint32_t zarnfxml_lee_ulong_opcional(zarnfxml_t *xml, const char *etiqueta);
+/* The reverse of zarnfxml_graba_ulong_con_ulong_max_cero: 0 gives 0xFFFFFFFF, v gives v - 1. */
+ZARN_API uint32_t zarnfxml_lee_ulong_con_ulong_max_cero(zarnfxml_t *xml, const char *etiqueta);
+ZARN_API double zarnfxml_lee_double(zarnfxml_t *xml, const char *etiqueta);
+ZARN_API double zarnfxml_lee_double_opcional(zarnfxml_t *xml, const char *etiqueta);
+/* New strings for the caller. */
+ZARN_API CADENA zarnfxml_lee_cadena(zarnfxml_t *xml, const char *etiqueta);
+ZARN_API CADENA_u zarnfxml_lee_cadena_u(zarnfxml_t *xml, const char *etiqueta);
+/* A long date field (the twin of zarnfxml_graba_fecha). */
+ZARN_API int64_t zarnfxml_lee_fecha(zarnfxml_t *xml, const char *etiqueta);
+/* Passes the field etiqueta if it comes next, and says whether it did. */
+ZARN_API zybool zarnfxml_salta_registro_campo(zarnfxml_t *xml, const char *etiqueta);
+/* The tolerant truth test: CIERTO for the reader's truth text, "1", "true" and "yes" in any
+ * case; FALSO for anything else. */
+ZARN_API zybool zarnfxml_bool(zarnfxml_t *xml_in, const char16_t *texto);
+/* All the bytes of a file, untouched, as a new string (a zero byte inside ends it as text). */
+ZARN_API CADENA zarnfxml_lee_fichero_xml_string(const char16_t *nombre_fichero);
+
+/* ---- Reader: arrays and the caller's structures ------------------------------------------------
+ *
+ * Each reads back what the writer of the same name wrote; a missing array is an empty one, an
+ * element of the tag with another shape is an internal error. Every array handed out is new
+ * and the caller's. */
+
+/* One field: the lines of its datum (an element with no datum gives no lines). */
+ZARN_API ArrCADENA zarnfxml_lee_arr_cadena(zarnfxml_t *xml, const char *etiqueta);
+ZARN_API ArrCADENA_u zarnfxml_lee_arr_cadena_u(zarnfxml_t *xml, const char *etiqueta);
+/* One field: the values between the separators (a blank); an element with no datum gives none. */
+ZARN_API ArrDouble zarnfxml_lee_arr_double(zarnfxml_t *xml, const char *etiqueta);
+/* One field "count:x,y x,y ..."; at most 65534 points ("num_elems < USHRT_MAX"). Points or
+ * coordinates that the text lacks are 0. */
+ZARN_API ArrPunto2D zarnfxml_lee_arr_puntos2D(zarnfxml_t *xml, const char *etiqueta);
+/* By numbering (ZARNFXML_NUMERACION_ARRAY_*): 0 the one-field form; 1, 6, 7 a block etiqueta of
+ * fields etiqueta (absent: empty); 3, 4, 5 fields etiqueta in a row (none: empty). The numbers
+ * are not read. Strings with 2: the one-field form if etiqueta comes next, else empty; doubles
+ * with 2 are an internal error. */
+ZARN_API ArrCADENA_u zarnfxml_lee_arr_cadena_numerados(zarnfxml_t *xml, const char *etiqueta,
+                                                       int32_t tipo_numeracion_array);
+ZARN_API ArrDouble zarnfxml_lee_arr_double_numerados(zarnfxml_t *xml, const char *etiqueta,
+                                                     int32_t tipo_numeracion_array);
+
+/* The caller's function for one element: it stands in front of the element's start tag, must
+ * read the whole element, and gives the caller's record (null allowed), which the library
+ * stores without looking at it. The extra values are the caller's and come first. */
+typedef void *(*func_lee_xml_item)(zarnfxml_t *xml);
+typedef void *(*func_lee_xml_item_1extra)(void *extra1, zarnfxml_t *xml);
+typedef void *(*func_lee_xml_item_2extra)(void *extra1, void *extra2, zarnfxml_t *xml);
+typedef void *(*func_lee_xml_item_3extra)(void *extra1, void *extra2, void *extra3,
+                                          zarnfxml_t *xml);
+typedef void *(*func_lee_xml_item_4extra)(void *extra1, void *extra2, void *extra3, void *extra4,
+                                          zarnfxml_t *xml);
+typedef void *(*func_lee_xml_item_5extra)(void *extra1, void *extra2, void *extra3, void *extra4,
+                                          void *extra5, zarnfxml_t *xml);
+typedef void *(*func_lee_xml_item_6extra)(void *extra1, void *extra2, void *extra3, void *extra4,
+                                          void *extra5, void *extra6, zarnfxml_t *xml);
+
+/* A pointer that the reader keeps for the caller, so that a callback can reach it; null in a
+ * new reader. */
+ZARN_API void zarnfxml_nousar_set_item_asociado_lectura(zarnfxml_t *xml, void *item_asociado);
+ZARN_API void *zarnfxml_nousar_get_item_asociado_lectura(zarnfxml_t *xml);
+
+/* A series of sibling elements etiqueta, one callback call for each while etiqueta comes next;
+ * the series has no block of its own. The results, in order, in a new ArrPuntero. */
+ZARN_API ArrPuntero zarnfxml_nousar_lee_arr_punterosST(zarnfxml_t *xml, const char *etiqueta,
+                                                       func_lee_xml_item func);
+ZARN_API ArrPuntero zarnfxml_nousar_lee_arr_punterosST_1extra(zarnfxml_t *xml,
+                                                              const char *etiqueta,
+                                                              func_lee_xml_item_1extra func,
+                                                              void *extra1);
+ZARN_API ArrPuntero zarnfxml_nousar_lee_arr_punterosST_2extra(zarnfxml_t *xml,
+                                                              const char *etiqueta,
+                                                              func_lee_xml_item_2extra func,
+                                                              void *extra1, void *extra2);
+ZARN_API ArrPuntero zarnfxml_nousar_lee_arr_punterosST_3extra(zarnfxml_t *xml,
+                                                              const char *etiqueta,
+                                                              func_lee_xml_item_3extra func,
+                                                              void *extra1, void *extra2,
+                                                              void *extra3);
+ZARN_API ArrPuntero zarnfxml_nousar_lee_arr_punterosST_4extra(
+    zarnfxml_t *xml, const char *etiqueta, func_lee_xml_item_4extra func, void *extra1,
+    void *extra2, void *extra3, void *extra4);
+ZARN_API ArrPuntero zarnfxml_nousar_lee_arr_punterosST_5extra(
+    zarnfxml_t *xml, const char *etiqueta, func_lee_xml_item_5extra func, void *extra1,
+    void *extra2, void *extra3, void *extra4, void *extra5);
+ZARN_API ArrPuntero zarnfxml_nousar_lee_arr_punterosST_6extra(
+    zarnfxml_t *xml, const char *etiqueta, func_lee_xml_item_6extra func, void *extra1,
+    void *extra2, void *extra3, void *extra4, void *extra5, void *extra6);
+/* The series goes on only while the next start tag etiqueta has the property texto_propiedad
+ * with the value dato_propiedad (upper and lower case equal). */
+ZARN_API ArrPuntero zarnfxml_nousar_lee_arr_punterosST_ConPropiedadFija(
+    zarnfxml_t *xml, const char *etiqueta, const char *texto_propiedad,
+    const char16_t *dato_propiedad, func_lee_xml_item func);
+/* The callback's result if etiqueta comes next; null, without calling it, otherwise. */
+ZARN_API void *zarnfxml_nousar_lee_estructura_opcional(zarnfxml_t *xml, const char *etiqueta,
+                                                       func_lee_xml_item func);
+ZARN_API void *zarnfxml_nousar_lee_estructura_opcional_4extra(zarnfxml_t *xml,
+                                                              const char *etiqueta,
+                                                              func_lee_xml_item_4extra func,
+                                                              void *extra1, void *extra2,
+                                                              void *extra3, void *extra4);
+ZARN_API void *zarnfxml_nousar_lee_estructura_opcional_5extra(
+    zarnfxml_t *xml, const char *etiqueta, func_lee_xml_item_5extra func, void *extra1,
+    void *extra2, void *extra3, void *extra4, void *extra5);
+/* The series into a new ordered pointer array made with apunorde_nousar_crea(crea1, crea2,
+ * crea3). */
+ZARN_API ApunOrde zarnfxml_nousar_lee_apunorde_3extra(zarnfxml_t *xml, const char *etiqueta,
+                                                      func_lee_xml_item_3extra func, int64_t crea1,
+                                                      int64_t crea2, int64_t crea3, void *extra1,
+                                                      void *extra2, void *extra3);
+
 ZARN_END_DECLS
 
 /* The tree walk over a whole document. */

@@ -252,6 +252,117 @@ ZARN_API zybool zarnxml_existe_dato(const zarnxml_lectura_t *xml, const char *et
 
 /* ==== SEQUENTIAL READER (declarations follow) ==== */
 
+/* ---- Sequential reading over a tree ------------------------------------------------------------
+ *
+ * A zarnxml_lectura_t reads a loaded document with the calling order of the streaming reader
+ * (open a block, read its fields by tag, close it), but stands on a node of the tree instead of
+ * in a stream, so nothing is consumed: a read is a search among the children of the node where
+ * the reader stands, fields may be read in any order and twice, and what nobody asks for is
+ * passed over. What is absent gives a default: 0, FALSO or the empty text for a field, and a
+ * block that is not there still opens, on a blank node where every read gives its default; the
+ * matching zarnxml_lee_fin_bloque closes it. A field tag that stands twice among the children is
+ * the internal error "num_nodos_encontrados == 1"; repeats are read as arrays. Truth values are
+ * the tree's truth texts. A read before the first zarnxml_lee_inicio_bloque ends in
+ * "(nodo) != NULL". */
+
+/* The caller's function for one structure: it reads with the reader, which stands on the
+ * structure's node, and gives the caller's record. */
+typedef void *(*func_lee_xml)(zarnxml_lectura_t *xml);
+typedef void *(*func_lee_xml_1extra)(zarnxml_lectura_t *xml, void *extra);
+/* The caller's function for one structure read straight from its node. */
+typedef void *(*func_lee_nodo_xml)(const zarnxml_nodo_t *nodo);
+
+/* Loads the file as zarnxml_crea_de_fichero_u does (same arguments) and gives a reader over the
+ * tree, never null. After a document error the reader stands over a blank tree, so that every
+ * read gives its default; *hay_error and *mensaje_error tell of the error. */
+ZARN_API zarnxml_lectura_t *zarnxml_crea_para_lectura_de_fichero_u(const char16_t *nombre_fichero,
+                                                                   const char *texto_true,
+                                                                   const char *texto_false,
+                                                                   zybool *hay_error,
+                                                                   CADENA *mensaje_error);
+/* Ends the reader with its tree; clears *xml_lectura. */
+ZARN_API void zarnxml_destruye_xml_lectura(zarnxml_lectura_t **xml_lectura);
+
+/* Opens a block. Before the first open: the root, if its tag is etiqueta. Inside a block: the
+ * one child etiqueta. On a structure's node (see below): that node itself, if its tag is
+ * etiqueta. Otherwise the blank node. Tags compare with upper and lower case equal. */
+ZARN_API void zarnxml_lee_inicio_bloque(zarnxml_lectura_t *xml, const char *etiqueta);
+/* Closes the innermost open block, whatever its tag: "num_elems > 0" when none is open. */
+ZARN_API void zarnxml_lee_fin_bloque(zarnxml_lectura_t *xml);
+
+/* Field reads: the datum of the one child etiqueta, or the default when there is none. A datum
+ * that is neither truth text is "es_dato_bool == CIERTO" for zarnxml_lee_bool. */
+ZARN_API zybool zarnxml_lee_bool(zarnxml_lectura_t *xml, const char *etiqueta);
+ZARN_API zybool zarnxml_lee_bool_opcional(zarnxml_lectura_t *xml, const char *etiqueta,
+                                          zybool valor_defecto);
+ZARN_API int32_t zarnxml_lee_long(zarnxml_lectura_t *xml, const char *etiqueta);
+ZARN_API int32_t zarnxml_lee_long_opcional(zarnxml_lectura_t *xml, const char *etiqueta,
+                                           int32_t valor_defecto);
+ZARN_API uint32_t zarnxml_lee_ulong(zarnxml_lectura_t *xml, const char *etiqueta);
+/* The reverse of zarnfxml_graba_ulong_con_ulong_max_cero: 0 (and absence) give 0xFFFFFFFF, any
+ * other v gives v - 1. */
+ZARN_API uint32_t zarnxml_lee_ulong_con_ulong_max_cero(zarnxml_lectura_t *xml,
+                                                       const char *etiqueta);
+ZARN_API double zarnxml_lee_double(zarnxml_lectura_t *xml, const char *etiqueta);
+/* New strings for the caller; the empty text when absent. */
+ZARN_API CADENA zarnxml_lee_cadena(zarnxml_lectura_t *xml, const char *etiqueta);
+ZARN_API CADENA_u zarnxml_lee_cadena_u(zarnxml_lectura_t *xml, const char *etiqueta);
+
+/* Reads that answer whether the child is there. The out parameter may be null. When absent,
+ * *valor is not touched, while *dato becomes null. *dato receives a new string. */
+ZARN_API zybool zarnxml_se_lee_double(zarnxml_lectura_t *xml, const char *etiqueta, double *valor);
+ZARN_API zybool zarnxml_se_lee_cadena_u(zarnxml_lectura_t *xml, const char *etiqueta,
+                                        CADENA_u *dato);
+
+/* What zarnfxml_graba_arr_double_numerados wrote with that numbering
+ * (ZARNFXML_NUMERACION_ARRAY_*), as a new array; empty when it is not there. The numbers of the
+ * numbered forms are not read: the order of the elements is the order of the array. The reader
+ * stands where it stood afterwards. */
+ZARN_API ArrDouble zarnxml_lee_arr_double_numerados(zarnxml_lectura_t *xml, const char *etiqueta,
+                                                    int32_t tipo_numeracion_array);
+
+/* Structures read by the caller's function on the reader; exactly one of func_item and
+ * func_item_1extra is given ("func_lee_xml_1extra == NULL", "(func_lee_xml_1extra) != NULL").
+ * The reader stands on the structure's node while the function runs; a function that opens the
+ * block of that same tag opens that node again and must close it. A function that leaves a
+ * block open, or closes one too many, ends in "xml->nodo_actual == nodo". */
+
+/* The one child etiqueta, or null when it is not there. */
+ZARN_API void *zarnxml_nousar_lee_estructura(zarnxml_lectura_t *xml, const char *etiqueta,
+                                             func_lee_xml func_item,
+                                             func_lee_xml_1extra func_item_1extra, void *extra);
+/* Every child etiqueta, in document order, into a new array (empty when there is none). */
+ZARN_API ArrPuntero zarnxml_nousar_lee_arr_punterosST(zarnxml_lectura_t *xml, const char *etiqueta,
+                                                      func_lee_xml func_item,
+                                                      func_lee_xml_1extra func_lee_xml_1extra,
+                                                      void *extra);
+/* The children etiqueta whose first property texto_propiedad holds exactly dato_propiedad. */
+ZARN_API ArrPuntero zarnxml_nousar_lee_arr_punterosST_ConPropiedadFija(
+    zarnxml_lectura_t *xml, const char *etiqueta, const char *texto_propiedad,
+    const char16_t *dato_propiedad, func_lee_xml func_lee_xml_item);
+/* con_propiedad_fija CIERTO: the above with etiqueta_propiedad_fija; FALSO: every child
+ * etiqueta, whatever its properties. */
+ZARN_API ArrPuntero zarnxml_nousar_lee_arr_punterosST_ConPropiedadFija_Ex(
+    zarnxml_lectura_t *xml, const char *etiqueta, zybool con_propiedad_fija,
+    const char *etiqueta_propiedad_fija, const char *texto_propiedad,
+    const char16_t *dato_propiedad, func_lee_xml func_lee_xml_item);
+
+/* Structures read from a node, with no reader. */
+
+/* func of the one child etiqueta, or null when it is not there. */
+ZARN_API void *zarnxml_nousar_lee_dato_estructura(const zarnxml_nodo_t *nodo, const char *etiqueta,
+                                                  func_lee_nodo_xml func);
+/* func of every child etiqueta, in document order, into a new array. */
+ZARN_API ArrPuntero zarnxml_nousar_lee_dato_array_estructura(const zarnxml_nodo_t *nodo,
+                                                             const char *etiqueta,
+                                                             func_lee_nodo_xml func);
+/* What zarnfxml_nousar_graba_arr_punterosST_como_lista_elementos_1extra wrote inside the block
+ * etiqueta: func of every "item" of its "list" ("count" is not read). Empty when any of them is
+ * not there. */
+ZARN_API ArrPuntero zarnxml_nousar_lee_dato_array_estructura_como_lista(const zarnxml_nodo_t *nodo,
+                                                                        const char *etiqueta,
+                                                                        func_lee_nodo_xml func);
+
 ZARN_END_DECLS
 
 #endif

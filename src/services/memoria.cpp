@@ -18,9 +18,13 @@ void *asigna(size_t tamanyo) {
 }
 } // namespace
 
-char *reserva(size_t n) { return static_cast<char *>(asigna(n + 1)); }
+char *reserva(size_t n) {
+    return static_cast<char *>(asigna(n + 1));
+}
 
-char16_t *reserva_u(size_t n) { return static_cast<char16_t *>(asigna((n + 1) * sizeof(char16_t))); }
+char16_t *reserva_u(size_t n) {
+    return static_cast<char16_t *>(asigna((n + 1) * sizeof(char16_t)));
+}
 
 char *dup(std::string_view s) {
     char *p = reserva(s.size());
@@ -38,13 +42,17 @@ char16_t *dup_u(std::u16string_view s) {
     return p;
 }
 
-void libera(void *p) noexcept { std::free(p); }
+void libera(void *p) noexcept {
+    std::free(p);
+}
 
 } // namespace zarn
 
 extern "C" {
 
-ZARN_API void *zarnspy_nousar_malloc(size_t tamanyo) { return zarn::reserva(tamanyo); }
+ZARN_API void *zarnspy_nousar_malloc(size_t tamanyo) {
+    return zarn::reserva(tamanyo);
+}
 
 ZARN_API void *zarnspy_nousar_calloc(size_t num, size_t tamanyo) {
     void *p = std::calloc(num ? num : 1, tamanyo ? tamanyo : 1);

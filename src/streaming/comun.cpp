@@ -5,12 +5,10 @@
 
 using zarn::ORIGEN_STREAMING;
 
-std::unique_ptr<zarnfxml_conf_t> i_crea_conf(int32_t tipo_codificacion,
-                                             std::u16string_view texto_zybool_true,
-                                             std::u16string_view texto_zybool_false,
-                                             std::u16string_view separador_items,
-                                             zybool indenta_con_espacios,
-                                             uint32_t num_espacios_indentacion) {
+std::unique_ptr<zarnfxml_conf_t>
+i_crea_conf(int32_t tipo_codificacion, std::u16string_view texto_zybool_true,
+            std::u16string_view texto_zybool_false, std::u16string_view separador_items,
+            zybool indenta_con_espacios, uint32_t num_espacios_indentacion) {
     return std::make_unique<zarnfxml_conf_t>(
         tipo_codificacion, std::u16string(texto_zybool_true), std::u16string(texto_zybool_false),
         std::u16string(separador_items), indenta_con_espacios, num_espacios_indentacion);
@@ -51,14 +49,16 @@ const char16_t *i_texto_codificacion_u(int32_t tipo_codificacion) {
 void i_actualiza_tipo_codificacion(int32_t tipo, const char16_t *nombre,
                                    int32_t *tipo_codificacion) {
     ZARN_ASSERT_NO_NULL(tipo_codificacion, ORIGEN_STREAMING);
-    if (zarn::iguales_may_o_min(zarn::vista(nombre), std::u16string_view(i_texto_codificacion_u(tipo))))
+    if (zarn::iguales_may_o_min(zarn::vista(nombre),
+                                std::u16string_view(i_texto_codificacion_u(tipo))))
         *tipo_codificacion = tipo;
 }
 
 // ---- Property records ------------------------------------------------------------------------
 
 zarnfxml_propiedad_t *i_crea_propiedad(CADENA *texto_propiedad, CADENA_u *dato_propiedad) {
-    auto *p = static_cast<zarnfxml_propiedad_t *>(zarnspy_nousar_malloc(sizeof(zarnfxml_propiedad_t)));
+    auto *p =
+        static_cast<zarnfxml_propiedad_t *>(zarnspy_nousar_malloc(sizeof(zarnfxml_propiedad_t)));
     p->texto_propiedad = static_cast<CADENA>(
         zarnspy_nousar_asigna_doble_puntero_no_null(reinterpret_cast<void **>(texto_propiedad)));
     p->dato_propiedad = static_cast<CADENA_u>(
@@ -67,7 +67,8 @@ zarnfxml_propiedad_t *i_crea_propiedad(CADENA *texto_propiedad, CADENA_u *dato_p
 }
 
 zarnfxml_propiedad_t *i_crea_propiedad(std::string_view texto, std::u16string_view dato) {
-    auto *p = static_cast<zarnfxml_propiedad_t *>(zarnspy_nousar_malloc(sizeof(zarnfxml_propiedad_t)));
+    auto *p =
+        static_cast<zarnfxml_propiedad_t *>(zarnspy_nousar_malloc(sizeof(zarnfxml_propiedad_t)));
     p->texto_propiedad = zarn::dup(texto);
     p->dato_propiedad = zarn::dup_u(dato);
     return p;

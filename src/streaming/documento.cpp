@@ -19,8 +19,7 @@ ZARN_API void zarnfxml_concatena(zarnfxml_t *xml, zarnfxml_t *xml_anadir) {
     ZARN_ASSERT_NO_NULL(xml_anadir, ORIGEN_STREAMING);
     i_xml_escritura *anadir = I_ESCRITOR(xml_anadir);
     ZARN_ASSERT_TEXTO(anadir->etiquetas_abiertas.empty(),
-                      "arr_NumElemsCADENA(xml_anadir->etiquetas_abiertas) == 0",
-                      ORIGEN_STREAMING);
+                      "arr_NumElemsCADENA(xml_anadir->etiquetas_abiertas) == 0", ORIGEN_STREAMING);
     zarnfxml_concatena_codigo_xml(xml, anadir->lineas.get());
 }
 
@@ -62,5 +61,7 @@ ZARN_API zybool zarnfxml_tiene_datos(zarnfxml_t *xml) {
     return I_ESCRITOR(xml)->lineas->v.empty() ? FALSO : CIERTO;
 }
 
-ZARN_API ArrCADENA zarnfxml_lineas(zarnfxml_t *xml) { return I_ESCRITOR(xml)->lineas.get(); }
+ZARN_API ArrCADENA zarnfxml_lineas(zarnfxml_t *xml) {
+    return I_ESCRITOR(xml)->lineas.get();
+}
 }

@@ -23,7 +23,6 @@ void i_graba_texto_numero(zarnfxml_t *handle, const char *etiqueta, const std::s
     i_graba_campo(xml, etiqueta, texto);
 }
 
-
 } // namespace
 
 extern "C" {

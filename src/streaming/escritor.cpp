@@ -30,8 +30,8 @@ namespace {
 // then '>' give, since the entities that it makes are not looked at again.
 void i_reemplaza_entidades(std::string &out, size_t desde) {
     const auto es_especial = [](char c) { return c == '&' || c == '<' || c == '>'; };
-    auto primero = std::find_if(out.begin() + static_cast<std::ptrdiff_t>(desde), out.end(),
-                                es_especial);
+    auto primero =
+        std::find_if(out.begin() + static_cast<std::ptrdiff_t>(desde), out.end(), es_especial);
     if (primero == out.end())
         return;
     const size_t inicio = static_cast<size_t>(primero - out.begin());
@@ -233,7 +233,8 @@ ZARN_API zarnfxml_t *zarnfxml_crea_para_escritura_UTF_8_codificando_comillas_cad
     return i_crea_xml_escritura(i_CODIFICACION_UTF_8_COMILLAS, u"True", u"False", FALSO, 4);
 }
 
-ZARN_API zarnfxml_t *zarnfxml_crea_para_escritura_UTF_8_indenta_con_espacios(uint32_t num_espacios) {
+ZARN_API zarnfxml_t *
+zarnfxml_crea_para_escritura_UTF_8_indenta_con_espacios(uint32_t num_espacios) {
     return i_crea_xml_escritura(i_CODIFICACION_UTF_8, u"1", u"0", CIERTO, num_espacios);
 }
 

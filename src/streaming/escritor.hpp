@@ -82,4 +82,3 @@ void i_graba_linea_fin_bloque(i_xml_escritura *xml, std::string_view etiqueta);
 // The declaration line, made anew for each output.
 std::string i_linea_cabecera_xml(const i_xml_escritura *xml);
 void i_genera_fichero(zarnfxml_t *xml, const char16_t *nombre_fichero, bool crear);
-

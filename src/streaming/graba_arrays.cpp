@@ -5,7 +5,6 @@
 
 using zarn::ORIGEN_STREAMING;
 
-
 zybool i_con_lista_numeracion_array(int32_t tipo_numeracion_array) {
     switch (tipo_numeracion_array) {
     case i_NUMERACION_ARRAY_NINGUNA:
@@ -141,16 +140,15 @@ ZARN_API void zarnfxml_graba_arr_bool(zarnfxml_t *handle, const char *etiqueta, 
     });
 }
 
-ZARN_API void zarnfxml_graba_arr_ulong(zarnfxml_t *handle, const char *etiqueta,
-                                       ArrULong valores) {
+ZARN_API void zarnfxml_graba_arr_ulong(zarnfxml_t *handle, const char *etiqueta, ArrULong valores) {
     i_xml_escritura *xml = I_ESCRITOR_CON_CONF(handle);
     ZARN_ASSERT_NO_NULL(valores, ORIGEN_STREAMING);
     i_graba_en_una_linea(xml, etiqueta, {}, valores->v.size(),
                          [&](std::string &t, size_t i) { i_anade_numero(t, valores->v[i]); });
 }
 
-ZARN_API void zarnfxml_graba_arr_double(zarnfxml_t *handle, const char *etiqueta,
-                                        ArrDouble valores, uint32_t decimales) {
+ZARN_API void zarnfxml_graba_arr_double(zarnfxml_t *handle, const char *etiqueta, ArrDouble valores,
+                                        uint32_t decimales) {
     i_xml_escritura *xml = I_ESCRITOR_CON_CONF(handle);
     ZARN_ASSERT_NO_NULL(valores, ORIGEN_STREAMING);
     i_graba_en_una_linea(xml, etiqueta, {}, valores->v.size(), [&](std::string &t, size_t i) {
@@ -179,10 +177,9 @@ ZARN_API void zarnfxml_graba_arr_cadena_numerados(zarnfxml_t *handle, const char
     ZARN_ASSERT_NO_NULL(cadenas, ORIGEN_STREAMING);
     const int32_t numeracion = i_numeracion_de_cadenas(tipo_numeracion_array);
     const int32_t tipo = xml->conf->tipo_codificacion;
-    i_graba_lineas_array(xml, etiqueta, cadenas->v.size(), numeracion, propiedad_numero,
-                         [&](size_t i, std::string &t) {
-                             i_codifica(t, zarn::vista(cadenas->v[i]), tipo, false);
-                         });
+    i_graba_lineas_array(
+        xml, etiqueta, cadenas->v.size(), numeracion, propiedad_numero,
+        [&](size_t i, std::string &t) { i_codifica(t, zarn::vista(cadenas->v[i]), tipo, false); });
 }
 
 ZARN_API void zarnfxml_graba_arr_cadena_numerados_u(zarnfxml_t *handle, const char *etiqueta,
@@ -209,8 +206,8 @@ ZARN_API void zarnfxml_graba_arr_double_numerados(zarnfxml_t *handle, const char
         return;
     }
     ZARN_ASSERT_NO_NULL(valores, ORIGEN_STREAMING);
-    i_graba_lineas_array(xml, etiqueta, valores->v.size(), tipo_numeracion_array,
-                         propiedad_numero, [&](size_t i, std::string &t) {
+    i_graba_lineas_array(xml, etiqueta, valores->v.size(), tipo_numeracion_array, propiedad_numero,
+                         [&](size_t i, std::string &t) {
                              t += zarn::double_a_texto(valores->v[i], 145, decimales, true);
                          });
 }

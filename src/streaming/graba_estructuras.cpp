@@ -58,8 +58,8 @@ ZARN_API void zarnfxml_nousar_graba_estructura_opcional_con_etiqueta(zarnfxml_t 
 }
 
 ZARN_API void zarnfxml_nousar_graba_estructura_opcional_con_etiqueta_y_propiedad1(
-    zarnfxml_t *xml, const char *etiqueta, const char *texto_propiedad,
-    const char *dato_propiedad, const void *item, func_graba_xml_item func) {
+    zarnfxml_t *xml, const char *etiqueta, const char *texto_propiedad, const char *dato_propiedad,
+    const void *item, func_graba_xml_item func) {
     if (item == nullptr)
         return;
     i_graba_item_en_bloque(xml, item, func, [&] {
@@ -88,8 +88,8 @@ ZARN_API void zarnfxml_nousar_graba_estructura_opcional_con_etiqueta_y_propiedad
         return;
     i_graba_item_en_bloque(xml, item, func, [&] {
         zarnfxml_graba_inicio_bloque_propiedad3(xml, etiqueta, texto_propiedad1, dato_propiedad1,
-                                                texto_propiedad2, dato_propiedad2,
-                                                texto_propiedad3, dato_propiedad3);
+                                                texto_propiedad2, dato_propiedad2, texto_propiedad3,
+                                                dato_propiedad3);
     });
 }
 
@@ -137,8 +137,8 @@ ZARN_API void zarnfxml_nousar_graba_arr_punterosST_con_etiqueta(zarnfxml_t *xml,
 }
 
 ZARN_API void zarnfxml_nousar_graba_arr_punterosST_con_etiqueta_y_propiedad1(
-    zarnfxml_t *xml, const char *etiqueta, const char *texto_propiedad,
-    const char *dato_propiedad, ArrPuntero arr, func_graba_xml_item func) {
+    zarnfxml_t *xml, const char *etiqueta, const char *texto_propiedad, const char *dato_propiedad,
+    ArrPuntero arr, func_graba_xml_item func) {
     if (arr == nullptr)
         return;
     I_ASSERT_FUNC(func, FUNC_NO_NULL);

@@ -281,3 +281,34 @@ zybool i_existe_propiedad_con_dato(const i_propiedades_t &propiedades, const cha
 // Runs a reader to its end or to its first fault. On a fault gives FALSO and, if mensaje_error
 // is given, a new message there.
 zybool i_es_xml_correcto(i_xml_lectura *xml, const char *etiqueta_raiz, CADENA *mensaje_error);
+
+// ---- Navigation and field reads (navegacion.cpp, lecturas.cpp) -------------------------------
+
+// The look-ahead: whether the next piece, behind a declaration, has the type tipo1 or tipo2,
+// bears `etiqueta` (any tag when null) and, when texto_propiedad is given, has that property
+// with the value dato_propiedad (case ignored). The pieces taken are given back.
+zybool i_es_siguiente_pieza(i_xml_lectura *xml, int32_t tipo1, int32_t tipo2, const char *etiqueta,
+                            const char *texto_propiedad, const char16_t *dato_propiedad);
+// The plain look-ahead for a start tag, of a block or of a field.
+zybool i_es_siguiente_inicio_bloque(i_xml_lectura *xml, const char *etiqueta);
+// Reads a block start that bears `etiqueta`; "se_lee" form: only if it comes next.
+void i_lee_inicio_bloque(i_xml_lectura *xml, const char *etiqueta);
+zybool i_se_lee_inicio_bloque(i_xml_lectura *xml, const char *etiqueta);
+void i_lee_fin_bloque_con_comprobacion(i_xml_lectura *xml, const char *etiqueta);
+// The skip, with the path chosen by the caller: por_lineas searches the lines for the end tag
+// where that can be done, the other way reads and drops every piece inside the block.
+void i_salta_hasta_fin_bloque(i_xml_lectura *xml, uint32_t nivel_etiquetado_lineas_bloque,
+                              bool por_lineas);
+// Whether the environment variable XML_BLOQUE exists; looked up once per process.
+bool i_uso_xml_bloque();
+
+// The three ways to a field: the next record must be a field that bears `etiqueta`. The
+// admite_vacio form takes an element without a datum as a field with the empty text; the
+// si_existe form reads only if the tag comes next.
+void i_lee_campo(i_xml_lectura *xml, const char *etiqueta);
+void i_lee_campo_admite_vacio(i_xml_lectura *xml, const char *etiqueta);
+zybool i_lee_campo_si_existe(i_xml_lectura *xml, const char *etiqueta);
+// The datum of the current field.
+inline const std::u16string &i_dato_campo(const i_xml_lectura *xml) {
+    return i_dato_registro(xml->registro.get()).texto();
+}

@@ -141,13 +141,14 @@ ZARN_API void zarnfxml_graba_inicio_bloque_propiedad3(zarnfxml_t *xml, const cha
                                                       const char *texto1, const char *dato1,
                                                       const char *texto2, const char *dato2,
                                                       const char *texto3, const char *dato3) {
-    i_graba_con_propiedades_fijas<char>(
-        xml, etiqueta, {{texto1, dato1}, {texto2, dato2}, {texto3, dato3}}, true);
+    i_graba_con_propiedades_fijas<char>(xml, etiqueta,
+                                        {{texto1, dato1}, {texto2, dato2}, {texto3, dato3}}, true);
 }
 
-ZARN_API void zarnfxml_graba_inicio_bloque_propiedad3_u(
-    zarnfxml_t *xml, const char *etiqueta, const char *texto1, const char16_t *dato1,
-    const char *texto2, const char16_t *dato2, const char *texto3, const char16_t *dato3) {
+ZARN_API void zarnfxml_graba_inicio_bloque_propiedad3_u(zarnfxml_t *xml, const char *etiqueta,
+                                                        const char *texto1, const char16_t *dato1,
+                                                        const char *texto2, const char16_t *dato2,
+                                                        const char *texto3, const char16_t *dato3) {
     i_graba_con_propiedades_fijas<char16_t>(
         xml, etiqueta, {{texto1, dato1}, {texto2, dato2}, {texto3, dato3}}, true);
 }
@@ -163,11 +164,12 @@ ZARN_API void zarnfxml_graba_inicio_fin_bloque_propiedad2(zarnfxml_t *xml, const
     i_graba_con_propiedades_fijas<char>(xml, etiqueta, {{texto1, dato1}, {texto2, dato2}}, false);
 }
 
-ZARN_API void zarnfxml_graba_inicio_fin_bloque_propiedad3(
-    zarnfxml_t *xml, const char *etiqueta, const char *texto1, const char *dato1,
-    const char *texto2, const char *dato2, const char *texto3, const char *dato3) {
-    i_graba_con_propiedades_fijas<char>(
-        xml, etiqueta, {{texto1, dato1}, {texto2, dato2}, {texto3, dato3}}, false);
+ZARN_API void zarnfxml_graba_inicio_fin_bloque_propiedad3(zarnfxml_t *xml, const char *etiqueta,
+                                                          const char *texto1, const char *dato1,
+                                                          const char *texto2, const char *dato2,
+                                                          const char *texto3, const char *dato3) {
+    i_graba_con_propiedades_fijas<char>(xml, etiqueta,
+                                        {{texto1, dato1}, {texto2, dato2}, {texto3, dato3}}, false);
 }
 
 ZARN_API void zarnfxml_graba_inicio_bloque_propiedad1_ex(zarnfxml_t *xml, const char *etiqueta,

@@ -170,3 +170,8 @@ inline const char16_t *i_dato(const zarnxml_nodo_t *nodo) {
 bool i_es_dato_bool(const char16_t *dato, const zarnxml_configuracion_t *conf, zybool *valor);
 ArrDouble_s *i_lista_double(std::u16string_view texto, std::u16string_view separadores);
 ArrULong_s *i_lista_ulong(std::u16string_view texto, std::u16string_view separadores);
+
+// ---- Sequential reading ----------------------------------------------------------------------
+
+// A reader over a whole tree, which it takes over: *xml_raiz is cleared.
+zarnxml_lectura_t *i_crea_lectura_de_arbol(zarnxml_nodo_t **xml_raiz);
