@@ -3,10 +3,16 @@
 //   comparacion suelo FILE         the floor: read the file and count '<' with memchr
 //   comparacion check FILE         zarnfxml_es_fichero_xml_correcto
 //   comparacion expat FILE         expat XML_Parse in 1 MiB chunks, no handlers
-//   comparacion arbol FILE         zarnxml_crea_de_fichero_u, then destroy
+//   comparacion arbol FILE         zarnxml_crea_de_fichero_u, every record's fields read
+//   comparacion pugixml FILE       pugixml load_file and the same visits
+//   comparacion tinyxml2 FILE      tinyxml2 LoadFile and the same visits
 #include <zarnxml/zarnxml.h>
 
 #include <expat.h>
+#include <pugixml.hpp>
+#include <tinyxml2.h>
+
+#include <cstdlib>
 
 #include <chrono>
 #include <cstdio>
@@ -98,13 +104,75 @@ int expat(const char *ruta) {
     return ok ? 0 : 1;
 }
 
+// Every record's fields through the typed accessors; the sum keeps the work from vanishing.
 int arbol(const char *ruta) {
     zybool hay_error = FALSO;
     zarnxml_nodo_t *raiz =
         zarnxml_crea_de_fichero_u(ancho(ruta).c_str(), "1", "0", &hay_error, nullptr);
-    std::printf("tree: %s\n", hay_error == CIERTO ? "error" : "ok");
+    double suma = 0;
+    size_t letras = 0;
+    const uint32_t n = zarnxml_num_nodos_hijos(raiz);
+    for (uint32_t i = 0; i < n; ++i) {
+        const zarnxml_nodo_t *r = zarnxml_nodo_hijo(raiz, i);
+        letras += std::char_traits<char16_t>::length(zarnxml_get_dato_hijo_cadena(r, "nombre"));
+        suma += zarnxml_get_dato_hijo_double(r, "importe");
+        suma += zarnxml_get_dato_hijo_bool(r, "activo");
+        const zarnxml_nodo_t *pos = nullptr;
+        if (zarnxml_existe_nodo(r, "posicion", &pos) == CIERTO)
+            suma += zarnxml_get_dato_hijo_double(pos, "x") + zarnxml_get_dato_hijo_double(pos, "y");
+        letras += std::char_traits<char16_t>::length(zarnxml_get_dato_hijo_cadena(r, "nota"));
+    }
+    std::printf("tree: %s %u records %.1f %zu\n", hay_error == CIERTO ? "error" : "ok", n, suma,
+                letras);
     zarnxml_destruye(&raiz);
     return hay_error == CIERTO ? 1 : 0;
+}
+
+int con_pugixml(const char *ruta) {
+    pugi::xml_document doc;
+    const bool ok = doc.load_file(ruta);
+    double suma = 0;
+    size_t letras = 0, n = 0;
+    for (pugi::xml_node r : doc.child("raiz").children("registro")) {
+        ++n;
+        letras += std::strlen(r.child_value("nombre"));
+        suma += std::strtod(r.child_value("importe"), nullptr);
+        suma += std::strcmp(r.child_value("activo"), "1") == 0;
+        pugi::xml_node pos = r.child("posicion");
+        suma +=
+            std::strtod(pos.child_value("x"), nullptr) + std::strtod(pos.child_value("y"), nullptr);
+        letras += std::strlen(r.child_value("nota"));
+    }
+    std::printf("pugixml: %s %zu records %.1f %zu\n", ok ? "ok" : "error", n, suma, letras);
+    return ok ? 0 : 1;
+}
+
+const char *texto_de(const tinyxml2::XMLElement *e, const char *hijo) {
+    const tinyxml2::XMLElement *h = e->FirstChildElement(hijo);
+    const char *t = h ? h->GetText() : nullptr;
+    return t ? t : "";
+}
+
+int tiny(const char *ruta) {
+    tinyxml2::XMLDocument doc;
+    const bool ok = doc.LoadFile(ruta) == tinyxml2::XML_SUCCESS;
+    double suma = 0;
+    size_t letras = 0, n = 0;
+    const tinyxml2::XMLElement *raiz = doc.FirstChildElement("raiz");
+    for (const tinyxml2::XMLElement *r = raiz ? raiz->FirstChildElement("registro") : nullptr; r;
+         r = r->NextSiblingElement("registro")) {
+        ++n;
+        letras += std::strlen(texto_de(r, "nombre"));
+        suma += std::strtod(texto_de(r, "importe"), nullptr);
+        suma += std::strcmp(texto_de(r, "activo"), "1") == 0;
+        const tinyxml2::XMLElement *pos = r->FirstChildElement("posicion");
+        if (pos)
+            suma +=
+                std::strtod(texto_de(pos, "x"), nullptr) + std::strtod(texto_de(pos, "y"), nullptr);
+        letras += std::strlen(texto_de(r, "nota"));
+    }
+    std::printf("tinyxml2: %s %zu records %.1f %zu\n", ok ? "ok" : "error", n, suma, letras);
+    return ok ? 0 : 1;
 }
 
 } // namespace
@@ -127,6 +195,10 @@ int main(int argc, char **argv) {
         r = expat(argv[2]);
     else if (modo == "arbol")
         r = arbol(argv[2]);
+    else if (modo == "pugixml")
+        r = con_pugixml(argv[2]);
+    else if (modo == "tinyxml2")
+        r = tiny(argv[2]);
     std::fprintf(stderr, "%s: %.3f s\n", modo.c_str(),
                  std::chrono::duration<double>(std::chrono::steady_clock::now() - inicio).count());
     return r;

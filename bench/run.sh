@@ -13,7 +13,7 @@ doc=$out/doc100.xml
 [ -f "$doc" ] || "$b/comparacion" genera "$doc" 100
 size=$(stat -c %s "$doc")
 echo "== document: $doc ($size bytes)"
-for caso in suelo check expat arbol; do
+for caso in suelo check expat arbol pugixml tinyxml2; do
   "$b/comparacion" "$caso" "$doc" >/dev/null 2>&1 || true   # warm the page cache
   times=(); rss=0
   for i in 1 2 3; do
