@@ -1,5 +1,5 @@
 // The writer's arrays, structures over callbacks, and document assembly.
-#include "soporte.hpp"
+#include "escritor_soporte.hpp"
 
 #include <zarnxml/zarnfxml.h>
 
@@ -8,38 +8,7 @@
 #include <utility>
 #include <vector>
 
-// The condition text of the internal error that the statement ends in.
-#define COND(...) condicion_de([&] { __VA_ARGS__; })
-
 namespace {
-
-using Perfil = zarnfxml_t *(*)();
-constexpr Perfil ISO = zarnfxml_crea_para_escritura_ISO_8859_1;
-constexpr Perfil UTF8 = zarnfxml_crea_para_escritura_UTF_8;
-constexpr Perfil AS = zarnfxml_crea_para_escritura_UTF_8_androidstudio;
-zarnfxml_t *espacios2() {
-    return zarnfxml_crea_para_escritura_UTF_8_indenta_con_espacios(2);
-}
-
-// A writer destroyed at the end of the scope, also when an internal error unwinds.
-struct Escritor {
-    zarnfxml_t *x;
-    explicit Escritor(Perfil p = UTF8) : x(p()) {}
-    ~Escritor() { zarnfxml_destruye_xml_escritura(&x); }
-    operator zarnfxml_t *() const { return x; }
-};
-
-std::string texto_de(zarnfxml_t *xml, zybool cabecera = FALSO) {
-    std::unique_ptr<char, decltype(&free)> c(zarnfxml_xml_escritura_a_char(xml, cabecera), free);
-    return c.get();
-}
-
-// The text, with no declaration, that f(writer) leaves in a fresh writer of profile p.
-template <typename F> std::string escribe(Perfil p, F &&f) {
-    Escritor e(p);
-    f(e.x);
-    return texto_de(e);
-}
 
 std::string une(const std::vector<std::string> &lineas) {
     std::string r;
