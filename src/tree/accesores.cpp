@@ -114,6 +114,17 @@ ArrULong_s *i_lista_ulong(std::u16string_view texto, std::u16string_view separad
     return lista.release();
 }
 
+// CIERTO and *valor = lee(child) if the one child etiqueta is there (valor may be null).
+template <typename T, typename Lee>
+zybool i_existe_dato_hijo(const zarnxml_nodo_t *nodo, const char *etiqueta, T *valor, Lee &&lee) {
+    const zarnxml_nodo_t *hijo = hijo_opcional(nodo, etiqueta);
+    if (!hijo)
+        return FALSO;
+    if (valor)
+        *valor = lee(hijo);
+    return CIERTO;
+}
+
 extern "C" {
 
 // ---- The node's own datum --------------------------------------------------------------------
@@ -261,52 +272,36 @@ ZARN_API fichmem *zarnxml_get_dato_hijo_fichmem(const zarnxml_nodo_t *nodo, cons
 
 ZARN_API zybool zarnxml_existe_dato_hijo_cadena(const zarnxml_nodo_t *nodo, const char *etiqueta,
                                                 const char16_t **valor) {
-    const zarnxml_nodo_t *hijo = hijo_opcional(nodo, etiqueta);
-    if (!hijo)
-        return FALSO;
-    if (valor)
-        *valor = hijo->dato();
-    return CIERTO;
+    return i_existe_dato_hijo(nodo, etiqueta, valor,
+                              [](const zarnxml_nodo_t *hijo) { return hijo->dato(); });
 }
 
 ZARN_API zybool zarnxml_existe_dato_hijo_long(const zarnxml_nodo_t *nodo, const char *etiqueta,
                                               int32_t *valor) {
-    const zarnxml_nodo_t *hijo = hijo_opcional(nodo, etiqueta);
-    if (!hijo)
-        return FALSO;
-    if (valor)
-        *valor = *i_dato(hijo) ? zarnfxml_atol_u(i_dato(hijo)) : LONG_VACIO;
-    return CIERTO;
+    return i_existe_dato_hijo(nodo, etiqueta, valor, [](const zarnxml_nodo_t *hijo) {
+        return *i_dato(hijo) ? zarnfxml_atol_u(i_dato(hijo)) : LONG_VACIO;
+    });
 }
 
 ZARN_API zybool zarnxml_existe_dato_hijo_ulong(const zarnxml_nodo_t *nodo, const char *etiqueta,
                                                uint32_t *valor) {
-    const zarnxml_nodo_t *hijo = hijo_opcional(nodo, etiqueta);
-    if (!hijo)
-        return FALSO;
-    if (valor)
-        *valor = *i_dato(hijo) ? zarnfxml_atoul_u(i_dato(hijo)) : ULONG_VACIO;
-    return CIERTO;
+    return i_existe_dato_hijo(nodo, etiqueta, valor, [](const zarnxml_nodo_t *hijo) {
+        return *i_dato(hijo) ? zarnfxml_atoul_u(i_dato(hijo)) : ULONG_VACIO;
+    });
 }
 
 ZARN_API zybool zarnxml_existe_dato_hijo_ushort(const zarnxml_nodo_t *nodo, const char *etiqueta,
                                                 uint16_t *valor) {
-    const zarnxml_nodo_t *hijo = hijo_opcional(nodo, etiqueta);
-    if (!hijo)
-        return FALSO;
-    if (valor)
-        *valor = *i_dato(hijo) ? zarnfxml_atous_u(i_dato(hijo)) : USHORT_VACIO;
-    return CIERTO;
+    return i_existe_dato_hijo(nodo, etiqueta, valor, [](const zarnxml_nodo_t *hijo) {
+        return *i_dato(hijo) ? zarnfxml_atous_u(i_dato(hijo)) : USHORT_VACIO;
+    });
 }
 
 ZARN_API zybool zarnxml_existe_dato_hijo_double(const zarnxml_nodo_t *nodo, const char *etiqueta,
                                                 double *valor) {
-    const zarnxml_nodo_t *hijo = hijo_opcional(nodo, etiqueta);
-    if (!hijo)
-        return FALSO;
-    if (valor)
-        *valor = zarnfxml_atof_u(i_dato(hijo));
-    return CIERTO;
+    return i_existe_dato_hijo(nodo, etiqueta, valor, [](const zarnxml_nodo_t *hijo) {
+        return zarnfxml_atof_u(i_dato(hijo));
+    });
 }
 
 ZARN_API zybool zarnxml_existe_dato_hijo_fecha(const zarnxml_nodo_t *nodo, const char *etiqueta,
