@@ -391,8 +391,9 @@ ZARN_API uint16_t zarnfxml_atous_u(const char16_t *texto);
 
 /* Reads a block start that bears etiqueta. */
 ZARN_API void zarnfxml_lee_inicio_bloque(zarnfxml_t *xml, const char *etiqueta);
-ZARN_API void zarnfxml_lee_inicio_bloque_con_nivel_etiquetado(
-    zarnfxml_t *xml, const char *etiqueta, uint32_t *nivel_etiquetado_lineas_bloque);
+ZARN_API void
+zarnfxml_lee_inicio_bloque_con_nivel_etiquetado(zarnfxml_t *xml, const char *etiqueta,
+                                                uint32_t *nivel_etiquetado_lineas_bloque);
 /* Any tag; *etiqueta (if etiqueta is not null) receives a new copy of it. */
 ZARN_API void zarnfxml_lee_inicio_bloque_desconocido(zarnfxml_t *xml, CADENA *etiqueta);
 /* Open the block if a start tag etiqueta comes next; FALSO (nothing read) otherwise. A field
@@ -424,8 +425,9 @@ ZARN_API void zarnfxml_salta_etiqueta(zarnfxml_t *xml, const char *etiqueta);
 ZARN_API void zarnfxml_salta_etiqueta_si_existe(zarnfxml_t *xml, const char *etiqueta);
 /* Skips sibling blocks until the block etiqueta has been opened; only blocks may stand before
  * it. nivel_etiquetado_lineas_bloque may be null. */
-ZARN_API void zarnfxml_salta_hasta_etiqueta_y_lee_inicio_bloque(
-    zarnfxml_t *xml, const char *etiqueta, uint32_t *nivel_etiquetado_lineas_bloque);
+ZARN_API void
+zarnfxml_salta_hasta_etiqueta_y_lee_inicio_bloque(zarnfxml_t *xml, const char *etiqueta,
+                                                  uint32_t *nivel_etiquetado_lineas_bloque);
 
 /* The generic step for a document of unknown shape. An element without a datum is a field
  * with the empty text; definitions are passed over. Gives FALSO at the end of the text or on an
@@ -549,28 +551,30 @@ ZARN_API void *zarnfxml_nousar_get_item_asociado_lectura(zarnfxml_t *xml);
  * the series has no block of its own. The results, in order, in a new ArrPuntero. */
 ZARN_API ArrPuntero zarnfxml_nousar_lee_arr_punterosST(zarnfxml_t *xml, const char *etiqueta,
                                                        func_lee_xml_item func);
-ZARN_API ArrPuntero zarnfxml_nousar_lee_arr_punterosST_1extra(zarnfxml_t *xml,
-                                                              const char *etiqueta,
+ZARN_API ArrPuntero zarnfxml_nousar_lee_arr_punterosST_1extra(zarnfxml_t *xml, const char *etiqueta,
                                                               func_lee_xml_item_1extra func,
                                                               void *extra1);
-ZARN_API ArrPuntero zarnfxml_nousar_lee_arr_punterosST_2extra(zarnfxml_t *xml,
-                                                              const char *etiqueta,
+ZARN_API ArrPuntero zarnfxml_nousar_lee_arr_punterosST_2extra(zarnfxml_t *xml, const char *etiqueta,
                                                               func_lee_xml_item_2extra func,
                                                               void *extra1, void *extra2);
-ZARN_API ArrPuntero zarnfxml_nousar_lee_arr_punterosST_3extra(zarnfxml_t *xml,
-                                                              const char *etiqueta,
+ZARN_API ArrPuntero zarnfxml_nousar_lee_arr_punterosST_3extra(zarnfxml_t *xml, const char *etiqueta,
                                                               func_lee_xml_item_3extra func,
                                                               void *extra1, void *extra2,
                                                               void *extra3);
-ZARN_API ArrPuntero zarnfxml_nousar_lee_arr_punterosST_4extra(
-    zarnfxml_t *xml, const char *etiqueta, func_lee_xml_item_4extra func, void *extra1,
-    void *extra2, void *extra3, void *extra4);
-ZARN_API ArrPuntero zarnfxml_nousar_lee_arr_punterosST_5extra(
-    zarnfxml_t *xml, const char *etiqueta, func_lee_xml_item_5extra func, void *extra1,
-    void *extra2, void *extra3, void *extra4, void *extra5);
-ZARN_API ArrPuntero zarnfxml_nousar_lee_arr_punterosST_6extra(
-    zarnfxml_t *xml, const char *etiqueta, func_lee_xml_item_6extra func, void *extra1,
-    void *extra2, void *extra3, void *extra4, void *extra5, void *extra6);
+ZARN_API ArrPuntero zarnfxml_nousar_lee_arr_punterosST_4extra(zarnfxml_t *xml, const char *etiqueta,
+                                                              func_lee_xml_item_4extra func,
+                                                              void *extra1, void *extra2,
+                                                              void *extra3, void *extra4);
+ZARN_API ArrPuntero zarnfxml_nousar_lee_arr_punterosST_5extra(zarnfxml_t *xml, const char *etiqueta,
+                                                              func_lee_xml_item_5extra func,
+                                                              void *extra1, void *extra2,
+                                                              void *extra3, void *extra4,
+                                                              void *extra5);
+ZARN_API ArrPuntero zarnfxml_nousar_lee_arr_punterosST_6extra(zarnfxml_t *xml, const char *etiqueta,
+                                                              func_lee_xml_item_6extra func,
+                                                              void *extra1, void *extra2,
+                                                              void *extra3, void *extra4,
+                                                              void *extra5, void *extra6);
 /* The series goes on only while the next start tag etiqueta has the property texto_propiedad
  * with the value dato_propiedad (upper and lower case equal). */
 ZARN_API ArrPuntero zarnfxml_nousar_lee_arr_punterosST_ConPropiedadFija(
@@ -579,14 +583,15 @@ ZARN_API ArrPuntero zarnfxml_nousar_lee_arr_punterosST_ConPropiedadFija(
 /* The callback's result if etiqueta comes next; null, without calling it, otherwise. */
 ZARN_API void *zarnfxml_nousar_lee_estructura_opcional(zarnfxml_t *xml, const char *etiqueta,
                                                        func_lee_xml_item func);
-ZARN_API void *zarnfxml_nousar_lee_estructura_opcional_4extra(zarnfxml_t *xml,
-                                                              const char *etiqueta,
+ZARN_API void *zarnfxml_nousar_lee_estructura_opcional_4extra(zarnfxml_t *xml, const char *etiqueta,
                                                               func_lee_xml_item_4extra func,
                                                               void *extra1, void *extra2,
                                                               void *extra3, void *extra4);
-ZARN_API void *zarnfxml_nousar_lee_estructura_opcional_5extra(
-    zarnfxml_t *xml, const char *etiqueta, func_lee_xml_item_5extra func, void *extra1,
-    void *extra2, void *extra3, void *extra4, void *extra5);
+ZARN_API void *zarnfxml_nousar_lee_estructura_opcional_5extra(zarnfxml_t *xml, const char *etiqueta,
+                                                              func_lee_xml_item_5extra func,
+                                                              void *extra1, void *extra2,
+                                                              void *extra3, void *extra4,
+                                                              void *extra5);
 /* The series into a new ordered pointer array made with apunorde_nousar_crea(crea1, crea2,
  * crea3). */
 ZARN_API ApunOrde zarnfxml_nousar_lee_apunorde_3extra(zarnfxml_t *xml, const char *etiqueta,

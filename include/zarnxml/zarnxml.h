@@ -334,18 +334,18 @@ ZARN_API void *zarnxml_nousar_lee_estructura(zarnxml_lectura_t *xml, const char 
 /* Every child etiqueta, in document order, into a new array (empty when there is none). */
 ZARN_API ArrPuntero zarnxml_nousar_lee_arr_punterosST(zarnxml_lectura_t *xml, const char *etiqueta,
                                                       func_lee_xml func_item,
-                                                      func_lee_xml_1extra func_lee_xml_1extra,
+                                                      func_lee_xml_1extra func_item_1extra,
                                                       void *extra);
 /* The children etiqueta whose first property texto_propiedad holds exactly dato_propiedad. */
 ZARN_API ArrPuntero zarnxml_nousar_lee_arr_punterosST_ConPropiedadFija(
     zarnxml_lectura_t *xml, const char *etiqueta, const char *texto_propiedad,
-    const char16_t *dato_propiedad, func_lee_xml func_lee_xml_item);
+    const char16_t *dato_propiedad, func_lee_xml func_item);
 /* con_propiedad_fija CIERTO: the above with etiqueta_propiedad_fija; FALSO: every child
  * etiqueta, whatever its properties. */
 ZARN_API ArrPuntero zarnxml_nousar_lee_arr_punterosST_ConPropiedadFija_Ex(
     zarnxml_lectura_t *xml, const char *etiqueta, zybool con_propiedad_fija,
     const char *etiqueta_propiedad_fija, const char *texto_propiedad,
-    const char16_t *dato_propiedad, func_lee_xml func_lee_xml_item);
+    const char16_t *dato_propiedad, func_lee_xml func_item);
 
 /* Structures read from a node, with no reader. */
 

@@ -312,3 +312,17 @@ zybool i_lee_campo_si_existe(i_xml_lectura *xml, const char *etiqueta);
 inline const std::u16string &i_dato_campo(const i_xml_lectura *xml) {
     return i_dato_registro(xml->registro.get()).texto();
 }
+
+// ---- Arrays being read (lee_arrays.cpp, lee_estructuras.cpp) ---------------------------------
+
+// An array under construction, freed if a read inside ends in an internal error; release() hands
+// it to the caller. Pointer arrays are freed without their elements, which are the caller's.
+struct i_destruye_arr {
+    void operator()(ArrCADENA_s *a) const { arr_DestruyeCADENA(&a); }
+    void operator()(ArrCADENA_u_s *a) const { arr_DestruyeCADENA_u(&a); }
+    void operator()(ArrDouble_s *a) const { arr_DestruyeDouble(&a); }
+    void operator()(ArrPunto2D_s *a) const { arr_DestruyePunto2D(&a); }
+    void operator()(ArrPuntero_s *a) const { arr_DestruyeEstructurasConstConTipo(&a); }
+    void operator()(ApunOrde_s *a) const { apunorde_destruye(&a, nullptr); }
+};
+template <typename A> using i_arr_propio = std::unique_ptr<A, i_destruye_arr>;

@@ -1,0 +1,168 @@
+// Typed field reads: one field by its tag, its datum turned into the caller's type. Also the
+// tolerant truth test and the reading of a whole file into a string.
+#include "streaming/lector.hpp"
+
+using zarn::ORIGEN_STREAMING;
+
+namespace {
+
+void i_lee_campo_con(i_xml_lectura *xml, const char *etiqueta, zybool admite_campo_vacio) {
+    const int32_t tipo_registro = i_lee_registro(xml, admite_campo_vacio);
+    ZARN_ASSERT_TEXTO(tipo_registro == i_REGISTRO_CAMPO, "tipo_registro == i_REGISTRO_CAMPO",
+                      ORIGEN_STREAMING);
+    const zybool es_etiqueta_igual = i_es_etiqueta_registro_igual(xml, etiqueta);
+    ZARN_ASSERT_TEXTO(es_etiqueta_igual == CIERTO, "es_etiqueta_igual == CIERTO", ORIGEN_STREAMING);
+}
+
+// The strict truth read: the datum is one of the reader's two truth texts, case ignored.
+zybool i_dato_registro_a_bool(const i_xml_lectura *xml) {
+    const std::u16string_view dato = i_dato_campo(xml);
+    if (zarn::iguales_may_o_min(dato, std::u16string_view(xml->conf->texto_zybool_true)))
+        return CIERTO;
+    ZARN_ASSERT_TEXTO(
+        zarn::iguales_may_o_min(dato, std::u16string_view(xml->conf->texto_zybool_false)),
+        "widestr_cadenas_iguales_may_o_min(dato, xml->conf->texto_zybool_false) == CIERTO",
+        ORIGEN_STREAMING);
+    return FALSO;
+}
+
+int32_t i_dato_a_long(const i_xml_lectura *xml) {
+    return widestr_nousar_atol(i_dato_campo(xml).c_str(), ORIGEN_STREAMING, __LINE__);
+}
+
+uint32_t i_dato_a_ulong(const i_xml_lectura *xml) {
+    return cambtipo_double_a_ulong(zarnfxml_atof_u(i_dato_campo(xml).c_str()));
+}
+
+double i_dato_a_double(const i_xml_lectura *xml) {
+    return zarnfxml_atof_u(i_dato_campo(xml).c_str());
+}
+
+// A file opened for reading, closed at the end of the scope however the scope ends.
+struct i_fichero_lectura {
+    zarnio_fichero_t *f;
+    explicit i_fichero_lectura(const char16_t *nombre)
+        : f(f_lc_fopen_u(nombre, u"rb", ORIGEN_STREAMING, __LINE__)) {}
+    ~i_fichero_lectura() {
+        if (f)
+            lc_fclose(&f);
+    }
+    i_fichero_lectura(const i_fichero_lectura &) = delete;
+    i_fichero_lectura &operator=(const i_fichero_lectura &) = delete;
+};
+
+} // namespace
+
+void i_lee_campo(i_xml_lectura *xml, const char *etiqueta) {
+    i_lee_campo_con(xml, etiqueta, FALSO);
+}
+
+void i_lee_campo_admite_vacio(i_xml_lectura *xml, const char *etiqueta) {
+    i_lee_campo_con(xml, etiqueta, CIERTO);
+}
+
+zybool i_lee_campo_si_existe(i_xml_lectura *xml, const char *etiqueta) {
+    if (!i_es_siguiente_inicio_bloque(xml, etiqueta))
+        return FALSO;
+    i_lee_campo(xml, etiqueta);
+    return CIERTO;
+}
+
+extern "C" {
+
+ZARN_API zybool zarnfxml_lee_bool(zarnfxml_t *xml, const char *etiqueta) {
+    i_xml_lectura *x = I_LECTOR(xml);
+    i_lee_campo(x, etiqueta);
+    return i_dato_registro_a_bool(x);
+}
+
+ZARN_API zybool zarnfxml_lee_bool_opcional(zarnfxml_t *xml, const char *etiqueta) {
+    i_xml_lectura *x = I_LECTOR(xml);
+    return i_lee_campo_si_existe(x, etiqueta) ? i_dato_registro_a_bool(x) : FALSO;
+}
+
+ZARN_API int32_t zarnfxml_lee_long(zarnfxml_t *xml, const char *etiqueta) {
+    i_xml_lectura *x = I_LECTOR(xml);
+    i_lee_campo(x, etiqueta);
+    return i_dato_a_long(x);
+}
+
+ZARN_API int32_t zarnfxml_lee_long_opcional(zarnfxml_t *xml, const char *etiqueta,
+                                            int32_t valor_defecto) {
+    i_xml_lectura *x = I_LECTOR(xml);
+    return i_lee_campo_si_existe(x, etiqueta) ? i_dato_a_long(x) : valor_defecto;
+}
+
+ZARN_API uint32_t zarnfxml_lee_ulong(zarnfxml_t *xml, const char *etiqueta) {
+    i_xml_lectura *x = I_LECTOR(xml);
+    i_lee_campo(x, etiqueta);
+    return i_dato_a_ulong(x);
+}
+
+ZARN_API uint32_t zarnfxml_lee_ulong_opcional(zarnfxml_t *xml, const char *etiqueta) {
+    i_xml_lectura *x = I_LECTOR(xml);
+    return i_lee_campo_si_existe(x, etiqueta) ? i_dato_a_ulong(x) : 0;
+}
+
+ZARN_API uint32_t zarnfxml_lee_ulong_con_ulong_max_cero(zarnfxml_t *xml, const char *etiqueta) {
+    const uint32_t v = zarnfxml_lee_ulong(xml, etiqueta);
+    return v == 0 ? 0xFFFFFFFFu : v - 1;
+}
+
+ZARN_API double zarnfxml_lee_double(zarnfxml_t *xml, const char *etiqueta) {
+    i_xml_lectura *x = I_LECTOR(xml);
+    i_lee_campo(x, etiqueta);
+    return i_dato_a_double(x);
+}
+
+ZARN_API double zarnfxml_lee_double_opcional(zarnfxml_t *xml, const char *etiqueta) {
+    i_xml_lectura *x = I_LECTOR(xml);
+    return i_lee_campo_si_existe(x, etiqueta) ? i_dato_a_double(x) : 0.0;
+}
+
+ZARN_API CADENA zarnfxml_lee_cadena(zarnfxml_t *xml, const char *etiqueta) {
+    i_xml_lectura *x = I_LECTOR(xml);
+    i_lee_campo_admite_vacio(x, etiqueta);
+    return zarn::dup_utf8(i_dato_campo(x));
+}
+
+ZARN_API CADENA_u zarnfxml_lee_cadena_u(zarnfxml_t *xml, const char *etiqueta) {
+    i_xml_lectura *x = I_LECTOR(xml);
+    i_lee_campo_admite_vacio(x, etiqueta);
+    return zarn::dup_u(i_dato_campo(x));
+}
+
+ZARN_API int64_t zarnfxml_lee_fecha(zarnfxml_t *xml, const char *etiqueta) {
+    return cambtipo_long_a_time_t(zarnfxml_lee_long(xml, etiqueta));
+}
+
+ZARN_API zybool zarnfxml_salta_registro_campo(zarnfxml_t *xml, const char *etiqueta) {
+    return i_lee_campo_si_existe(I_LECTOR(xml), etiqueta);
+}
+
+ZARN_API zybool zarnfxml_bool(zarnfxml_t *xml_in, const char16_t *texto) {
+    ZARN_ASSERT_NO_NULL(xml_in, ORIGEN_STREAMING);
+    const i_xml_lectura *x = I_LECTOR(xml_in);
+    ZARN_ASSERT_TEXTO(x->conf != nullptr, "(xml_in->conf) != NULL", ORIGEN_STREAMING);
+    ZARN_ASSERT_NO_NULL(texto, ORIGEN_STREAMING);
+    const std::u16string_view t(texto);
+    for (const std::u16string_view verdad :
+         {std::u16string_view(x->conf->texto_zybool_true), std::u16string_view(u"1"),
+          std::u16string_view(u"true"), std::u16string_view(u"yes")})
+        if (zarn::iguales_may_o_min(t, verdad))
+            return CIERTO;
+    return FALSO;
+}
+
+ZARN_API CADENA zarnfxml_lee_fichero_xml_string(const char16_t *nombre_fichero) {
+    ZARN_ASSERT_NO_NULL(nombre_fichero, ORIGEN_STREAMING);
+    i_fichero_lectura fichero(nombre_fichero);
+    const auto tamanyo = static_cast<uint64_t>(lc_tamanyo_fichero(fichero.f));
+    std::unique_ptr<char, void (*)(void *)> bloque(creacadena(tamanyo), zarn::libera);
+    bloque.get()[tamanyo] = '\0';
+    if (tamanyo != 0)
+        f_lc_fread_sin_error(bloque.get(), tamanyo, 1, fichero.f);
+    return bloque.release();
+}
+
+} // extern "C"

@@ -1,0 +1,150 @@
+// Structure readers: the caller's structures, read by a function of the caller for each element
+// of a series of siblings, or for one optional element. Also the reader's context pointer.
+#include "streaming/lector.hpp"
+
+using zarn::ORIGEN_STREAMING;
+
+namespace {
+
+#define I_ASSERT_FUNC(func, texto) ZARN_ASSERT_TEXTO((func) != nullptr, texto, ORIGEN_STREAMING)
+constexpr const char *FUNC_NO_NULL = "(func_lee_xml_item) != NULL";
+
+zybool i_sigue_elemento(i_xml_lectura *xml, const char *etiqueta, const char *texto_propiedad,
+                        const char16_t *dato_propiedad) {
+    return i_es_siguiente_pieza(xml, i_PIEZA_INICIO_BLOQUE, i_PIEZA_INICIO_Y_FIN_BLOQUE, etiqueta,
+                                texto_propiedad, dato_propiedad);
+}
+
+// Calls lee_item() for each element of the series and keeps its results in order.
+template <typename F>
+ArrPuntero i_lee_serie(zarnfxml_t *xml, const char *etiqueta, const char *texto_propiedad,
+                       const char16_t *dato_propiedad, F &&lee_item) {
+    i_xml_lectura *x = I_LECTOR(xml);
+    i_arr_propio<ArrPuntero_s> arr(arr_CreaPunteroConTipo(0));
+    while (i_sigue_elemento(x, etiqueta, texto_propiedad, dato_propiedad))
+        arr_AppendPunteroConTipo(arr.get(), lee_item());
+    return arr.release();
+}
+
+template <typename F> ArrPuntero i_lee_serie(zarnfxml_t *xml, const char *etiqueta, F &&lee_item) {
+    return i_lee_serie(xml, etiqueta, nullptr, nullptr, std::forward<F>(lee_item));
+}
+
+template <typename F> void *i_lee_opcional(zarnfxml_t *xml, const char *etiqueta, F &&lee_item) {
+    return i_sigue_elemento(I_LECTOR(xml), etiqueta, nullptr, nullptr) ? lee_item() : nullptr;
+}
+
+} // namespace
+
+extern "C" {
+
+ZARN_API void zarnfxml_nousar_set_item_asociado_lectura(zarnfxml_t *xml, void *item_asociado) {
+    I_LECTOR(xml)->item_asociado = item_asociado;
+}
+
+ZARN_API void *zarnfxml_nousar_get_item_asociado_lectura(zarnfxml_t *xml) {
+    return I_LECTOR(xml)->item_asociado;
+}
+
+ZARN_API ArrPuntero zarnfxml_nousar_lee_arr_punterosST(zarnfxml_t *xml, const char *etiqueta,
+                                                       func_lee_xml_item func) {
+    I_ASSERT_FUNC(func, FUNC_NO_NULL);
+    return i_lee_serie(xml, etiqueta, [&] { return func(xml); });
+}
+
+ZARN_API ArrPuntero zarnfxml_nousar_lee_arr_punterosST_1extra(zarnfxml_t *xml, const char *etiqueta,
+                                                              func_lee_xml_item_1extra func,
+                                                              void *extra1) {
+    I_ASSERT_FUNC(func, "(func_lee_xml_item_1extra) != NULL");
+    return i_lee_serie(xml, etiqueta, [&] { return func(extra1, xml); });
+}
+
+ZARN_API ArrPuntero zarnfxml_nousar_lee_arr_punterosST_2extra(zarnfxml_t *xml, const char *etiqueta,
+                                                              func_lee_xml_item_2extra func,
+                                                              void *extra1, void *extra2) {
+    I_ASSERT_FUNC(func, "(func_lee_xml_item_2extra) != NULL");
+    return i_lee_serie(xml, etiqueta, [&] { return func(extra1, extra2, xml); });
+}
+
+ZARN_API ArrPuntero zarnfxml_nousar_lee_arr_punterosST_3extra(zarnfxml_t *xml, const char *etiqueta,
+                                                              func_lee_xml_item_3extra func,
+                                                              void *extra1, void *extra2,
+                                                              void *extra3) {
+    I_ASSERT_FUNC(func, "(func_lee_xml_item_3extra) != NULL");
+    return i_lee_serie(xml, etiqueta, [&] { return func(extra1, extra2, extra3, xml); });
+}
+
+ZARN_API ArrPuntero zarnfxml_nousar_lee_arr_punterosST_4extra(zarnfxml_t *xml, const char *etiqueta,
+                                                              func_lee_xml_item_4extra func,
+                                                              void *extra1, void *extra2,
+                                                              void *extra3, void *extra4) {
+    I_ASSERT_FUNC(func, "(func_lee_xml_item_4extra) != NULL");
+    return i_lee_serie(xml, etiqueta, [&] { return func(extra1, extra2, extra3, extra4, xml); });
+}
+
+ZARN_API ArrPuntero zarnfxml_nousar_lee_arr_punterosST_5extra(zarnfxml_t *xml, const char *etiqueta,
+                                                              func_lee_xml_item_5extra func,
+                                                              void *extra1, void *extra2,
+                                                              void *extra3, void *extra4,
+                                                              void *extra5) {
+    I_ASSERT_FUNC(func, "(func_lee_xml_item_5extra) != NULL");
+    return i_lee_serie(xml, etiqueta,
+                       [&] { return func(extra1, extra2, extra3, extra4, extra5, xml); });
+}
+
+ZARN_API ArrPuntero zarnfxml_nousar_lee_arr_punterosST_6extra(zarnfxml_t *xml, const char *etiqueta,
+                                                              func_lee_xml_item_6extra func,
+                                                              void *extra1, void *extra2,
+                                                              void *extra3, void *extra4,
+                                                              void *extra5, void *extra6) {
+    I_ASSERT_FUNC(func, "(func_lee_xml_item_6extra) != NULL");
+    return i_lee_serie(xml, etiqueta,
+                       [&] { return func(extra1, extra2, extra3, extra4, extra5, extra6, xml); });
+}
+
+ZARN_API ArrPuntero zarnfxml_nousar_lee_arr_punterosST_ConPropiedadFija(
+    zarnfxml_t *xml, const char *etiqueta, const char *texto_propiedad,
+    const char16_t *dato_propiedad, func_lee_xml_item func) {
+    I_ASSERT_FUNC(func, FUNC_NO_NULL);
+    ZARN_ASSERT_NO_NULL(texto_propiedad, ORIGEN_STREAMING);
+    ZARN_ASSERT_NO_NULL(dato_propiedad, ORIGEN_STREAMING);
+    return i_lee_serie(xml, etiqueta, texto_propiedad, dato_propiedad, [&] { return func(xml); });
+}
+
+ZARN_API void *zarnfxml_nousar_lee_estructura_opcional(zarnfxml_t *xml, const char *etiqueta,
+                                                       func_lee_xml_item func) {
+    I_ASSERT_FUNC(func, FUNC_NO_NULL);
+    return i_lee_opcional(xml, etiqueta, [&] { return func(xml); });
+}
+
+ZARN_API void *zarnfxml_nousar_lee_estructura_opcional_4extra(zarnfxml_t *xml, const char *etiqueta,
+                                                              func_lee_xml_item_4extra func,
+                                                              void *extra1, void *extra2,
+                                                              void *extra3, void *extra4) {
+    I_ASSERT_FUNC(func, "(func_lee_xml_item_4extra) != NULL");
+    return i_lee_opcional(xml, etiqueta, [&] { return func(extra1, extra2, extra3, extra4, xml); });
+}
+
+ZARN_API void *zarnfxml_nousar_lee_estructura_opcional_5extra(zarnfxml_t *xml, const char *etiqueta,
+                                                              func_lee_xml_item_5extra func,
+                                                              void *extra1, void *extra2,
+                                                              void *extra3, void *extra4,
+                                                              void *extra5) {
+    I_ASSERT_FUNC(func, "(func_lee_xml_item_5extra) != NULL");
+    return i_lee_opcional(xml, etiqueta,
+                          [&] { return func(extra1, extra2, extra3, extra4, extra5, xml); });
+}
+
+ZARN_API ApunOrde zarnfxml_nousar_lee_apunorde_3extra(zarnfxml_t *xml, const char *etiqueta,
+                                                      func_lee_xml_item_3extra func, int64_t crea1,
+                                                      int64_t crea2, int64_t crea3, void *extra1,
+                                                      void *extra2, void *extra3) {
+    I_ASSERT_FUNC(func, "(func_lee_xml_item_3extra) != NULL");
+    i_xml_lectura *x = I_LECTOR(xml);
+    i_arr_propio<ApunOrde_s> arr(apunorde_nousar_crea(crea1, crea2, crea3));
+    while (i_sigue_elemento(x, etiqueta, nullptr, nullptr))
+        apunorde_nousar_inserta_original(arr.get(), func(extra1, extra2, extra3, xml), 0);
+    return arr.release();
+}
+
+} // extern "C"

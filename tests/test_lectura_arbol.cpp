@@ -1,0 +1,296 @@
+// The sequential reader over a tree: field reads and their defaults, missing blocks, numbered
+// arrays as the writer writes them, structures through the caller's functions, and the faults
+// of a calling program.
+#include "tree/arbol.hpp"
+
+#include "soporte.hpp"
+
+#include <zarnxml/zarnxml.h>
+
+#include <cstdint>
+#include <memory>
+#include <string>
+#include <vector>
+
+namespace {
+
+struct destruye_lectura {
+    void operator()(zarnxml_lectura_t *xml) const { zarnxml_destruye_xml_lectura(&xml); }
+};
+using Lectura = std::unique_ptr<zarnxml_lectura_t, destruye_lectura>;
+using V = std::vector<intptr_t>;
+
+// A reader over a document given as text (data taken literally).
+Lectura lectura(const std::string &texto) {
+    ArrCADENA lineas = cad_obten_lista_lineas(texto.c_str());
+    zybool hay_error = CIERTO;
+    zarnxml_nodo_t *raiz = zarnxml_crea_de_lineas(&lineas, "1", "0", &hay_error, nullptr);
+    EXPECT_EQ(hay_error, FALSO) << texto;
+    return Lectura(i_crea_lectura_de_arbol(&raiz));
+}
+
+std::string texto(CADENA s) {
+    std::string r = s ? s : "<null>";
+    zarn::libera(s);
+    return r;
+}
+std::string texto(CADENA_u s) {
+    std::string r = s ? zarn::utf16_a_utf8(s) : "<null>";
+    zarn::libera(s);
+    return r;
+}
+std::vector<double> valores(ArrDouble arr) {
+    std::vector<double> v = arr->v;
+    arr_DestruyeDouble(&arr);
+    return v;
+}
+// The items of the tests are numbers carried in the pointers.
+void *item(intptr_t n) {
+    return reinterpret_cast<void *>(n);
+}
+V items(ArrPuntero arr) {
+    V v;
+    for (void *p : arr->v)
+        v.push_back(reinterpret_cast<intptr_t>(p));
+    arr_DestruyeEstructurasConstConTipo(&arr);
+    return v;
+}
+
+const char *const DOC = "<a>\n\t<b>1</b>\n\t<x>2.5</x>\n\t<s>T\xC3\xBA &amp; yo</s>\n\t<t>1</t>\n"
+                        "\t<f>0</f>\n\t<u>7</u>\n\t<z>0</z>\n\t<c><d>4</d></c>\n</a>";
+
+TEST(LecturaArbol, CamposConSusValoresPorDefecto) {
+    Lectura xml = lectura(DOC);
+    zarnxml_lectura_t *x = xml.get();
+    zarnxml_lee_inicio_bloque(x, "A");
+    EXPECT_EQ(zarnxml_lee_long(x, "b"), 1);
+    EXPECT_EQ(zarnxml_lee_long(x, "nada"), 0);
+    EXPECT_EQ(zarnxml_lee_long(x, "B"), 1); // nothing is consumed, case is ignored
+    EXPECT_EQ(zarnxml_lee_long_opcional(x, "b", -5), 1);
+    EXPECT_EQ(zarnxml_lee_long_opcional(x, "nada", -5), -5);
+    EXPECT_EQ(zarnxml_lee_ulong(x, "u"), 7u);
+    EXPECT_EQ(zarnxml_lee_ulong_con_ulong_max_cero(x, "u"), 6u);
+    EXPECT_EQ(zarnxml_lee_ulong_con_ulong_max_cero(x, "z"), 0xFFFFFFFFu);
+    EXPECT_EQ(zarnxml_lee_ulong_con_ulong_max_cero(x, "nada"), 0xFFFFFFFFu);
+    EXPECT_EQ(zarnxml_lee_double(x, "x"), 2.5);
+    EXPECT_EQ(zarnxml_lee_double(x, "nada"), 0.0);
+    EXPECT_EQ(zarnxml_lee_bool(x, "t"), CIERTO);
+    EXPECT_EQ(zarnxml_lee_bool(x, "nada"), FALSO);
+    EXPECT_EQ(zarnxml_lee_bool_opcional(x, "nada", CIERTO), CIERTO);
+    EXPECT_EQ(texto(zarnxml_lee_cadena(x, "s")), "T\xC3\xBA & yo");
+    EXPECT_EQ(texto(zarnxml_lee_cadena_u(x, "s")), "T\xC3\xBA & yo");
+    EXPECT_EQ(texto(zarnxml_lee_cadena_u(x, "nada")), "");
+    EXPECT_EQ(texto(zarnxml_lee_cadena_u(x, "c")), ""); // a block has the empty text
+
+    double valor = -1.0;
+    EXPECT_EQ(zarnxml_se_lee_double(x, "nada", &valor), FALSO);
+    EXPECT_EQ(valor, -1.0);
+    EXPECT_EQ(zarnxml_se_lee_double(x, "x", &valor), CIERTO);
+    EXPECT_EQ(valor, 2.5);
+    char16_t marca[] = u"m";
+    CADENA_u dato = marca;
+    EXPECT_EQ(zarnxml_se_lee_cadena_u(x, "nada", &dato), FALSO);
+    EXPECT_EQ(dato, nullptr);
+    EXPECT_EQ(zarnxml_se_lee_cadena_u(x, "s", &dato), CIERTO);
+    EXPECT_EQ(texto(dato), "T\xC3\xBA & yo");
+
+    zarnxml_lee_inicio_bloque(x, "c");
+    EXPECT_EQ(zarnxml_lee_long(x, "d"), 4);
+    EXPECT_EQ(zarnxml_lee_long(x, "b"), 0); // only the children of the open block
+    zarnxml_lee_fin_bloque(x);
+    EXPECT_EQ(zarnxml_lee_long(x, "b"), 1);
+    zarnxml_lee_fin_bloque(x);
+    EXPECT_EQ(x->nodo_actual, nullptr);
+    EXPECT_TRUE(x->pila_nodos.empty());
+}
+
+TEST(LecturaArbol, UnBloqueQueFaltaYUnDocumentoMalo) {
+    Lectura xml = lectura(DOC);
+    zarnxml_lectura_t *x = xml.get();
+    zarnxml_lee_inicio_bloque(x, "otra");
+    EXPECT_EQ(x->nodo_actual, x->nodo_vacio);
+    EXPECT_EQ(zarnxml_lee_long_opcional(x, "b", 9), 9);
+    zarnxml_lee_inicio_bloque(x, "c");
+    EXPECT_EQ(x->nodo_actual, x->nodo_vacio);
+    EXPECT_EQ(texto(zarnxml_lee_cadena(x, "d")), "");
+    zarnxml_lee_fin_bloque(x);
+    zarnxml_lee_fin_bloque(x);
+    EXPECT_EQ(condicion_de([&] { zarnxml_lee_fin_bloque(x); }), "num_elems > 0");
+
+    // From a file: a bad document still gives a reader, over a blank tree.
+    DirTemporal dir;
+    escribe_fichero(dir / "mal.xml", "<a>\n\t<b>1</b>\n</x>\n");
+    zybool hay_error = FALSO;
+    CADENA mensaje = nullptr;
+    Lectura mal(zarnxml_crea_para_lectura_de_fichero_u(dir.u("mal.xml").c_str(), "1", "0",
+                                                       &hay_error, &mensaje));
+    EXPECT_EQ(hay_error, CIERTO);
+    EXPECT_EQ(texto(mensaje), "Ln 3, Col 4: The end tag does not match the initial tag (a) (x)");
+    zarnxml_lee_inicio_bloque(mal.get(), "a");
+    EXPECT_EQ(mal->nodo_actual, mal->nodo_vacio);
+    EXPECT_EQ(zarnxml_lee_long_opcional(mal.get(), "b", 3), 3);
+}
+
+// What each numbering writes, read back through a file (data normalised) and through lines
+// (data literal, indentation included).
+TEST(LecturaArbol, ArraysNumeradosComoLosGrabaElEscritor) {
+    zarnfxml_t *w = zarnfxml_crea_para_escritura_UTF_8();
+    ArrDouble dos = arr_CreaDouble(0), ninguno = arr_CreaDouble(0);
+    arr_AppendDouble(dos, 1.5);
+    arr_AppendDouble(dos, -2);
+    zarnfxml_graba_inicio_bloque(w, "r");
+    for (int t = 0; t < 8; ++t) {
+        zarnfxml_graba_arr_double_numerados(w, ("t" + std::to_string(t)).c_str(), dos, 3, t, "n");
+        zarnfxml_graba_arr_double_numerados(w, ("v" + std::to_string(t)).c_str(), ninguno, 3, t,
+                                            "n");
+    }
+    zarnfxml_graba_fin_bloque(w);
+    arr_DestruyeDouble(&dos);
+    arr_DestruyeDouble(&ninguno);
+    DirTemporal dir;
+    zarnfxml_genera_fichero_salida(w, dir.u("arr.xml").c_str());
+    std::vector<Lectura> lecturas;
+    lecturas.push_back(lectura(texto(zarnfxml_xml_escritura_a_char(w, CIERTO))));
+    lecturas.emplace_back(zarnxml_crea_para_lectura_de_fichero_u(dir.u("arr.xml").c_str(), "1", "0",
+                                                                 nullptr, nullptr));
+    zarnfxml_destruye_xml_escritura(&w);
+    for (const Lectura &xml : lecturas) {
+        zarnxml_lectura_t *x = xml.get();
+        zarnxml_lee_inicio_bloque(x, "r");
+        const zarnxml_nodo_t *r = x->nodo_actual;
+        for (int t = 0; t < 8; ++t) {
+            SCOPED_TRACE(t);
+            const std::string tt = "t" + std::to_string(t), vt = "v" + std::to_string(t);
+            x->dentro_de_bloque = FALSO;
+            EXPECT_EQ(valores(zarnxml_lee_arr_double_numerados(x, tt.c_str(), t)),
+                      (std::vector<double>{1.5, -2}));
+            // The reader stands where it stood; only the block forms leave the flag set.
+            EXPECT_EQ(x->nodo_actual, r);
+            EXPECT_EQ(x->pila_nodos.size(), 1u);
+            EXPECT_EQ(x->dentro_de_bloque, t == 1 || t == 6 || t == 7 ? CIERTO : FALSO);
+            EXPECT_TRUE(valores(zarnxml_lee_arr_double_numerados(x, vt.c_str(), t)).empty());
+            EXPECT_TRUE(valores(zarnxml_lee_arr_double_numerados(x, "nada", t)).empty());
+        }
+        EXPECT_EQ(condicion_de([&] { zarnxml_lee_arr_double_numerados(x, "t0", 8); }), "");
+    }
+}
+
+// Item functions: they open the item's block, a block of another tag, or none.
+void *con_bloque(zarnxml_lectura_t *x) {
+    zarnxml_lee_inicio_bloque(x, "p");
+    void *r = item(zarnxml_lee_long(x, "n"));
+    zarnxml_lee_fin_bloque(x);
+    return r;
+}
+void *otro_bloque(zarnxml_lectura_t *x) {
+    zarnxml_lee_inicio_bloque(x, "q");
+    void *r = item(zarnxml_lee_long_opcional(x, "n", -1));
+    zarnxml_lee_fin_bloque(x);
+    return r;
+}
+void *sin_bloque(zarnxml_lectura_t *x) {
+    return item(zarnxml_lee_long(x, "n"));
+}
+void *con_extra(zarnxml_lectura_t *x, void *extra) {
+    ++*static_cast<int *>(extra);
+    return item(100 + zarnxml_lee_long(x, "n"));
+}
+void *de_nodo(const zarnxml_nodo_t *nodo) {
+    return item(zarnxml_get_dato_hijo_long(nodo, "n"));
+}
+
+// L holds what zarnfxml_nousar_graba_arr_punterosST_como_lista_elementos_1extra writes.
+const char *const ESTRUCTURAS = "<r>\n\t<p k=\"a\"><n>1</n></p>\n\t<p k=\"b\"><n>2</n></p>\n"
+                                "\t<q><n>3</n></q>\n\t<M><otra>1</otra></M>\n"
+                                "\t<L>\n\t\t<list>\n\t\t\t<count>2</count>\n"
+                                "\t\t\t<item>\n\t\t\t\t<n>5</n>\n\t\t\t</item>\n"
+                                "\t\t\t<item>\n\t\t\t\t<n>6</n>\n\t\t\t</item>\n"
+                                "\t\t</list>\n\t</L>\n</r>";
+
+TEST(LecturaArbol, EstructurasConFuncionesDelLlamador) {
+    Lectura xml = lectura(ESTRUCTURAS);
+    zarnxml_lectura_t *x = xml.get();
+    zarnxml_lee_inicio_bloque(x, "r");
+    const zarnxml_nodo_t *r = x->nodo_actual;
+    EXPECT_EQ(items(zarnxml_nousar_lee_arr_punterosST(x, "p", con_bloque, nullptr, nullptr)),
+              (V{1, 2}));
+    EXPECT_EQ(x->dentro_de_bloque, CIERTO);
+    EXPECT_EQ(items(zarnxml_nousar_lee_arr_punterosST(x, "p", otro_bloque, nullptr, nullptr)),
+              (V{-1, -1}));
+    int llamadas = 0;
+    EXPECT_EQ(items(zarnxml_nousar_lee_arr_punterosST(x, "p", nullptr, con_extra, &llamadas)),
+              (V{101, 102}));
+    EXPECT_EQ(items(zarnxml_nousar_lee_arr_punterosST(x, "nada", nullptr, con_extra, &llamadas)),
+              V{});
+    EXPECT_EQ(llamadas, 2);
+    EXPECT_EQ(zarnxml_nousar_lee_estructura(x, "q", sin_bloque, nullptr, nullptr), item(3));
+    EXPECT_EQ(zarnxml_nousar_lee_estructura(x, "nada", sin_bloque, nullptr, nullptr), nullptr);
+    EXPECT_EQ(
+        items(zarnxml_nousar_lee_arr_punterosST_ConPropiedadFija(x, "p", "K", u"b", con_bloque)),
+        (V{2}));
+    EXPECT_EQ(items(zarnxml_nousar_lee_arr_punterosST_ConPropiedadFija_Ex(x, "q", CIERTO, "p", "k",
+                                                                          u"a", con_bloque)),
+              (V{1}));
+    EXPECT_EQ(items(zarnxml_nousar_lee_arr_punterosST_ConPropiedadFija_Ex(x, "p", FALSO, "q", "k",
+                                                                          u"a", sin_bloque)),
+              (V{1, 2}));
+    // After items that opened no block the flag stays FALSO: a block read on the outer node
+    // compares with that node's own tag, and opens it a second time.
+    EXPECT_EQ(x->nodo_actual, r);
+    EXPECT_EQ(x->dentro_de_bloque, FALSO);
+    zarnxml_lee_inicio_bloque(x, "R");
+    EXPECT_EQ(x->nodo_actual, r);
+    EXPECT_EQ(x->pila_nodos.size(), 2u);
+
+    // The same shapes read from a node, with no reader.
+    EXPECT_EQ(zarnxml_nousar_lee_dato_estructura(r, "q", de_nodo), item(3));
+    EXPECT_EQ(items(zarnxml_nousar_lee_dato_array_estructura(r, "p", de_nodo)), (V{1, 2}));
+    EXPECT_EQ(items(zarnxml_nousar_lee_dato_array_estructura_como_lista(r, "L", de_nodo)),
+              (V{5, 6}));
+    EXPECT_EQ(items(zarnxml_nousar_lee_dato_array_estructura_como_lista(r, "M", de_nodo)), V{});
+    EXPECT_EQ(items(zarnxml_nousar_lee_dato_array_estructura_como_lista(r, "nada", de_nodo)), V{});
+}
+
+void *deja_abierto(zarnxml_lectura_t *x) {
+    zarnxml_lee_inicio_bloque(x, "otra");
+    return nullptr;
+}
+void *cierra_de_mas(zarnxml_lectura_t *x) {
+    zarnxml_lee_fin_bloque(x);
+    return nullptr;
+}
+
+TEST(LecturaArbol, FallosDelProgramaLlamador) {
+    Lectura xml = lectura(ESTRUCTURAS);
+    zarnxml_lectura_t *x = xml.get();
+    EXPECT_EQ(condicion_de([&] { zarnxml_lee_long(x, "b"); }), "(nodo) != NULL");
+    EXPECT_EQ(condicion_de([&] { zarnxml_lee_fin_bloque(x); }), "num_elems > 0");
+    zarnxml_lee_inicio_bloque(x, "r");
+    EXPECT_EQ(condicion_de([&] { zarnxml_lee_bool(x, "q"); }), "es_dato_bool == CIERTO");
+    EXPECT_EQ(condicion_de([&] { zarnxml_lee_long(x, "p"); }), "num_nodos_encontrados == 1");
+    EXPECT_EQ(condicion_de([&] {
+                  zarnxml_nousar_lee_arr_punterosST_ConPropiedadFija(x, "p", "k", u"a", nullptr);
+              }),
+              "(func_lee_xml_item) != NULL");
+    const struct {
+        const char *condicion;
+        func_lee_xml f;
+        func_lee_xml_1extra f_1extra;
+    } casos[] = {
+        {"func_lee_xml_1extra == NULL", sin_bloque, con_extra},
+        {"(func_lee_xml_1extra) != NULL", nullptr, nullptr},
+        {"xml->nodo_actual == nodo", deja_abierto, nullptr},
+        {"xml->nodo_actual == nodo", cierra_de_mas, nullptr},
+    };
+    for (const auto &caso : casos) {
+        Lectura otra = lectura(ESTRUCTURAS); // a fault leaves the reader where it stood
+        zarnxml_lee_inicio_bloque(otra.get(), "r");
+        EXPECT_EQ(condicion_de([&] {
+                      zarnxml_nousar_lee_estructura(otra.get(), "q", caso.f, caso.f_1extra,
+                                                    nullptr);
+                  }),
+                  caso.condicion);
+    }
+}
+
+} // namespace

@@ -1,0 +1,241 @@
+// Block navigation: the cursor call by call, the skip from every place in a block, the generic
+// step, the look-ahead around declarations and definitions, properties, the raw field reading,
+// and the skip's two paths side by side.
+#include "lector_soporte.hpp"
+
+#include <cstdlib>
+
+namespace {
+
+// The line path must not be chosen by the environment here; that is tested on its own.
+[[maybe_unused]] const int sin_xml_bloque = unsetenv("XML_BLOQUE");
+
+// A reader over lines, owned for the life of a test.
+struct Lector {
+    Lineas l;
+    zarnfxml_t *x;
+    Lector(std::initializer_list<std::string> lineas)
+        : l(lineas), x(zarnfxml_crea_para_lectura_de_lineas(l.a, FALSO)) {}
+    ~Lector() { zarnfxml_destruye_xml_lectura(&x); }
+    operator zarnfxml_t *() const { return x; }
+    i_xml_lectura *in() const { return static_cast<i_xml_lectura *>(x); }
+    std::string registro() const { return in()->registro ? describe(*in()->registro) : "none"; }
+};
+
+TEST(Navegacion, EjemploLlamadaALlamada) {
+    Lector r({R"(<a x="1"><b>2</b><c><d>3</d></c><e/></a>)"});
+    uint32_t nivel = 0;
+    V pasos;
+    const auto paso = [&](long respuesta) {
+        pasos.push_back(std::to_string(respuesta) + " " + r.registro());
+    };
+    zarnfxml_lee_inicio_bloque_con_nivel_etiquetado(r, "a", &nivel), paso(nivel);
+    paso(zarnfxml_get_ulong_propiedad_inicio_bloque(r, "x"));
+    paso(zarnfxml_lee_long(r, "b"));
+    paso(zarnfxml_se_lee_inicio_bloque(r, "z"));
+    paso(zarnfxml_se_lee_inicio_bloque_con_nivel_etiquetado(r, "c", &nivel)), paso(nivel);
+    zarnfxml_salta_hasta_fin_bloque(r, 2), paso(0);
+    zarnfxml_lee_inicio_bloque(r, "e"), paso(0);
+    zarnfxml_lee_fin_bloque(r), paso(0);
+    zarnfxml_lee_fin_bloque_con_comprobacion(r, "a"), paso(0);
+    EXPECT_EQ(pasos, (V{"1 0:0:a{x=1}", "1 0:0:a{x=1}", "2 1:1:b='2'", "0 1:1:b='2'", "1 0:1:c",
+                        "2 0:1:c", "0 3:1:/c", "0 0:1:e", "0 3:1:/e", "0 3:0:/a"}));
+}
+
+TEST(Navegacion, SaltoDesdeCualquierSitioDelBloque) {
+    // From the start of <a>, a field in it, the end of a child, its own end: every skip of the
+    // block's level ends on </a>. Inside <c> the skip of <c> comes first. Steps: b, e fields;
+    // C, D open; c skip; f close.
+    const std::pair<std::string, std::vector<uint32_t>> casos[] = {
+        {"", {2}},   {"b", {2}},   {"bC", {3, 2}},  {"bCDf", {3, 2}},
+        {"bc", {2}}, {"bce", {2}}, {"bcef", {2, 2}}};
+    for (const auto &[pasos, saltos] : casos) {
+        Lector r({"<r>", "<a k='v'>", "<b>1</b>", "<c><d/></c>", "<e>2</e>", "</a>", "<z>9</z>",
+                  "</r>"});
+        zarnfxml_lee_inicio_bloque(r, "r"), zarnfxml_lee_inicio_bloque(r, "a");
+        for (const char p : pasos) {
+            if (p == 'b' || p == 'e')
+                zarnfxml_lee_long(r, std::string(1, p).c_str());
+            else if (p == 'C' || p == 'D')
+                zarnfxml_lee_inicio_bloque(r, std::string(1, p).c_str());
+            else
+                p == 'c' ? zarnfxml_salta_etiqueta(r, "c") : zarnfxml_lee_fin_bloque(r);
+        }
+        for (const uint32_t nivel : saltos)
+            zarnfxml_salta_hasta_fin_bloque(r, nivel);
+        EXPECT_EQ(r.registro(), "3:1:/a") << pasos;
+        EXPECT_EQ(zarnfxml_lee_long(r, "z"), 9) << pasos;
+    }
+    Lector vacio({"<r><a/><z>9</z></r>"});
+    zarnfxml_lee_inicio_bloque(vacio, "r"), zarnfxml_lee_inicio_bloque(vacio, "a");
+    zarnfxml_salta_hasta_fin_bloque(vacio, 2);
+    EXPECT_EQ(vacio.registro(), "3:1:/a");
+    Lector roto({"<r><a><b></a></r>"});
+    zarnfxml_salta_etiqueta(roto, "r");
+    EXPECT_EQ(roto.registro(),
+              "6:-:Ln 1, Col 13: The end tag does not match the initial tag (b) (a)");
+}
+
+TEST(Navegacion, PasoGenerico) {
+    Lector r({"<a><b/><?p q?><c>1</c></a>"});
+    V pasos;
+    const char *etiqueta = nullptr;
+    uint32_t tipo = 9, nivel = 9;
+    CADENA dato = nullptr;
+    while (zarnfxml_lee_siguiente(r, &etiqueta, &tipo, &dato, &nivel)) {
+        pasos.push_back(std::string(etiqueta) + " " + std::to_string(tipo) + " " +
+                        (dato ? "'" + std::string(dato) + "'" : "-") + " " + std::to_string(nivel));
+        zarn::libera(dato);
+    }
+    EXPECT_EQ(pasos, (V{"a 0 - 1", "b 1 '' 4294967295", "c 1 '1' 4294967295", "a 2 - 4294967295"}));
+    EXPECT_FALSE(zarnfxml_lee_siguiente(r, nullptr, nullptr, nullptr, nullptr));
+
+    Lector s({"<a><b><c>1</c></b><d>2</d></a>"});
+    ASSERT_TRUE(zarnfxml_lee_siguiente(s, nullptr, nullptr, nullptr, &nivel));
+    zarnfxml_salta_hasta_fin_bloque(s, nivel);
+    EXPECT_EQ(s.registro(), "3:0:/a");
+}
+
+TEST(Navegacion, MirarAdelante) {
+    Lector r({R"(<?xml version="1.0" encoding="UTF-8"?>)", "<?p x?>", "<A><b/>", "<c>1</c>",
+              "<?q?><d>2</d>", "</A>"});
+    CADENA t = nullptr;
+    EXPECT_FALSE(zarnfxml_etiqueta_siguiente_es_inicio_bloque(r, nullptr)); // <?p x?> is next
+    EXPECT_FALSE(zarnfxml_se_lee_definicion_comentario(r, &t));             // the declaration is
+    EXPECT_EQ(r.in()->piezas_pendientes.size(), 2u);
+    zarnfxml_lee_definicion_comentario(r, &t);
+    EXPECT_STREQ(t, "p x");
+    zarn::libera(t);
+    EXPECT_TRUE(zarnfxml_etiqueta_siguiente_es_inicio_bloque(r, "a"));
+    EXPECT_TRUE(zarnfxml_se_lee_inicio_bloque_desconocido(r, nullptr));
+    zarnfxml_lee_inicio_bloque(r, "B");
+    EXPECT_FALSE(zarnfxml_etiqueta_siguiente_es_inicio_bloque(r, nullptr)); // inside <b/>
+    zarnfxml_lee_fin_bloque(r);
+    EXPECT_EQ(zarnfxml_lee_long(r, "c"), 1);
+    EXPECT_FALSE(zarnfxml_etiqueta_siguiente_es_inicio_bloque(r, "d"));
+    EXPECT_TRUE(zarnfxml_se_lee_definicion_comentario(r, nullptr));
+    EXPECT_EQ(zarnfxml_lee_long_opcional(r, "d", -1), 2);
+    zarnfxml_lee_fin_bloque_con_comprobacion(r, "a");
+    for (int i = 0; i < 2; ++i)
+        EXPECT_FALSE(zarnfxml_etiqueta_siguiente_es_inicio_bloque(r, nullptr));
+    Lector mal({"<r><a>1</a><b x></b></r>"});
+    zarnfxml_lee_inicio_bloque(mal, "r");
+    EXPECT_EQ(zarnfxml_lee_long(mal, "a"), 1);
+    for (int i = 0; i < 2; ++i)
+        EXPECT_EQ(zarnfxml_lee_double_opcional(mal, "b"), 0.0);
+}
+
+TEST(Navegacion, PropiedadesYLecturaEnBruto) {
+    Lector r({R"(<a x="1" Y='Dos 😀' x="3"/>)"});
+    zarnfxml_lee_inicio_bloque(r, "a");
+    const char16_t *u = nullptr;
+    EXPECT_TRUE(zarnfxml_existe_propiedad_inicio_bloque_u(r, "y", &u));
+    EXPECT_EQ(std::u16string_view(u), u"Dos 😀");
+    EXPECT_TRUE(zarnfxml_existe_propiedad_inicio_bloque_igual(r, "y", "dOS 😀"));
+    EXPECT_FALSE(zarnfxml_existe_propiedad_inicio_bloque(r, "z", nullptr));
+    EXPECT_EQ(zarnfxml_get_double_propiedad_inicio_bloque(r, "X"), 1.0); // the first of two
+    CADENA c = zarnfxml_get_indice_propiedad_inicio_bloque(r, 2);
+    EXPECT_STREQ(c, "3");
+    zarn::libera(c);
+
+    const auto en_bruto = [](std::initializer_list<std::string> lineas) {
+        Lector b(lineas);
+        zarnfxml_lee_inicio_bloque(b, "r");
+        CADENA etiquetas[2], datos[2];
+        zarnfxml_lee_campos_bloque_conocido(b, 2, etiquetas, datos);
+        V campos;
+        for (int i = 0; i < 2; ++i) {
+            campos.push_back(std::string(etiquetas[i]) + "=" + datos[i]);
+            zarn::libera(etiquetas[i]), zarn::libera(datos[i]);
+        }
+        zarnfxml_lee_fin_bloque_con_comprobacion(b, "r");
+        return campos;
+    };
+    EXPECT_EQ(en_bruto({"<r>", "\t<x k=\"1\">a&amp;b</x>", "\t<y>2</y>", "</r>"}),
+              (V{"x k=\"1\"=a&amp;b", "y=2"}));
+    EXPECT_EQ(en_bruto({"<r>", "<x/>", "<y>a&amp;b</y>", "</r>"}), (V{"x=", "y=a&amp;b"}));
+}
+
+// Every record from the k-th block start on, after skipping that block by one path or the other.
+V tras_saltar(const Lineas &l, int k, bool por_lineas) {
+    auto xml = i_crea_para_lectura_de_lineas(l.a, FALSO);
+    for (int i = 0;;) {
+        const int32_t tipo = i_lee_registro(xml.get(), FALSO);
+        if (tipo == i_REGISTRO_FIN_FICHERO || tipo == i_REGISTRO_ERROR)
+            return {};
+        if (tipo == i_REGISTRO_INICIO_BLOQUE && i++ == k)
+            break;
+    }
+    i_salta_hasta_fin_bloque(xml.get(), xml->registro->nivel_etiquetado + 1, por_lineas);
+    V r{describe(*xml->registro)};
+    for (const std::string &s : registros_de(xml.get(), false))
+        r.push_back(s);
+    return r;
+}
+
+TEST(Navegacion, CaminoDeLineasIgualEnDocumentosDelEscritor) {
+    zarnfxml_t *w = zarnfxml_crea_para_escritura_UTF_8();
+    zarnfxml_graba_inicio_bloque(w, "raiz");
+    zarnfxml_graba_inicio_bloque_propiedad1(w, "a", "k", "v");
+    zarnfxml_graba_inicio_fin_bloque_propiedad1(w, "vacio", "p", "1");
+    zarnfxml_graba_cadena(w, "s", "x</a> & z");
+    zarnfxml_graba_inicio_bloque(w, "b");
+    zarnfxml_graba_cadena(w, "t", "uno\ndos");
+    zarnfxml_graba_fin_bloque(w);
+    zarnfxml_graba_fin_bloque(w);
+    for (const char *t : {"c", "d", "d2"})
+        zarnfxml_graba_inicio_bloque(w, t);
+    for (int i = 0; i < 3; ++i)
+        zarnfxml_graba_fin_bloque(w);
+    zarnfxml_graba_linea_comentario(w, "nota");
+    zarnfxml_graba_fin_bloque(w);
+    CADENA salida = zarnfxml_xml_escritura_a_char(w, CIERTO);
+    ArrCADENA texto = zarn::lista_lineas(salida);
+    zarn::libera(salida);
+    zarnfxml_destruye_xml_escritura(&w);
+    Lineas l(std::vector<std::string>(texto->v.begin(), texto->v.end()));
+    arr_DestruyeCADENA(&texto);
+    int k = 0;
+    for (V registros; !(registros = tras_saltar(l, k, true)).empty(); ++k)
+        EXPECT_EQ(registros, tras_saltar(l, k, false)) << k;
+    EXPECT_EQ(k, 7);
+}
+
+TEST(Navegacion, DondeDifierenLosDosCaminos) {
+    const std::string desajuste = "6:-:Ln 2, Col 8: The end tag does not match the initial tag";
+    const struct {
+        std::vector<std::string> lineas;
+        int k;
+        V por_lineas, ordinario;
+    } casos[] = {
+        // A block nested in one of its own tag; the end text inside a comment.
+        {{"<a>", "<a>", "<b>1</b>", "</a>", "<c>2</c>", "</a>"},
+         0,
+         {"3:0:/a", "1:0:c='2'", "6:-:Ln 6, Col 4: No open tags (a)"},
+         {"3:0:/a", "5:-:"}},
+        {{"<a>", "<b>1</b>", "<!-- </a> -->", "<c>2</c>", "</a>"},
+         0,
+         {"3:0:/a", "1:0:c='2'", "6:-:Ln 5, Col 4: No open tags (a)"},
+         {"3:0:/a", "5:-:"}},
+        // Text behind the end tag; bad XML or the end of the text inside the block.
+        {{"<r>", "<a>", "<b>1</b>", "</a><z>9</z>", "</r>"},
+         1,
+         {"3:1:/a", "3:0:/r", "5:-:"},
+         {"3:1:/a", "1:1:z='9'", "3:0:/r", "5:-:"}},
+        {{"<a>", "<b>1</c>"},
+         0,
+         {"3:0:/a", "5:-:"},
+         {desajuste + " (b) (c)", desajuste + " (b) (c)"}},
+        {{"<a>", "<b>1</b>"},
+         0,
+         {"3:0:/a", "5:-:"},
+         {"6:-:Ln 3, Col 1: Unexpected end of file", "6:-:Ln 3, Col 1: Unexpected end of file"}},
+    };
+    for (const auto &c : casos) {
+        Lineas l(c.lineas);
+        EXPECT_EQ(tras_saltar(l, c.k, true), c.por_lineas);
+        EXPECT_EQ(tras_saltar(l, c.k, false), c.ordinario);
+    }
+}
+
+} // namespace
