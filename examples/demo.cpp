@@ -1,7 +1,8 @@
 // The road of one document, run for real: a writer makes a small project file, the check
-// answers for it, a tree is loaded and asked for values, the same tree is read again with the
-// sequential reader, a broken document shows the check's message, and the five write profiles
-// show their forms. Everything made is destroyed again.
+// answers for it, the strict reader reads it back field by field, a tree is loaded and asked for
+// values, the same tree is read again with the sequential reader, a broken document shows the
+// check's message, and the five write profiles show their forms. Everything made is destroyed
+// again.
 //
 //   zarnxml_demo [DIRECTORY]      (the files go to DIRECTORY, "demo" by default)
 #include <zarnxml/zarnxml.h>
@@ -134,6 +135,38 @@ void comprueba(const std::u16string &fichero) {
         zarnfxml_es_fichero_xml_correcto(fichero.c_str(), "proyecto", &mensaje, FALSO);
     std::printf("   root \"proyecto\": %s%s\n", zb(bien), mensaje ? mensaje : "");
     std::free(mensaje);
+}
+
+void lee_en_orden(const std::u16string &fichero) {
+    titulo("3b. The strict streaming reader reads it back, field by field (zarnfxml_lee_*)");
+    zarnfxml_t *xml = zarnfxml_crea_para_lectura_de_fichero_u(fichero.c_str());
+    zarnfxml_lee_inicio_bloque(xml, "proyecto");
+    CADENA autor = zarnfxml_get_cadena_propiedad_inicio_bloque(xml, "autor");
+    CADENA nombre = zarnfxml_lee_cadena(xml, "nombre");
+    zarnfxml_lee_inicio_bloque(xml, "ajustes");
+    const double escala = zarnfxml_lee_double(xml, "escala");
+    const zybool visible = zarnfxml_lee_bool(xml, "visible");
+    const int32_t reintentos = zarnfxml_lee_long(xml, "reintentos");
+    zarnfxml_lee_fin_bloque(xml);
+    ArrDouble cotas = zarnfxml_lee_arr_double(xml, "cotas");
+    std::printf("   autor %s, nombre \"%s\", escala %g, visible %s, reintentos %d, cotas [%s]\n",
+                autor, nombre, escala, zb(visible), reintentos, numeros(cotas).c_str());
+    zarnfxml_lee_inicio_bloque(xml, "capas");
+    while (zarnfxml_se_lee_inicio_bloque(xml, "capa") == CIERTO) {
+        CADENA id = zarnfxml_get_cadena_propiedad_inicio_bloque(xml, "id");
+        CADENA capa = zarnfxml_lee_cadena(xml, "nombre");
+        const double opacidad = zarnfxml_lee_double(xml, "opacidad");
+        zarnfxml_lee_fin_bloque(xml);
+        std::printf("   capa %s: %s, opacidad %g\n", id, capa, opacidad);
+        zarnstr_destruye(&id);
+        zarnstr_destruye(&capa);
+    }
+    zarnfxml_lee_fin_bloque(xml);
+    zarnfxml_lee_fin_bloque(xml);
+    arr_DestruyeDouble(&cotas);
+    zarnstr_destruye(&autor);
+    zarnstr_destruye(&nombre);
+    zarnfxml_destruye_xml_lectura(&xml);
 }
 
 void pregunta(const std::u16string &fichero) {
@@ -273,6 +306,7 @@ int main(int argc, char **argv) {
     const std::u16string fichero = (dir / "proyecto.xml").u16string();
     escribe(fichero);
     comprueba(fichero);
+    lee_en_orden(fichero);
     pregunta(fichero);
     lee(fichero);
     documento_roto(dir);
