@@ -3,12 +3,19 @@
 //   comparacion suelo FILE         the floor: read the file and count '<' with memchr
 //   comparacion check FILE         zarnfxml_es_fichero_xml_correcto
 //   comparacion expat FILE         expat XML_Parse in 1 MiB chunks, no handlers
+//   comparacion pull FILE          the strict streaming reader, every record's fields read
+//   comparacion libxml2_walk FILE  libxml2 xmlTextReaderRead over every node, nothing else
+//   comparacion libxml2_pull FILE  the same walk, converting the same fields
 //   comparacion arbol FILE         zarnxml_crea_de_fichero_u, every record's fields read
 //   comparacion pugixml FILE       pugixml load_file and the same visits
 //   comparacion tinyxml2 FILE      tinyxml2 LoadFile and the same visits
+//   comparacion libxml2_dom FILE   libxml2 xmlReadFile and the same visits
 #include <zarnxml/zarnxml.h>
 
 #include <expat.h>
+#include <libxml/parser.h>
+#include <libxml/tree.h>
+#include <libxml/xmlreader.h>
 #include <pugixml.hpp>
 #include <tinyxml2.h>
 
@@ -18,6 +25,7 @@
 #include <cstdio>
 #include <cstring>
 #include <string>
+#include <utility>
 #include <vector>
 
 namespace {
@@ -128,6 +136,172 @@ int arbol(const char *ruta) {
     return hay_error == CIERTO ? 1 : 0;
 }
 
+// The same fields through the streaming reader's typed reads, in document order.
+int pull(const char *ruta) {
+    zarnfxml_t *xml = zarnfxml_crea_para_lectura_de_fichero(ruta);
+    double suma = 0;
+    size_t letras = 0, ids = 0, n = 0;
+    const auto texto = [&](const char *etiqueta) {
+        CADENA_u s = zarnfxml_lee_cadena_u(xml, etiqueta);
+        letras += std::char_traits<char16_t>::length(s);
+        widestr_nousar_destruye(&s, __FILE__, __LINE__);
+    };
+    zarnfxml_lee_inicio_bloque(xml, "raiz");
+    while (zarnfxml_se_lee_inicio_bloque(xml, "registro") == CIERTO) {
+        ++n;
+        const char16_t *id = nullptr;
+        if (zarnfxml_existe_propiedad_inicio_bloque_u(xml, "id", &id) == CIERTO)
+            ids += std::char_traits<char16_t>::length(id);
+        texto("nombre");
+        suma += zarnfxml_lee_double(xml, "importe");
+        suma += zarnfxml_lee_bool(xml, "activo") == CIERTO;
+        zarnfxml_lee_inicio_bloque(xml, "posicion");
+        suma += zarnfxml_lee_double(xml, "x");
+        suma += zarnfxml_lee_double(xml, "y");
+        zarnfxml_lee_fin_bloque(xml);
+        texto("nota");
+        zarnfxml_lee_fin_bloque(xml);
+    }
+    zarnfxml_lee_fin_bloque(xml);
+    zarnfxml_destruye_xml_lectura(&xml);
+    std::printf("pull: ok %zu records %.1f %zu ids %zu\n", n, suma, letras, ids);
+    return 0;
+}
+
+bool es(const xmlChar *nombre, const char *etiqueta) {
+    return std::strcmp(reinterpret_cast<const char *>(nombre), etiqueta) == 0;
+}
+
+const char *c_str(const xmlChar *s) {
+    return reinterpret_cast<const char *>(s);
+}
+
+xmlTextReaderPtr lector_libxml2(const char *ruta) {
+    return xmlReaderForFile(ruta, nullptr, 0);
+}
+
+int libxml2_walk(const char *ruta) {
+    xmlTextReaderPtr r = lector_libxml2(ruta);
+    size_t nodos = 0;
+    int ret;
+    while ((ret = xmlTextReaderRead(r)) == 1)
+        ++nodos;
+    xmlFreeTextReader(r);
+    xmlCleanupParser();
+    std::printf("libxml2_walk: %s %zu nodes\n", ret == 0 ? "ok" : "error", nodos);
+    return ret == 0 ? 0 : 1;
+}
+
+// The field whose text the walk stands in; text nodes are credited to it.
+enum class Campo { ninguno, nombre, importe, activo, x, y, nota };
+
+Campo campo_de(const xmlChar *nombre) {
+    static constexpr std::pair<const char *, Campo> campos[] = {
+        {"nombre", Campo::nombre}, {"importe", Campo::importe},
+        {"activo", Campo::activo}, {"x", Campo::x},
+        {"y", Campo::y},           {"nota", Campo::nota}};
+    for (const auto &[etiqueta, c] : campos)
+        if (es(nombre, etiqueta))
+            return c;
+    return Campo::ninguno;
+}
+
+int libxml2_pull(const char *ruta) {
+    xmlTextReaderPtr r = lector_libxml2(ruta);
+    double suma = 0;
+    size_t letras = 0, ids = 0, n = 0;
+    Campo campo = Campo::ninguno;
+    int ret;
+    while ((ret = xmlTextReaderRead(r)) == 1) {
+        switch (xmlTextReaderNodeType(r)) {
+        case XML_READER_TYPE_ELEMENT: {
+            const xmlChar *nombre = xmlTextReaderConstLocalName(r);
+            campo = campo_de(nombre);
+            if (campo == Campo::ninguno && es(nombre, "registro")) {
+                ++n;
+                if (xmlTextReaderMoveToAttribute(r, BAD_CAST "id") == 1) {
+                    ids += std::strlen(c_str(xmlTextReaderConstValue(r)));
+                    xmlTextReaderMoveToElement(r);
+                }
+            }
+            break;
+        }
+        case XML_READER_TYPE_TEXT: {
+            const char *t = c_str(xmlTextReaderConstValue(r));
+            switch (campo) {
+            case Campo::nombre:
+            case Campo::nota:
+                letras += std::strlen(t);
+                break;
+            case Campo::importe:
+            case Campo::x:
+            case Campo::y:
+                suma += std::strtod(t, nullptr);
+                break;
+            case Campo::activo:
+                suma += std::strcmp(t, "1") == 0;
+                break;
+            case Campo::ninguno:
+                break;
+            }
+            break;
+        }
+        case XML_READER_TYPE_END_ELEMENT:
+            campo = Campo::ninguno;
+            break;
+        default:
+            break;
+        }
+    }
+    xmlFreeTextReader(r);
+    xmlCleanupParser();
+    std::printf("libxml2_pull: %s %zu records %.1f %zu ids %zu\n", ret == 0 ? "ok" : "error", n,
+                suma, letras, ids);
+    return ret == 0 ? 0 : 1;
+}
+
+const xmlNode *hijo_libxml2(const xmlNode *e, const char *etiqueta) {
+    for (const xmlNode *h = e ? e->children : nullptr; h; h = h->next)
+        if (h->type == XML_ELEMENT_NODE && es(h->name, etiqueta))
+            return h;
+    return nullptr;
+}
+
+// The element's text (its first text child, which holds the whole run of text).
+const char *texto_libxml2(const xmlNode *e, const char *etiqueta) {
+    const xmlNode *h = hijo_libxml2(e, etiqueta);
+    for (const xmlNode *t = h ? h->children : nullptr; t; t = t->next)
+        if (t->type == XML_TEXT_NODE)
+            return c_str(t->content);
+    return "";
+}
+
+int libxml2_dom(const char *ruta) {
+    xmlDocPtr doc = xmlReadFile(ruta, nullptr, XML_PARSE_NOBLANKS);
+    double suma = 0;
+    size_t letras = 0, ids = 0, n = 0;
+    const xmlNode *raiz = doc ? xmlDocGetRootElement(doc) : nullptr;
+    for (const xmlNode *r = raiz ? raiz->children : nullptr; r; r = r->next) {
+        if (r->type != XML_ELEMENT_NODE || !es(r->name, "registro"))
+            continue;
+        ++n;
+        if (const xmlAttr *id = xmlHasProp(r, BAD_CAST "id"); id && id->children)
+            ids += std::strlen(c_str(id->children->content));
+        letras += std::strlen(texto_libxml2(r, "nombre"));
+        suma += std::strtod(texto_libxml2(r, "importe"), nullptr);
+        suma += std::strcmp(texto_libxml2(r, "activo"), "1") == 0;
+        const xmlNode *pos = hijo_libxml2(r, "posicion");
+        suma += std::strtod(texto_libxml2(pos, "x"), nullptr) +
+                std::strtod(texto_libxml2(pos, "y"), nullptr);
+        letras += std::strlen(texto_libxml2(r, "nota"));
+    }
+    std::printf("libxml2_dom: %s %zu records %.1f %zu ids %zu\n", doc ? "ok" : "error", n, suma,
+                letras, ids);
+    xmlFreeDoc(doc);
+    xmlCleanupParser();
+    return doc ? 0 : 1;
+}
+
 int con_pugixml(const char *ruta) {
     pugi::xml_document doc;
     const bool ok = doc.load_file(ruta);
@@ -179,7 +353,9 @@ int tiny(const char *ruta) {
 
 int main(int argc, char **argv) {
     if (argc < 3) {
-        std::fprintf(stderr, "usage: comparacion genera|suelo|check|expat|arbol FILE [MB]\n");
+        std::fprintf(stderr,
+                     "usage: comparacion genera|suelo|check|expat|pull|libxml2_walk|libxml2_pull|"
+                     "arbol|pugixml|tinyxml2|libxml2_dom FILE [MB]\n");
         return 2;
     }
     const std::string modo = argv[1];
@@ -193,6 +369,14 @@ int main(int argc, char **argv) {
         r = check(argv[2]);
     else if (modo == "expat")
         r = expat(argv[2]);
+    else if (modo == "pull")
+        r = pull(argv[2]);
+    else if (modo == "libxml2_walk")
+        r = libxml2_walk(argv[2]);
+    else if (modo == "libxml2_pull")
+        r = libxml2_pull(argv[2]);
+    else if (modo == "libxml2_dom")
+        r = libxml2_dom(argv[2]);
     else if (modo == "arbol")
         r = arbol(argv[2]);
     else if (modo == "pugixml")

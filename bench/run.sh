@@ -13,7 +13,7 @@ doc=$out/doc100.xml
 [ -f "$doc" ] || "$b/comparacion" genera "$doc" 100
 size=$(stat -c %s "$doc")
 echo "== document: $doc ($size bytes)"
-for caso in suelo check expat arbol pugixml tinyxml2; do
+for caso in suelo check expat pull libxml2_walk libxml2_pull arbol pugixml tinyxml2 libxml2_dom; do
   "$b/comparacion" "$caso" "$doc" >/dev/null 2>&1 || true   # warm the page cache
   times=(); rss=0
   for i in 1 2 3; do
@@ -23,5 +23,5 @@ for caso in suelo check expat arbol pugixml tinyxml2; do
   done
   med=$(printf '%s\n' "${times[@]}" | sort -n | sed -n 2p)
   mbs=$(awk -v s="$size" -v t="$med" 'BEGIN{printf "%.0f", s/1e6/t}')
-  printf '%-8s median %6ss  %5s MB/s  peak %6d kB\n' "$caso" "$med" "$mbs" "$rss"
+  printf '%-12s median %6ss  %5s MB/s  peak %6d kB\n' "$caso" "$med" "$mbs" "$rss"
 done
