@@ -125,6 +125,18 @@ zybool i_existe_dato_hijo(const zarnxml_nodo_t *nodo, const char *etiqueta, T *v
     return CIERTO;
 }
 
+// CIERTO and *valor = lee(property) if the node has the property (valor may be null).
+template <typename T, typename Lee>
+zybool i_existe_propiedad(const zarnxml_nodo_t *nodo, const char *texto_propiedad, T *valor,
+                          Lee &&lee) {
+    const zarnxml_propiedad_t *p = i_busca_propiedad(nodo, texto_propiedad);
+    if (!p)
+        return FALSO;
+    if (valor)
+        *valor = lee(p);
+    return CIERTO;
+}
+
 extern "C" {
 
 // ---- The node's own datum --------------------------------------------------------------------
@@ -407,46 +419,34 @@ ZARN_API zybool zarnxml_existe_propiedad_cadena(const zarnxml_nodo_t *nodo,
                                                 const char *texto_propiedad, CADENA *valor) {
     ZARN_ASSERT_NO_NULL(nodo, ORIGEN);
     conf_de(nodo);
-    const zarnxml_propiedad_t *p = i_busca_propiedad(nodo, texto_propiedad);
-    if (!p)
-        return FALSO;
-    if (valor)
-        *valor = zarn::dup_utf8(zarn::vista(p->dato_propiedad));
-    return CIERTO;
+    return i_existe_propiedad(nodo, texto_propiedad, valor, [](const zarnxml_propiedad_t *p) {
+        return zarn::dup_utf8(zarn::vista(p->dato_propiedad));
+    });
 }
 
 ZARN_API zybool zarnxml_existe_propiedad_cadena_u(const zarnxml_nodo_t *nodo,
                                                   const char *texto_propiedad, CADENA_u *valor) {
     ZARN_ASSERT_NO_NULL(nodo, ORIGEN);
     conf_de(nodo);
-    const zarnxml_propiedad_t *p = i_busca_propiedad(nodo, texto_propiedad);
-    if (!p)
-        return FALSO;
-    if (valor)
-        *valor = zarn::dup_u(zarn::vista(p->dato_propiedad));
-    return CIERTO;
+    return i_existe_propiedad(nodo, texto_propiedad, valor, [](const zarnxml_propiedad_t *p) {
+        return zarn::dup_u(zarn::vista(p->dato_propiedad));
+    });
 }
 
 ZARN_API zybool zarnxml_existe_propiedad_double(const zarnxml_nodo_t *nodo,
                                                 const char *texto_propiedad, double *valor) {
     ZARN_ASSERT_NO_NULL(nodo, ORIGEN);
-    const zarnxml_propiedad_t *p = i_busca_propiedad(nodo, texto_propiedad);
-    if (!p)
-        return FALSO;
-    if (valor)
-        *valor = zarnfxml_atof_u(p->dato_propiedad);
-    return CIERTO;
+    return i_existe_propiedad(nodo, texto_propiedad, valor, [](const zarnxml_propiedad_t *p) {
+        return zarnfxml_atof_u(p->dato_propiedad);
+    });
 }
 
 ZARN_API zybool zarnxml_existe_propiedad_ulong(const zarnxml_nodo_t *nodo,
                                                const char *texto_propiedad, uint32_t *valor) {
     ZARN_ASSERT_NO_NULL(nodo, ORIGEN);
-    const zarnxml_propiedad_t *p = i_busca_propiedad(nodo, texto_propiedad);
-    if (!p)
-        return FALSO;
-    if (valor)
-        *valor = zarnfxml_atoul_u(p->dato_propiedad);
-    return CIERTO;
+    return i_existe_propiedad(nodo, texto_propiedad, valor, [](const zarnxml_propiedad_t *p) {
+        return zarnfxml_atoul_u(p->dato_propiedad);
+    });
 }
 
 ZARN_API zybool zarnxml_existe_propiedad_bool(const zarnxml_nodo_t *nodo,
