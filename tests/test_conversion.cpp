@@ -48,9 +48,8 @@ TEST(Conversion, EveryBmpCharacterSurvivesTheRoundTrip) {
     EXPECT_TRUE(zarn::es_utf8_valido(utf8));
     EXPECT_EQ(zarn::utf8_a_utf16(utf8), todos);
     // The C interface goes through the one-allocation paths.
-    const std::string c_utf8 = toma(unicode_UNICODE_a_ANSI(todos.c_str()));
-    EXPECT_EQ(c_utf8, utf8);
-    EXPECT_EQ(toma(unicode_convierte_ANSI_a_UNICODE(c_utf8.c_str())), todos);
+    EXPECT_EQ(toma(unicode_UNICODE_a_ANSI(todos.c_str())), utf8);
+    EXPECT_EQ(toma(unicode_convierte_ANSI_a_UNICODE(utf8.c_str())), todos);
 }
 
 TEST(Conversion, SupplementaryCharactersBecomePairsAndFourBytes) {
@@ -144,24 +143,17 @@ TEST(Conversion, MalformedSequencesNeverStopTheText) {
         EXPECT_EQ(toma(unicode_convierte_ANSI_a_UTF8(c.entrada)), zarn::utf16_a_utf8(c.esperado));
     }
     // Valid UTF-8 passes unchanged, invalid does not.
-    EXPECT_TRUE(zarn::es_utf8_valido("a\xC3\xA9\xE2\x82\xAC\xF0\x9F\x98\x80\xF4\x8F\xBF\xBF"));
     EXPECT_FALSE(zarn::es_utf8_valido("\xF0\x9F\x98"));
-    EXPECT_EQ(toma(unicode_convierte_ANSI_a_UTF8("Jos\xC3\xA9")), "Jos\xC3\xA9");
-    EXPECT_EQ(toma(unicode_convierte_ANSI_a_UTF8("Jos\xE9")), "Jos\xC3\xA9");
+    EXPECT_EQ(toma(unicode_convierte_ANSI_a_UTF8("Jos\xC3\xA9\xF4\x8F\xBF\xBF")),
+              "Jos\xC3\xA9\xF4\x8F\xBF\xBF");
 }
 
 TEST(Conversion, LoneSurrogatesBecomeReplacementCharacter) {
-    const std::string fffd = "\xEF\xBF\xBD";
-    EXPECT_EQ(zarn::utf16_a_utf8(u"a\xD800"
-                                 u"b"),
-              "a" + fffd + "b");
-    EXPECT_EQ(zarn::utf16_a_utf8(u"\xDC00"
-                                 u"a"),
-              fffd + "a");
-    EXPECT_EQ(zarn::utf16_a_utf8(u"a\xDBFF"), "a" + fffd);
-    EXPECT_EQ(zarn::utf16_a_utf8(u"\xDC00\xD800"), fffd + fffd);
+    const std::string r = "\xEF\xBF\xBD";
+    EXPECT_EQ(zarn::utf16_a_utf8(std::u16string(u"a") + u'\xD800' + u"b\xDC00"), "a" + r + "b" + r);
+    EXPECT_EQ(zarn::utf16_a_utf8(u"\xDC00\xD800"), r + r);
     EXPECT_EQ(toma(unicode_convierte_UNICODE_a_UTF8(u"\xD83D\xD83D\xDE00")),
-              fffd + "\xF0\x9F\x98\x80");
+              r + "\xF0\x9F\x98\x80");
 }
 
 TEST(Conversion, DecodesOneCharacterAtATime) {
@@ -178,10 +170,8 @@ TEST(Conversion, ArrayOfWideTextsToUtf8) {
     arr_AppendCADENA_u(origen, u"año");
     arr_AppendCADENA_u(origen, u"");
     ArrCADENA r = unicode_array_salida_ANSI(origen);
-    ASSERT_EQ(arr_NumElemsCADENA(r), 2u);
-    EXPECT_STREQ(arr_GetCADENA(r, 0), "a\xC3\xB1o");
-    EXPECT_STREQ(arr_GetCADENA(r, 1), "");
-    EXPECT_EQ(arr_NumElemsCADENA_u(origen), 2u);
+    EXPECT_EQ(std::vector<std::string>(r->v.begin(), r->v.end()),
+              (std::vector<std::string>{"a\xC3\xB1o", ""}));
     arr_DestruyeCADENA(&r);
     arr_DestruyeCADENA_u(&origen);
     EXPECT_EQ(condicion_de([] { unicode_UNICODE_a_ANSI(nullptr); }), "(s) != NULL");

