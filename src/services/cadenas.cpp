@@ -276,16 +276,8 @@ ZARN_API double cad_atof(const char *s) {
 
 ZARN_API CADENA nousar_formatea(const char *formato, ...) {
     ZARN_ASSERT_NO_NULL(formato, ORIGEN);
-    va_list ap;
-    va_start(ap, formato);
-    std::string r;
-    try {
-        r = formatea(formato, ap);
-    } catch (...) {
-        va_end(ap);
-        throw;
-    }
-    va_end(ap);
-    return zarn::dup(r);
+    zarn::ListaArgumentos args;
+    va_start(args.ap, formato);
+    return zarn::dup(formatea(formato, args.ap));
 }
 }

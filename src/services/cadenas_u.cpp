@@ -214,16 +214,8 @@ ZARN_API int64_t widestr_nousar_atoi64(const char16_t *s, const char *origen, ui
 
 ZARN_API CADENA_u copiaforu_nousar_formatea(const char16_t *formato, ...) {
     ZARN_ASSERT_NO_NULL(formato, "zarnstr");
-    va_list ap;
-    va_start(ap, formato);
-    std::u16string r;
-    try {
-        r = formatea(formato, ap);
-    } catch (...) {
-        va_end(ap);
-        throw;
-    }
-    va_end(ap);
-    return zarn::dup_u(r);
+    zarn::ListaArgumentos args;
+    va_start(args.ap, formato);
+    return zarn::dup_u(formatea(formato, args.ap));
 }
 }

@@ -6,6 +6,7 @@
 #include <zarnxml/zarntipos.h>
 #include <zarnxml/zyassert.h>
 
+#include <cstdarg>
 #include <cstdint>
 #include <cstring>
 #include <string>
@@ -29,6 +30,18 @@ inline constexpr const char *ORIGEN_ARBOL = "zarnxml (ZARNXML.DLL)";
 #define ZARN_ASSERT_NO_NULL(p, origen) ZARN_ASSERT_TEXTO((p) != nullptr, "(" #p ") != NULL", origen)
 #define ZARN_DEFAULT_ERROR(origen)                                                                 \
     ::error_interno_default_error(nullptr, nullptr, (origen), static_cast<uint32_t>(__LINE__), 0)
+
+// ---- Variadic arguments --------------------------------------------------------------------
+
+// Ends a va_list on every path, also when an internal error unwinds through the formatter.
+// Use: ListaArgumentos args; va_start(args.ap, ultimo); ... f(args.ap) ...
+struct ListaArgumentos {
+    va_list ap;
+    ListaArgumentos() = default;
+    ListaArgumentos(const ListaArgumentos &) = delete;
+    ListaArgumentos &operator=(const ListaArgumentos &) = delete;
+    ~ListaArgumentos() { va_end(ap); }
+};
 
 // ---- Heap strings ----------------------------------------------------------------------------
 
