@@ -117,6 +117,30 @@ TEST(EscritorSalida, FicheroRepetidoYCreciente) {
     EXPECT_EQ(lee_fichero(dir / "f.xml"), decl + "<n>José</n>\n<m>2</m>\n");
 }
 
+// The lent array follows the store as it grows, its lines stay where they are, and lines too long
+// for the store's blocks keep their place in the output among the short ones.
+TEST(EscritorSalida, LineasPrestadasYLineasLargas) {
+    DirTemporal dir;
+    Escritor e;
+    zarnfxml_graba_cadena(e, "a", "1");
+    ArrCADENA lineas = zarnfxml_lineas(e);
+    const char *primera = arr_GetCADENA(lineas, 0);
+    const std::string larga(400000, 'x'), muy_larga(3000000, 'y');
+    zarnfxml_graba_cadena(e, "b", larga.c_str());
+    zarnfxml_graba_cadena(e, "c", "2");
+    zarnfxml_graba_cadena(e, "d", muy_larga.c_str());
+    zarnfxml_graba_salto_linea(e);
+    ASSERT_EQ(arr_NumElemsCADENA(lineas), 5u);
+    EXPECT_EQ(arr_GetCADENA(lineas, 0), primera);
+    EXPECT_STREQ(arr_GetCADENA(lineas, 2), "<c>2</c>");
+    EXPECT_STREQ(arr_GetCADENA(lineas, 4), "");
+    const std::string cuerpo =
+        "<a>1</a>\n<b>" + larga + "</b>\n<c>2</c>\n<d>" + muy_larga + "</d>\n";
+    EXPECT_EQ(texto_de(e), cuerpo);
+    zarnfxml_genera_fichero_salida(e, dir.u("f.xml").c_str());
+    EXPECT_EQ(lee_fichero(dir / "f.xml"), cabecera("UTF-8") + "\n" + cuerpo + "\n");
+}
+
 TEST(EscritorErrores, BloquesYDestruccion) {
     {
         ConManejadorQueLanza con;

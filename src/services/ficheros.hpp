@@ -50,6 +50,27 @@ size_t lee_bytes(zarnio_fichero_s &fichero, void *destino, size_t n);
 // Flushes and closes a written file; a failure ends in "fichero escrito" with the path.
 void cierra_escrito(Fichero fichero, const char *origen, uint32_t linea);
 
+// Writes lines to a new file ("wb") or the end of one ("ab"), each ended by LF, in large blocks
+// so that a file of many short lines costs few writes. Opening and closing fail as abre and
+// cierra_escrito do; without cierra(), as when an internal error unwinds, the file is just closed.
+class SalidaLineas {
+public:
+    SalidaLineas(const char16_t *ruta, const char *modo);
+    void linea(std::string_view texto);
+    // A run of lines each ended by a zero byte, written each ended by LF.
+    void lineas_terminadas(const char *p, size_t n);
+    void cierra();
+
+private:
+    static constexpr size_t TAM = size_t{1} << 20;
+    void pon(const char *p, size_t n);
+    void vuelca();
+
+    Fichero fichero_;
+    std::unique_ptr<char[]> buf_;
+    size_t usado_ = 0;
+};
+
 // Calls linea(std::basic_string_view<C>) for each line of texto. Lines end at LF, a CR before the
 // LF belongs to the line end, and a final LF opens no further line: "" gives no line, "a\nb\n"
 // gives "a" and "b".

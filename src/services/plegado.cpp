@@ -24,10 +24,14 @@ inline bool pliegan_igual(char16_t a, char16_t b) noexcept {
 } // namespace
 
 bool iguales_may_o_min(std::u16string_view a, std::u16string_view b) noexcept {
+    if (a == b)
+        return true;
     return a.size() == b.size() && std::equal(a.begin(), a.end(), b.begin(), pliegan_igual);
 }
 
 bool iguales_may_o_min(std::string_view a, std::string_view b) noexcept {
+    if (a == b) // the usual answer, found without folding
+        return true;
     const char *p = a.data(), *pf = p + a.size();
     const char *q = b.data(), *qf = q + b.size();
     while (p < pf && q < qf) {

@@ -13,7 +13,6 @@ namespace {
 
 constexpr const char *ORIGEN = "zarntxt";
 constexpr size_t TAM_LECTURA = size_t{64} * 1024;
-constexpr size_t TAM_ESCRITURA = size_t{256} * 1024;
 
 // Reads ahead until at least n bytes are pending or the file ends; gives the count pending.
 size_t asegura(zarnio_fichero_s &fi, size_t n) {
@@ -90,50 +89,67 @@ std::u16string utf16_de_bytes(std::string_view b) {
     return texto;
 }
 
-// Collects the output in large blocks, so that a file of many short lines costs few writes.
-class Escritor {
-public:
-    explicit Escritor(std::FILE *f)
-        : f_(f), buf_(std::make_unique_for_overwrite<char[]>(TAM_ESCRITURA)) {
-        std::setvbuf(f_, nullptr, _IONBF, 0);
-    }
-    void pon(const char *p, size_t n) {
-        if (n > TAM_ESCRITURA - usado_) {
-            vuelca();
-            if (n >= TAM_ESCRITURA) {
-                std::fwrite(p, 1, n, f_);
-                return;
-            }
-        }
-        std::memcpy(buf_.get() + usado_, p, n);
-        usado_ += n;
-    }
-    void vuelca() {
-        if (usado_)
-            std::fwrite(buf_.get(), 1, usado_, f_);
-        usado_ = 0;
-    }
-
-private:
-    std::FILE *f_;
-    std::unique_ptr<char[]> buf_;
-    size_t usado_ = 0;
-};
-
 void graba_lineas(ArrCADENA lineas, const char16_t *ruta, const char *modo) {
     ZARN_ASSERT_NO_NULL(lineas, ORIGEN);
-    zarn::Fichero fi = zarn::abre(ruta, modo, ORIGEN, __LINE__);
-    Escritor salida(fi->f);
-    for (const char *s : lineas->v) {
-        const std::string_view linea = zarn::vista(s);
-        salida.pon(linea.data(), linea.size());
-        salida.pon("\n", 1);
-    }
-    salida.vuelca();
-    zarn::cierra_escrito(std::move(fi), ORIGEN, __LINE__);
+    zarn::SalidaLineas salida(ruta, modo);
+    for (const char *s : lineas->v)
+        salida.linea(zarn::vista(s));
+    salida.cierra();
 }
 
 } // namespace
+
+namespace zarn {
+
+SalidaLineas::SalidaLineas(const char16_t *ruta, const char *modo)
+    : fichero_(abre(ruta, modo, ORIGEN, __LINE__)),
+      buf_(std::make_unique_for_overwrite<char[]>(TAM)) {
+    std::setvbuf(fichero_->f, nullptr, _IONBF, 0);
+}
+
+void SalidaLineas::pon(const char *p, size_t n) {
+    if (n > TAM - usado_) {
+        vuelca();
+        if (n >= TAM) {
+            std::fwrite(p, 1, n, fichero_->f);
+            return;
+        }
+    }
+    std::memcpy(buf_.get() + usado_, p, n);
+    usado_ += n;
+}
+
+void SalidaLineas::vuelca() {
+    if (usado_)
+        std::fwrite(buf_.get(), 1, usado_, fichero_->f);
+    usado_ = 0;
+}
+
+void SalidaLineas::linea(std::string_view texto) {
+    pon(texto.data(), texto.size());
+    pon("\n", 1);
+}
+
+void SalidaLineas::lineas_terminadas(const char *p, size_t n) {
+    while (n > 0) {
+        if (usado_ == TAM)
+            vuelca();
+        const size_t k = std::min(n, TAM - usado_);
+        char *destino = buf_.get() + usado_;
+        std::memcpy(destino, p, k);
+        std::replace(destino, destino + k, '\0', '\n');
+        usado_ += k;
+        p += k;
+        n -= k;
+    }
+}
+
+void SalidaLineas::cierra() {
+    vuelca();
+    cierra_escrito(std::move(fichero_), ORIGEN, __LINE__);
+}
+
+} // namespace zarn
 
 extern "C" {
 

@@ -20,7 +20,10 @@ ZARN_API void zarnfxml_concatena(zarnfxml_t *xml, zarnfxml_t *xml_anadir) {
     i_xml_escritura *anadir = I_ESCRITOR(xml_anadir);
     ZARN_ASSERT_TEXTO(anadir->etiquetas_abiertas.empty(),
                       "arr_NumElemsCADENA(xml_anadir->etiquetas_abiertas) == 0", ORIGEN_STREAMING);
-    zarnfxml_concatena_codigo_xml(xml, anadir->lineas.get());
+    // Line by line, as zarnfxml_concatena_codigo_xml does; xml_anadir may be xml itself.
+    i_xml_escritura *destino = I_ESCRITOR(xml);
+    anadir->lineas.recorre(anadir->lineas.size(),
+                           [destino](std::string_view l) { i_graba_linea(destino, l); });
 }
 
 ZARN_API CADENA zarnfxml_xml_escritura_a_char(zarnfxml_t *handle, zybool con_cabecera) {
@@ -28,20 +31,19 @@ ZARN_API CADENA zarnfxml_xml_escritura_a_char(zarnfxml_t *handle, zybool con_cab
     ZARN_ASSERT_NO_NULL(xml->conf, ORIGEN_STREAMING);
     std::string texto;
     size_t total = 0;
-    for (const char *linea : xml->lineas->v)
-        total += std::strlen(linea) + 1;
+    xml->lineas.recorre_tramos([&total](const char *, size_t n) { total += n; });
     texto.reserve(total + 64);
     if (con_cabecera == CIERTO) {
         texto = i_linea_cabecera_xml(xml);
         texto += '\n';
     }
     bool primera = true;
-    for (const char *linea : xml->lineas->v) {
+    xml->lineas.recorre(xml->lineas.size(), [&](std::string_view linea) {
         if (!primera)
             texto += '\n';
         primera = false;
         texto += linea;
-    }
+    });
     return zarn::dup(texto);
 }
 
@@ -58,10 +60,10 @@ ZARN_API void zarnfxml_append_a_fichero_salida_para_test(zarnfxml_t *xml,
 }
 
 ZARN_API zybool zarnfxml_tiene_datos(zarnfxml_t *xml) {
-    return I_ESCRITOR(xml)->lineas->v.empty() ? FALSO : CIERTO;
+    return I_ESCRITOR(xml)->lineas.empty() ? FALSO : CIERTO;
 }
 
 ZARN_API ArrCADENA zarnfxml_lineas(zarnfxml_t *xml) {
-    return I_ESCRITOR(xml)->lineas.get();
+    return I_ESCRITOR(xml)->lineas.lista();
 }
 }

@@ -2,17 +2,54 @@
 // string fields and the output file.
 #include "streaming/escritor.hpp"
 
+#include "services/ficheros.hpp"
+
 #include <algorithm>
+#include <cstring>
 
 using zarn::ORIGEN_STREAMING;
 
-void i_destruye_arr_cadena::operator()(ArrCADENA_s *a) const noexcept {
-    ArrCADENA h = a;
-    arr_DestruyeCADENA(&h);
+void i_almacen_lineas::anade(std::string_view linea) {
+    constexpr size_t BLOQUE = size_t{1} << 20;
+    const size_t n = linea.size() + 1;
+    char *destino;
+    if (n > BLOQUE / 4) {
+        // A long line gets a block of its own; the block in hand goes on being filled after it.
+        destino = bloques_.emplace_back(std::make_unique_for_overwrite<char[]>(n)).get();
+        tramos_.push_back({destino, n});
+    } else {
+        if (n > queda_) {
+            libre_ = bloques_.emplace_back(std::make_unique_for_overwrite<char[]>(BLOQUE)).get();
+            queda_ = BLOQUE;
+        }
+        destino = libre_;
+        if (!tramos_.empty() && tramos_.back().ini + tramos_.back().bytes == destino)
+            tramos_.back().bytes += n;
+        else
+            tramos_.push_back({destino, n});
+        libre_ += n;
+        queda_ -= n;
+    }
+    if (!linea.empty())
+        std::memcpy(destino, linea.data(), linea.size());
+    destino[linea.size()] = '\0';
+    ++num_lineas_;
+    if (lista_)
+        lista_->v.push_back(destino);
+}
+
+ArrCADENA_s *i_almacen_lineas::lista() {
+    if (!lista_) {
+        lista_ = std::make_unique<ArrCADENA_s>();
+        lista_->v.reserve(num_lineas_);
+        recorre(num_lineas_,
+                [this](std::string_view l) { lista_->v.push_back(const_cast<char *>(l.data())); });
+    }
+    return lista_.get();
 }
 
 i_xml_escritura::i_xml_escritura(std::unique_ptr<zarnfxml_conf_t> c)
-    : zarnfxml_s(i_clase_objeto::escritor), conf(std::move(c)), lineas(arr_CreaCADENA(0)) {}
+    : zarnfxml_s(i_clase_objeto::escritor), conf(std::move(c)) {}
 
 i_xml_escritura *i_escritor(zarnfxml_t *xml, uint32_t linea_fuente) {
     if (xml == nullptr) [[unlikely]]
@@ -131,7 +168,7 @@ std::string &i_empieza_linea(i_xml_escritura *xml) {
 }
 
 void i_graba_linea_construida(i_xml_escritura *xml) {
-    xml->lineas->v.push_back(zarn::dup(xml->linea));
+    xml->lineas.anade(xml->linea);
 }
 
 void i_graba_linea(i_xml_escritura *xml, std::string_view texto) {
@@ -140,7 +177,7 @@ void i_graba_linea(i_xml_escritura *xml, std::string_view texto) {
 }
 
 void i_graba_linea_sin_indentar(i_xml_escritura *xml, std::string_view texto) {
-    xml->lineas->v.push_back(zarn::dup(texto));
+    xml->lineas.anade(texto);
 }
 
 void i_graba_campo(i_xml_escritura *xml, std::string_view etiqueta, std::string_view dato) {
@@ -191,16 +228,12 @@ void i_genera_fichero(zarnfxml_t *handle, const char16_t *nombre_fichero, bool c
     ZARN_ASSERT_NO_NULL(xml->conf, ORIGEN_STREAMING);
     ZARN_ASSERT_TEXTO(xml->etiquetas_abiertas.empty(),
                       "arr_NumElemsCADENA(xml->etiquetas_abiertas) == 0", ORIGEN_STREAMING);
-    ArrCADENA_s cabecera;
-    std::string linea = i_linea_cabecera_xml(xml);
-    cabecera.v.push_back(linea.data());
-    if (crear) {
+    if (crear)
         zdir_crea_directorios_fichero_UNICODE(nombre_fichero);
-        lc_Graba_Array_FicheroTxt_u(&cabecera, nombre_fichero);
-    } else {
-        lc_Anade_Array_FicheroTxt_u(&cabecera, nombre_fichero);
-    }
-    lc_Anade_Array_FicheroTxt_u(xml->lineas.get(), nombre_fichero);
+    zarn::SalidaLineas salida(nombre_fichero, crear ? "wb" : "ab");
+    salida.linea(i_linea_cabecera_xml(xml));
+    xml->lineas.recorre_tramos([&](const char *p, size_t n) { salida.lineas_terminadas(p, n); });
+    salida.cierra();
 }
 
 // ---- The exported operations -----------------------------------------------------------------

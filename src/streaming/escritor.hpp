@@ -9,16 +9,55 @@
 #include <string_view>
 #include <vector>
 
-struct i_destruye_arr_cadena {
-    void operator()(ArrCADENA_s *a) const noexcept;
+// The finished lines of a writer. Their text is kept in large blocks that never move, one line
+// after another, each ended by a zero byte: a line costs a copy, not an allocation of its own, and
+// runs of lines go to a file in one piece. The array of line addresses that zarnfxml_lineas lends
+// is made only when it is first asked for, and from then on kept up to date.
+class i_almacen_lineas {
+public:
+    void anade(std::string_view linea);
+    size_t size() const noexcept { return num_lineas_; }
+    bool empty() const noexcept { return num_lineas_ == 0; }
+    // Calls f(std::string_view) for the first n lines in order. f may add lines to this store:
+    // they are not visited.
+    template <typename F> void recorre(size_t n, F &&f) const {
+        for (size_t t = 0; n > 0; ++t) {
+            const char *p = tramos_[t].ini;
+            const char *fin = p + tramos_[t].bytes;
+            for (; p < fin && n > 0; --n) {
+                const std::string_view linea(p);
+                p += linea.size() + 1;
+                f(linea);
+            }
+        }
+    }
+    // Calls f(const char *, size_t) for each run of lines, each line ended by a zero byte.
+    template <typename F> void recorre_tramos(F &&f) const {
+        for (const Tramo &t : tramos_)
+            f(t.ini, t.bytes);
+    }
+    // The lent array of the lines.
+    ArrCADENA_s *lista();
+
+private:
+    struct Tramo {
+        const char *ini;
+        size_t bytes;
+    };
+    std::vector<std::unique_ptr<char[]>> bloques_;
+    std::vector<Tramo> tramos_; // consecutive lines in one block, in output order
+    char *libre_ = nullptr;     // the free part of the block in hand
+    size_t queda_ = 0;
+    size_t num_lineas_ = 0;
+    std::unique_ptr<ArrCADENA_s> lista_;
 };
 
 struct i_xml_escritura : zarnfxml_s {
     i_xml_escritura(std::unique_ptr<zarnfxml_conf_t> c);
 
     std::unique_ptr<zarnfxml_conf_t> conf;
-    // The finished lines of the body, in output order; zarnfxml_lineas lends this array.
-    std::unique_ptr<ArrCADENA_s, i_destruye_arr_cadena> lineas;
+    // The finished lines of the body, in output order.
+    i_almacen_lineas lineas;
     // The tags of the open blocks, outermost first; their count is the indentation level.
     std::vector<std::string> etiquetas_abiertas;
     void *item_asociado = nullptr;
