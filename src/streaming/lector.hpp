@@ -77,10 +77,24 @@ public:
         decodificado_ = false;
     }
     void asigna(const i_dato_t &otro);
+    void intercambia(i_dato_t &otro) noexcept {
+        bruto_.swap(otro.bruto_);
+        texto_.swap(otro.texto_);
+        std::swap(tipo_codificacion_, otro.tipo_codificacion_);
+        std::swap(decodificado_, otro.decodificado_);
+    }
     void limpia() noexcept {
         bruto_.clear();
         tipo_codificacion_ = i_CODIFICACION_UTF_8;
         decodificado_ = false;
+    }
+    // Whether the text is ASCII without '&': its wide text is then its bytes unit for unit, in
+    // every encoding, so that typed reads can take the bytes without decoding them.
+    bool es_ascii_llano() const noexcept {
+        for (const char c : bruto_)
+            if ((static_cast<unsigned char>(c) & 0x80) != 0 || c == '&')
+                return false;
+        return true;
     }
     // The wide text, decoded once; lent until the datum changes.
     const std::u16string &texto() const;
@@ -248,6 +262,10 @@ i_registro_ptr i_crea_registro(i_xml_lectura *xml, const zarnfxml_pieza_t *pieza
 i_registro_ptr i_crea_registro_campo(i_xml_lectura *xml,
                                      const zarnfxml_pieza_t *pieza_inicio_bloque,
                                      const zarnfxml_pieza_t *pieza_dato_si_hay);
+// The same field record, taking over the content of the two pieces instead of copying it: the
+// pieces are left empty for reuse.
+i_registro_ptr i_toma_registro_campo(i_xml_lectura *xml, i_pieza_ptr &pieza_inicio_bloque,
+                                     i_pieza_ptr &pieza_dato_si_hay);
 i_registro_ptr i_crea_registro_fin_bloque(i_xml_lectura *xml,
                                           const zarnfxml_pieza_t *pieza_inicio_y_fin_bloque);
 void i_destruye_registro(i_xml_lectura *xml, i_registro_ptr &registro);

@@ -14,9 +14,24 @@ void i_lee_campo_con(i_xml_lectura *xml, const char *etiqueta, zybool admite_cam
     ZARN_ASSERT_TEXTO(es_etiqueta_igual == CIERTO, "es_etiqueta_igual == CIERTO", ORIGEN_STREAMING);
 }
 
+const i_dato_t &i_dato(const i_xml_lectura *xml) {
+    return i_dato_registro(xml->registro.get());
+}
+
+// ASCII bytes and a wide text are equal, case ignored.
+bool i_iguales_ascii_may_o_min(std::string_view ascii, std::u16string_view texto) {
+    return ascii.size() == texto.size() &&
+           std::equal(ascii.begin(), ascii.end(), texto.begin(), [](char a, char16_t b) {
+               return zarn::pliega(static_cast<char16_t>(a)) == zarn::pliega(b);
+           });
+}
+
 // The strict truth read: the datum is one of the reader's two truth texts, case ignored.
 zybool i_dato_registro_a_bool(const i_xml_lectura *xml) {
-    const std::u16string_view dato = i_dato_campo(xml);
+    const i_dato_t &d = i_dato(xml);
+    if (d.es_ascii_llano() && i_iguales_ascii_may_o_min(d.bruto(), xml->conf->texto_zybool_true))
+        return CIERTO;
+    const std::u16string_view dato = d.texto();
     if (zarn::iguales_may_o_min(dato, std::u16string_view(xml->conf->texto_zybool_true)))
         return CIERTO;
     ZARN_ASSERT_TEXTO(
@@ -35,7 +50,8 @@ uint32_t i_dato_a_ulong(const i_xml_lectura *xml) {
 }
 
 double i_dato_a_double(const i_xml_lectura *xml) {
-    return zarnfxml_atof_u(i_dato_campo(xml).c_str());
+    const i_dato_t &d = i_dato(xml);
+    return d.es_ascii_llano() ? zarnfxml_atof(d.bruto().c_str()) : zarnfxml_atof_u(d.c_str());
 }
 
 // A file opened for reading, closed at the end of the scope however the scope ends.
@@ -123,13 +139,15 @@ ZARN_API double zarnfxml_lee_double_opcional(zarnfxml_t *xml, const char *etique
 ZARN_API CADENA zarnfxml_lee_cadena(zarnfxml_t *xml, const char *etiqueta) {
     i_xml_lectura *x = I_LECTOR(xml);
     i_lee_campo_admite_vacio(x, etiqueta);
-    return zarn::dup_utf8(i_dato_campo(x));
+    const i_dato_t &d = i_dato(x);
+    return d.es_ascii_llano() ? zarn::dup(d.bruto()) : zarn::dup_utf8(d.texto());
 }
 
 ZARN_API CADENA_u zarnfxml_lee_cadena_u(zarnfxml_t *xml, const char *etiqueta) {
     i_xml_lectura *x = I_LECTOR(xml);
     i_lee_campo_admite_vacio(x, etiqueta);
-    return zarn::dup_u(i_dato_campo(x));
+    const i_dato_t &d = i_dato(x);
+    return d.es_ascii_llano() ? zarn::dup_utf16(d.bruto()) : zarn::dup_u(d.texto());
 }
 
 ZARN_API int64_t zarnfxml_lee_fecha(zarnfxml_t *xml, const char *etiqueta) {

@@ -15,15 +15,28 @@ namespace {
 // Byte classes of the scans.
 enum : uint8_t {
     C_BLANCO = 1,     // white space: blank, tab, CR, LF
-    C_FIN_NOMBRE = 2, // ends a name of a tag or property (the zero byte too)
+    C_FIN_NOMBRE = 2, // ends a name of a tag or property
+    // The stop sets of the texts: a datum, a value without quotes, in "..." and in '...'.
+    C_FIN_DATO = 4,
+    C_FIN_VALOR = 8,
+    C_FIN_VALOR_COMILLAS = 16,   // ' is an ordinary byte here
+    C_FIN_VALOR_APOSTROFOS = 32, // " is an ordinary byte here
+    // The zero byte that ends every line ends every scan.
+    C_FIN_LINEA =
+        C_FIN_NOMBRE | C_FIN_DATO | C_FIN_VALOR | C_FIN_VALOR_COMILLAS | C_FIN_VALOR_APOSTROFOS,
 };
 
 constexpr std::array<uint8_t, 256> CLASES = [] {
     std::array<uint8_t, 256> t{};
     for (const unsigned char c : {' ', '\t', '\r', '\n'})
         t[c] |= C_BLANCO | C_FIN_NOMBRE;
-    for (const unsigned char c : {'\0', '=', '<', '/', '?', '>', '"', '\''})
+    for (const unsigned char c : {'=', '<', '/', '?', '>', '"', '\''})
         t[c] |= C_FIN_NOMBRE;
+    t['<'] |= C_FIN_DATO | C_FIN_VALOR | C_FIN_VALOR_COMILLAS | C_FIN_VALOR_APOSTROFOS;
+    t['>'] |= C_FIN_VALOR | C_FIN_VALOR_COMILLAS | C_FIN_VALOR_APOSTROFOS;
+    t['"'] |= C_FIN_VALOR | C_FIN_VALOR_COMILLAS;
+    t['\''] |= C_FIN_VALOR | C_FIN_VALOR_APOSTROFOS;
+    t[0] |= C_FIN_LINEA;
     return t;
 }();
 
@@ -31,12 +44,7 @@ inline bool es(char c, uint8_t clase) {
     return (CLASES[static_cast<unsigned char>(c)] & clase) != 0;
 }
 
-// Stop sets of the texts, for strcspn (the zero byte always stops it).
-constexpr const char *FIN_DATO = "<";
-constexpr const char *FIN_VALOR = "<>\"'";
-constexpr const char *FIN_VALOR_COMILLAS = "<>\"";  // a value in "..."; ' is an ordinary byte
-constexpr const char *FIN_VALOR_APOSTROFOS = "<>'"; // a value in '...'; " is an ordinary byte
-constexpr const char *FIN_DEFINICION = "?";
+constexpr const char *FIN_DEFINICION = "?"; // for strcspn (the zero byte always stops it)
 
 // The lexer for one piece: the reader's position and stack, the line in hand and whether its
 // fetch reported the end of the source.
@@ -69,7 +77,7 @@ private:
     void salta_blancos(bool salta_comentarios, bool salta_saltos_linea, uint32_t *num_saltos_linea);
     bool salta_comentario();
     std::string_view lee_nombre();
-    bool lee_texto(std::string &acumulado, const char *fin, char union_lineas);
+    bool lee_texto(std::string &acumulado, uint8_t fin, char union_lineas);
     void lee_dato(std::string &dato);
     bool lee_dato_propiedad(std::u16string &valor);
     void lee_propiedades(i_pieza_ptr &pieza);
@@ -155,16 +163,19 @@ std::string_view Lexico::lee_nombre() {
     return {ini, static_cast<size_t>(s - ini)};
 }
 
-// A text over lines, up to a byte of `fin` (which names the stop set without the exception
-// byte) or the end of the source. Each line's part after the first is joined by union_lineas,
-// line-break tags between parts add joins. Gives whether there was any text at all.
-bool Lexico::lee_texto(std::string &acumulado, const char *fin, char union_lineas) {
+// A text over lines, up to a byte of the stop class `fin` or the end of the source. Each line's
+// part after the first is joined by union_lineas, line-break tags between parts add joins. Gives
+// whether there was any text at all.
+bool Lexico::lee_texto(std::string &acumulado, uint8_t fin, char union_lineas) {
     acumulado.clear();
     bool hay = false;
     for (;;) {
         bool unido = false;
         const char *trozo = pos();
-        const size_t n = std::strcspn(trozo, fin);
+        const char *s = trozo;
+        while (!es(*s, fin))
+            ++s;
+        const auto n = static_cast<size_t>(s - trozo);
         avanza(n);
         if (n > 0) {
             if (hay) {
@@ -180,8 +191,7 @@ bool Lexico::lee_texto(std::string &acumulado, const char *fin, char union_linea
             acumulado.append(saltos - (unido ? 1 : 0), union_lineas);
             hay = true;
         }
-        const char c = byte();
-        if (c == '\0' || std::strchr(fin, c) != nullptr)
+        if (es(byte(), fin))
             return hay;
     }
 }
@@ -189,7 +199,7 @@ bool Lexico::lee_texto(std::string &acumulado, const char *fin, char union_linea
 // The 8-bit text of a datum, normalised or literal as the reader says.
 void Lexico::lee_dato(std::string &dato) {
     if (!x_.dato_literal) {
-        lee_texto(dato, FIN_DATO, '\n');
+        lee_texto(dato, C_FIN_DATO, '\n');
         return;
     }
     dato.clear();
@@ -213,13 +223,13 @@ void Lexico::lee_dato(std::string &dato) {
 // A property value from the byte behind "=". Gives whether it was quoted and closed by its
 // quote; only then does `valor` hold the decoded value.
 bool Lexico::lee_dato_propiedad(std::u16string &valor) {
-    const char *fin = FIN_VALOR;
+    uint8_t fin = C_FIN_VALOR;
     const char c = byte();
     if (c == '"' || c == '\'') {
         avanza(1);
-        fin = c == '"' ? FIN_VALOR_COMILLAS : FIN_VALOR_APOSTROFOS;
+        fin = c == '"' ? C_FIN_VALOR_COMILLAS : C_FIN_VALOR_APOSTROFOS;
     }
-    const bool entrecomillado = fin != FIN_VALOR;
+    const bool entrecomillado = fin != C_FIN_VALOR;
     std::string &texto = x_.texto_auxiliar;
     lee_texto(texto, fin, ' ');
     const char d = byte();

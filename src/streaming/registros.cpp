@@ -72,6 +72,22 @@ i_registro_ptr i_crea_registro_campo(i_xml_lectura *xml,
     return r;
 }
 
+i_registro_ptr i_toma_registro_campo(i_xml_lectura *xml, i_pieza_ptr &pieza_inicio_bloque,
+                                     i_pieza_ptr &pieza_dato_si_hay) {
+    ZARN_ASSERT_NO_NULL(pieza_inicio_bloque, ORIGEN_STREAMING);
+    i_registro_ptr r =
+        i_nuevo_registro(xml, i_REGISTRO_CAMPO, pieza_inicio_bloque->nivel_etiquetado);
+    // Swapped, not moved, so that both sides keep their storage for the next use.
+    r->etiqueta.swap(pieza_inicio_bloque->etiqueta);
+    r->propiedades.swap(pieza_inicio_bloque->propiedades);
+    if (pieza_dato_si_hay)
+        r->dato.intercambia(pieza_dato_si_hay->dato);
+    i_destruye_pieza(xml, pieza_inicio_bloque);
+    if (pieza_dato_si_hay)
+        i_destruye_pieza(xml, pieza_dato_si_hay);
+    return r;
+}
+
 i_registro_ptr i_crea_registro_fin_bloque(i_xml_lectura *xml,
                                           const zarnfxml_pieza_t *pieza_inicio_y_fin_bloque) {
     ZARN_ASSERT_NO_NULL(pieza_inicio_y_fin_bloque, ORIGEN_STREAMING);
@@ -140,9 +156,7 @@ int32_t i_lee_registro(i_xml_lectura *xml, zybool admite_campo_vacio) {
                 i_pieza_ptr pieza3 = i_lee_pieza(xml);
                 ZARN_ASSERT_NO_NULL(pieza3, ORIGEN_STREAMING);
                 if (pieza3->tipo_pieza == i_PIEZA_FIN_BLOQUE) {
-                    xml->registro = i_crea_registro_campo(xml, pieza.get(), pieza2.get());
-                    i_destruye_pieza(xml, pieza);
-                    i_destruye_pieza(xml, pieza2);
+                    xml->registro = i_toma_registro_campo(xml, pieza, pieza2);
                     xml->pieza_actual = std::move(pieza3);
                 } else {
                     xml->registro = i_crea_registro(xml, pieza.get());
@@ -151,8 +165,8 @@ int32_t i_lee_registro(i_xml_lectura *xml, zybool admite_campo_vacio) {
                     i_devuelve_pieza(xml, std::move(pieza2));
                 }
             } else if (admite_campo_vacio && pieza2->tipo_pieza == i_PIEZA_FIN_BLOQUE) {
-                xml->registro = i_crea_registro_campo(xml, pieza.get(), nullptr);
-                i_destruye_pieza(xml, pieza);
+                i_pieza_ptr sin_dato;
+                xml->registro = i_toma_registro_campo(xml, pieza, sin_dato);
                 xml->pieza_actual = std::move(pieza2);
             } else {
                 xml->registro = i_crea_registro(xml, pieza.get());
