@@ -7,6 +7,9 @@ BUILD      ?= build/release
 BUILD_TEST ?= build/test
 BUILD_BENCH?= build/bench
 BUILD_TSAN ?= build/tsan
+# make bench: measured runs per case, and the document sizes in MB (small, main, big).
+BENCH_RUNS ?= 5
+BENCH_SIZES?= 10 100 200
 
 BASE_PKGS  := cmake g++ make pkg-config
 TEST_PKGS  := libgtest-dev
@@ -49,7 +52,7 @@ bench:
 	$(call need,$(BASE_PKGS) $(BENCH_PKGS))
 	cmake -S . -B $(BUILD_BENCH) -DCMAKE_BUILD_TYPE=Release -DZARNXML_TESTS=OFF -DZARNXML_BENCH=ON
 	cmake --build $(BUILD_BENCH) -j$(JOBS)
-	@if [ -x bench/run.sh ]; then bench/run.sh $(BUILD_BENCH); else echo "no benchmarks yet"; fi
+	BENCH_RUNS='$(BENCH_RUNS)' BENCH_SIZES='$(BENCH_SIZES)' bench/run.sh $(BUILD_BENCH)
 
 tsan:
 	$(call need,$(BASE_PKGS) $(TEST_PKGS))

@@ -22,6 +22,6 @@ int main(int argc, char **argv) {
     wait4(pid, &estado, 0, &uso);
     const double s =
         std::chrono::duration<double>(std::chrono::steady_clock::now() - inicio).count();
-    std::fprintf(stderr, "wall_s=%.3f maxrss_kb=%ld\n", s, uso.ru_maxrss);
+    std::fprintf(stderr, "wall_s=%.6f maxrss_kb=%ld\n", s, uso.ru_maxrss);
     return WIFEXITED(estado) ? WEXITSTATUS(estado) : 1;
 }
