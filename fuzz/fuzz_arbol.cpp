@@ -1,0 +1,710 @@
+// Fuzz target: the tree builder takes any bytes and answers with a tree or a message, and every
+// lookup and accessor answers over whatever tree it built. The tree walk and the sequential
+// reader over a tree are held to the same tree. The input is one document, loaded
+// from lines (data taken literally) and from a file (data normalised). A bad document gives the
+// check's own message and a blank root; a good one gives a tree whose every node answers the
+// questions of the tree's interface with tags of its own children, a few bytes of the input, and
+// the names of its properties, each asked only where the interface allows it (a tag that stands
+// twice among the children is read only with the functions made for repeats).
+#include "fuzz_comun.hpp"
+
+#include <algorithm>
+#include <string>
+#include <vector>
+
+namespace {
+
+using fuzz::falla;
+using Nodo = const zarnxml_nodo_t;
+
+fuzz::FicheroTemporal &fichero() {
+    static fuzz::FicheroTemporal f("arbol");
+    return f;
+}
+
+// Enough nodes and tags to reach every function without making a run slow.
+constexpr size_t MAX_NODOS = 300;
+constexpr size_t MAX_ETIQUETAS = 6;
+// Below this depth the search at any depth keeps within its own limit of 10000 levels.
+constexpr size_t PROFUNDIDAD_BUSQUEDA = 9000;
+
+struct Destruye {
+    void operator()(ArrPuntero a) const { zarnxml_destruye_array_const_nodos(&a); }
+};
+
+// The nodes of a found array, which is freed.
+std::vector<Nodo *> nodos_de(ArrPuntero encontrados) {
+    std::vector<Nodo *> v;
+    if (!encontrados)
+        return v;
+    for (uint32_t i = 0; i < arr_NumElemsPuntero(encontrados); ++i)
+        v.push_back(static_cast<Nodo *>(arr_GetPunteroConTipo(encontrados, i)));
+    zarnxml_destruye_array_const_nodos(&encontrados);
+    if (encontrados)
+        falla("zarnxml_destruye_array_const_nodos left the handle");
+    return v;
+}
+
+void libera(ArrDouble a) {
+    arr_DestruyeDouble(&a);
+}
+void libera(ArrULong a) {
+    arr_DestruyeULong(&a);
+}
+void libera(ArrPunto2D a) {
+    arr_DestruyePunto2D(&a);
+}
+void libera(ArrCADENA_u a) {
+    arr_DestruyeCADENA_u(&a);
+}
+void libera(fichmem *f) {
+    fichmem_destruye(&f);
+}
+void libera(CADENA s) {
+    std::free(s);
+}
+void libera(CADENA_u s) {
+    std::free(s);
+}
+
+// The node's own datum through every typed read.
+void lee_dato_propio(Nodo *n, const char16_t *separadores) {
+    const char16_t *dato = zarnxml_get_dato_cadena_u(n);
+    if (zarnxml_num_nodos_hijos(n) > 0 && dato != nullptr)
+        falla("a node with children has a datum");
+    libera(zarnxml_get_dato_cadena(n));
+    (void)zarnxml_get_dato_long(n);
+    (void)zarnxml_get_dato_ulong(n);
+    (void)zarnxml_get_dato_double(n);
+    zybool v = 2;
+    if (zarnxml_es_dato_bool(n, &v)) {
+        if (zarnxml_get_dato_bool(n) != v)
+            falla("zarnxml_get_dato_bool differs from zarnxml_es_dato_bool");
+    } else if (v != 2) {
+        falla("zarnxml_es_dato_bool wrote its value on FALSO");
+    }
+    int32_t l = 0;
+    uint32_t ul = 0;
+    (void)zarnxml_es_dato_long(n, &l);
+    (void)zarnxml_es_dato_ulong(n, &ul);
+    libera(zarnxml_get_dato_ArrDouble(n));
+    libera(zarnxml_get_dato_ArrULong(n));
+    libera(zarnxml_get_dato_ArrPunto2D(n, separadores));
+}
+
+// The child etiqueta, which stands once, through the reads that demand it.
+void lee_hijo_unico(Nodo *n, const char *t, Nodo *hijo) {
+    if (zarnxml_dame_nodo(n, t) != hijo)
+        falla("zarnxml_dame_nodo gives another node");
+    if (zarnxml_get_dato_hijo_cadena(n, t) != zarnxml_get_dato_cadena_u(hijo))
+        falla("zarnxml_get_dato_hijo_cadena gives another datum");
+    libera(zarnxml_get_dato_hijo_cadena_ansi(n, t));
+    (void)zarnxml_get_dato_hijo_long(n, t);
+    (void)zarnxml_get_dato_hijo_ulong(n, t);
+    (void)zarnxml_get_dato_hijo_ushort(n, t);
+    (void)zarnxml_get_dato_hijo_double(n, t);
+    (void)zarnxml_get_dato_hijo_fecha(n, t);
+    (void)zarnxml_get_dato_hijo_fecha_64(n, t);
+    if (zarnxml_es_dato_bool(hijo, nullptr))
+        (void)zarnxml_get_dato_hijo_bool(n, t);
+    libera(zarnxml_get_dato_hijo_ArrDouble(n, t));
+    libera(zarnxml_get_dato_hijo_ArrULong(n, t));
+    libera(zarnxml_get_dato_hijo_fichmem(n, t));
+}
+
+// The reads for a child that may be missing: etiqueta stands at most once.
+void lee_hijo_opcional(Nodo *n, const char *t, bool existe) {
+    Nodo *hijo = nullptr;
+    if (zarnxml_existe_nodo(n, t, &hijo) != (existe ? CIERTO : FALSO) || (existe && !hijo))
+        falla("zarnxml_existe_nodo disagrees with zarnxml_existen_nodos");
+    if (existe)
+        lee_hijo_unico(n, t, hijo);
+    const auto comprueba = [&](zybool r, const char *que) {
+        if (r != (existe ? CIERTO : FALSO) && !(std::string_view(que) == "bool" && r == FALSO))
+            falla("zarnxml_existe_dato_hijo_%s answers %u for a child that %s", que, r,
+                  existe ? "exists" : "is missing");
+    };
+    const char16_t *c = nullptr;
+    int32_t l = 0;
+    uint32_t ul = 0;
+    uint16_t us = 0;
+    double d = 0;
+    int64_t f = 0;
+    zybool b = 0;
+    ArrDouble ad = nullptr;
+    ArrULong au = nullptr;
+    comprueba(zarnxml_existe_dato_hijo_cadena(n, t, &c), "cadena");
+    comprueba(zarnxml_existe_dato_hijo_long(n, t, &l), "long");
+    comprueba(zarnxml_existe_dato_hijo_ulong(n, t, &ul), "ulong");
+    comprueba(zarnxml_existe_dato_hijo_ushort(n, t, &us), "ushort");
+    comprueba(zarnxml_existe_dato_hijo_double(n, t, &d), "double");
+    comprueba(zarnxml_existe_dato_hijo_fecha(n, t, &f), "fecha");
+    comprueba(zarnxml_existe_dato_hijo_bool(n, t, &b), "bool");
+    comprueba(zarnxml_existe_dato_hijo_ArrDouble(n, t, &ad), "ArrDouble");
+    comprueba(zarnxml_existe_dato_hijo_ArrULong(n, t, &au), "ArrULong");
+    if (ad)
+        libera(ad);
+    if (au)
+        libera(au);
+    comprueba(zarnxml_existe_dato_hijo_long(n, t, nullptr), "long");
+    comprueba(zarnxml_existe_dato_hijo_ArrDouble(n, t, nullptr), "ArrDouble");
+    (void)zarnxml_get_dato_hijo_long_opcional(n, t, -7);
+    (void)zarnxml_get_dato_hijo_ulong_opcional(n, t, 7);
+    (void)zarnxml_get_dato_hijo_fecha_opcional(n, t, -7);
+    (void)zarnxml_get_dato_hijo_bool_opcional(n, t, CIERTO);
+    (void)zarnxml_existe_dato_hijo_bool_opcional(n, t, FALSO);
+    libera(zarnxml_get_dato_hijo_cadena_opcional(n, t));
+    libera(zarnxml_get_dato_hijo_ArrULong_opcional(n, t));
+}
+
+// Every lookup among the children of n by the tag t.
+void busca_hijos(Nodo *n, const char *t) {
+    ArrPuntero encontrados = nullptr;
+    const zybool hay = zarnxml_existen_nodos(n, t, &encontrados);
+    if ((hay == CIERTO) != (encontrados != nullptr))
+        falla("zarnxml_existen_nodos answers %u with the array %p", hay,
+              static_cast<void *>(encontrados));
+    const std::vector<Nodo *> hijos = nodos_de(encontrados);
+    if (zarnxml_existen_nodos(n, t, nullptr) != hay)
+        falla("zarnxml_existen_nodos answers otherwise without an array");
+    ArrPuntero ex = nullptr;
+    (void)zarnxml_existe_nodos_ex(n, t, nullptr, nullptr, &ex);
+    if (nodos_de(ex) != hijos)
+        falla("zarnxml_existe_nodos_ex without a property finds other nodes");
+    for (uint32_t i = 0; i <= hijos.size(); ++i) {
+        Nodo *h = nullptr;
+        const zybool r = zarnxml_existe_nodo_ex(n, t, nullptr, nullptr, i, &h);
+        if (r != (i < hijos.size() ? CIERTO : FALSO) || (r && h != hijos[i]))
+            falla("zarnxml_existe_nodo_ex %u disagrees with zarnxml_existen_nodos", i);
+    }
+    ArrCADENA_u datos = zarnxml_get_ArrCadenaU_hijos(n, t);
+    if (arr_NumElemsCADENA_u(datos) != hijos.size())
+        falla("zarnxml_get_ArrCadenaU_hijos gives %u data for %zu nodes",
+              arr_NumElemsCADENA_u(datos), hijos.size());
+    libera(datos);
+    // The first property of each found node as a filter: the node itself passes it.
+    for (Nodo *h : hijos) {
+        if (zarnxml_num_propiedades(h) == 0)
+            continue;
+        const zarnxml_propiedad_t *p = zarnxml_propiedad(h, 0);
+        ArrPuntero filtrados = nullptr;
+        (void)zarnxml_existe_nodos_ex(n, t, p->texto_propiedad, p->dato_propiedad, &filtrados);
+        const std::vector<Nodo *> f = nodos_de(filtrados);
+        if (std::find(f.begin(), f.end(), h) == f.end())
+            falla("zarnxml_existe_nodos_ex leaves out a node with the property");
+        Nodo *primero = nullptr;
+        if (!zarnxml_existe_nodo_ex(n, t, p->texto_propiedad, p->dato_propiedad, 0, &primero) ||
+            primero != f.front())
+            falla("zarnxml_existe_nodo_ex disagrees with zarnxml_existe_nodos_ex");
+        break;
+    }
+    if (hijos.size() <= 1)
+        lee_hijo_opcional(n, t, hijos.size() == 1);
+}
+
+void busca_propiedad(Nodo *n, const char *nombre) {
+    CADENA c = nullptr;
+    CADENA_u cu = nullptr;
+    double d = 0;
+    uint32_t ul = 0;
+    zybool b = 0;
+    const zybool hay = zarnxml_existe_propiedad_cadena(n, nombre, &c);
+    if (c)
+        libera(c);
+    if (zarnxml_existe_propiedad_cadena_u(n, nombre, &cu) != hay)
+        falla("the property is there for one read and not for another");
+    if (cu)
+        libera(cu);
+    if (zarnxml_existe_propiedad_double(n, nombre, &d) != hay ||
+        zarnxml_existe_propiedad_ulong(n, nombre, &ul) != hay)
+        falla("the property is there for one read and not for another");
+    (void)zarnxml_existe_propiedad_bool(n, nombre, &b);
+}
+
+// The tags to ask a node for: those of its first children, a tag of the input, the empty tag
+// and the first in upper case.
+std::vector<std::string> etiquetas_para(Nodo *n, const std::string &de_entrada) {
+    std::vector<std::string> ts;
+    for (uint32_t i = 0; i < zarnxml_num_nodos_hijos(n) && ts.size() < MAX_ETIQUETAS; ++i) {
+        std::string t = zarnxml_get_etiqueta(zarnxml_nodo_hijo(n, i));
+        if (std::find(ts.begin(), ts.end(), t) == ts.end())
+            ts.push_back(std::move(t));
+    }
+    if (!ts.empty()) {
+        std::string mayus = ts.front();
+        std::transform(mayus.begin(), mayus.end(), mayus.begin(),
+                       [](char c) { return c >= 'a' && c <= 'z' ? char(c - 32) : c; });
+        ts.push_back(mayus);
+    }
+    ts.push_back(de_entrada);
+    ts.push_back("");
+    return ts;
+}
+
+// The node's own parts, with their promises of agreement.
+void lee_partes(Nodo *n) {
+    const char *etiqueta = zarnxml_get_etiqueta(n);
+    if (!etiqueta)
+        falla("a node without a tag");
+    if (!zarnxml_etiqueta_igual(n, etiqueta))
+        falla("a node's tag is not equal to itself");
+    (void)zarnxml_hay_datos(n);
+    const uint32_t num = zarnxml_num_nodos_hijos(n);
+    ArrPuntero hijos = zarnxml_nodos_hijos(n);
+    if ((num == 0) != (hijos == nullptr) || (hijos && arr_NumElemsPuntero(hijos) != num))
+        falla("zarnxml_nodos_hijos gives %u children, zarnxml_num_nodos_hijos %u",
+              hijos ? arr_NumElemsPuntero(hijos) : 0, num);
+    for (uint32_t i = 0; i < num; ++i)
+        if (arr_GetPunteroConTipo(hijos, i) != zarnxml_nodo_hijo(n, i))
+            falla("zarnxml_nodos_hijos and zarnxml_nodo_hijo give other nodes");
+    for (uint32_t i = 0; i < zarnxml_num_propiedades(n); ++i) {
+        const zarnxml_propiedad_t *p = zarnxml_propiedad(n, i);
+        if (!p || !p->texto_propiedad || !p->dato_propiedad)
+            falla("a property without its texts");
+    }
+}
+
+struct EnCamino {
+    Nodo *nodo;
+    uint32_t profundidad;
+    std::vector<Nodo *> camino; // the nodes from the root down to this one, itself included
+};
+
+// The path of tags from the root down to the node, with the index of each among the children
+// of its tag, finds that node again.
+void busca_ruta(Nodo *raiz, const std::vector<Nodo *> &camino) {
+    ArrCADENA ruta = arr_CreaCADENA(0);
+    ArrULong indices = arr_CreaULong(0);
+    arr_AppendCADENA(ruta, zarnxml_get_etiqueta(raiz));
+    arr_AppendULong(indices, 0);
+    for (size_t k = 1; k < camino.size(); ++k) {
+        const char *t = zarnxml_get_etiqueta(camino[k]);
+        uint32_t indice = 0;
+        for (Nodo *h = nullptr;
+             zarnxml_existe_nodo_ex(camino[k - 1], t, nullptr, nullptr, indice, &h) &&
+             h != camino[k];)
+            ++indice;
+        arr_AppendCADENA(ruta, t);
+        arr_AppendULong(indices, indice);
+    }
+    Nodo *encontrado = nullptr;
+    if (!zarnxml_existe_nodo_ruta_ex(raiz, ruta, nullptr, nullptr, indices, &encontrado) ||
+        encontrado != camino.back())
+        falla("zarnxml_existe_nodo_ruta_ex misses a node by its own path");
+    (void)zarnxml_existe_nodo_ruta_ex(raiz, ruta, nullptr, nullptr, nullptr, nullptr);
+    arr_DestruyeCADENA(&ruta);
+    arr_DestruyeULong(&indices);
+}
+
+// Every question over the tree, node by node, parents first, with no recursion.
+void recorre(Nodo *raiz, const std::string &de_entrada, const std::u16string &separadores) {
+    std::vector<EnCamino> pila{{raiz, 0, {raiz}}};
+    std::vector<std::string> todas;
+    size_t vistos = 0;
+    uint32_t profundidad_maxima = 0;
+    while (!pila.empty()) {
+        EnCamino e = std::move(pila.back());
+        pila.pop_back();
+        profundidad_maxima = std::max(profundidad_maxima, e.profundidad);
+        if (vistos++ >= MAX_NODOS)
+            continue; // only measured
+        Nodo *n = e.nodo;
+        lee_partes(n);
+        lee_dato_propio(n, separadores.c_str());
+        for (const std::string &t : etiquetas_para(n, de_entrada)) {
+            busca_hijos(n, t.c_str());
+            if (todas.size() < MAX_ETIQUETAS && !t.empty())
+                todas.push_back(t);
+        }
+        for (uint32_t i = 0; i < zarnxml_num_propiedades(n); ++i)
+            busca_propiedad(n, zarnxml_propiedad(n, i)->texto_propiedad);
+        busca_propiedad(n, de_entrada.c_str());
+        if (e.camino.size() <= 64)
+            busca_ruta(raiz, e.camino);
+        const uint32_t num = zarnxml_num_nodos_hijos(n);
+        for (uint32_t i = num; i-- > 0;) {
+            EnCamino hijo{zarnxml_nodo_hijo(n, i), e.profundidad + 1, {}};
+            if (e.camino.size() <= 64) {
+                hijo.camino = e.camino;
+                hijo.camino.push_back(hijo.nodo);
+            }
+            pila.push_back(std::move(hijo));
+        }
+    }
+    if (profundidad_maxima >= PROFUNDIDAD_BUSQUEDA)
+        return;
+    todas.push_back(de_entrada);
+    for (const std::string &t : todas) {
+        ArrPuntero encontrados = nullptr;
+        const zybool hay = zarnxml_existen_nodos_recursivamente(raiz, t.c_str(), &encontrados);
+        const std::vector<Nodo *> v = hay ? nodos_de(encontrados) : std::vector<Nodo *>{};
+        Nodo *primero = nullptr;
+        if (zarnxml_existe_nodo_recursivamente(raiz, t.c_str(), &primero) != hay ||
+            (hay && primero != v.front()))
+            falla("the two searches at any depth disagree");
+    }
+}
+
+// The blank root of a bad or empty document.
+void comprueba_en_blanco(Nodo *raiz) {
+    if (zarnxml_hay_datos(raiz) || *zarnxml_get_etiqueta(raiz) != '\0' ||
+        zarnxml_num_nodos_hijos(raiz) != 0 || zarnxml_num_propiedades(raiz) != 0 ||
+        zarnxml_get_dato_cadena_u(raiz) != nullptr)
+        falla("a bad document left a root that is not blank");
+}
+
+// The tree's answer against the check's: the same fault with the same message, or the one
+// fault that only the tree sees.
+void compara_con_comprobacion(zybool hay_error, CADENA mensaje, zybool correcto,
+                              const fuzz::Cadena &mensaje_comprobacion, const char *que) {
+    if (hay_error != CIERTO && hay_error != FALSO)
+        falla("%s: hay_error is %u", que, hay_error);
+    if (!hay_error) {
+        if (mensaje)
+            falla("%s: a message \"%s\" without an error", que, mensaje);
+        if (!correcto)
+            falla("%s: the check refuses the document (\"%s\"), the tree does not", que,
+                  mensaje_comprobacion.s);
+        return;
+    }
+    if (!fuzz::es_mensaje_de_comprobacion(mensaje))
+        falla("%s: the message \"%s\" is not of the form \"Ln n, Col n\"", que,
+              mensaje ? mensaje : "(null)");
+    if (!correcto && mensaje_comprobacion.vista() != mensaje)
+        falla("%s: the tree says \"%s\", the check \"%s\"", que, mensaje, mensaje_comprobacion.s);
+    if (correcto &&
+        std::string_view(mensaje).find(": More than one root element (") == std::string_view::npos)
+        falla("%s: the check takes the document, the tree says \"%s\"", que, mensaje);
+}
+
+// A tag from the input: up to 8 of its first bytes, up to a zero byte.
+std::string etiqueta_de_entrada(std::string_view texto) {
+    std::string t(texto.substr(0, 8));
+    t.resize(std::min(t.size(), t.find('\0')));
+    return t;
+}
+
+// ---- The tree walk ------------------------------------------------------------------------
+
+// What the walk hands the caller's function for one element.
+struct Visita {
+    std::string etiqueta;
+    bool hay_dato;
+    std::u16string dato;
+    uint32_t num_propiedades;
+};
+
+struct Recorrido {
+    std::vector<Visita> visitas;
+    std::vector<size_t> profundidades; // file form: the length of ruta_etiquetas
+};
+
+// The walk's resultado_inicial, and the results of the elements: their number plus one.
+int inicial;
+void *resultado_de(size_t indice) {
+    return reinterpret_cast<void *>(static_cast<uintptr_t>(indice + 1));
+}
+
+// The parent that the walk tells of is the block whose result it hands on.
+void comprueba_padre(const Recorrido &r, const char *etiqueta_padre,
+                     const char *etiqueta_padre_con_propiedades, void *resultado_padre) {
+    if (!etiqueta_padre || !etiqueta_padre_con_propiedades)
+        falla("walk: a null parent tag");
+    if (resultado_padre == &inicial) {
+        if (*etiqueta_padre != '\0')
+            falla("walk: a top element with the parent tag \"%s\"", etiqueta_padre);
+        return;
+    }
+    const size_t padre = reinterpret_cast<uintptr_t>(resultado_padre) - 1;
+    if (padre >= r.visitas.size() || r.visitas[padre].hay_dato ||
+        r.visitas[padre].etiqueta != etiqueta_padre)
+        falla("walk: the parent result does not belong to the parent \"%s\"", etiqueta_padre);
+}
+
+zybool visita_u(const char *etiqueta_padre, const char *etiqueta_padre_con_propiedades,
+                const char *etiqueta, ArrCADENA textos, ArrCADENA_u datos, zybool hay_dato,
+                const char16_t *dato, void *contexto1, void *contexto2, void *resultado_padre,
+                void **resultado) {
+    auto &r = *static_cast<Recorrido *>(contexto1);
+    if (contexto2 != &inicial || !etiqueta || !resultado)
+        falla("walk: the arguments of a call");
+    comprueba_padre(r, etiqueta_padre, etiqueta_padre_con_propiedades, resultado_padre);
+    if (arr_NumElemsCADENA(textos) != arr_NumElemsCADENA_u(datos) ||
+        (hay_dato == CIERTO) != (dato != nullptr))
+        falla("walk: properties or datum of %s out of step", etiqueta);
+    r.visitas.push_back(
+        {etiqueta, hay_dato == CIERTO, dato ? dato : u"", arr_NumElemsCADENA(textos)});
+    *resultado = resultado_de(r.visitas.size() - 1);
+    return CIERTO;
+}
+
+zybool visita(ArrCADENA ruta, const char *etiqueta_padre,
+              const char *etiqueta_padre_con_propiedades, const char *etiqueta, ArrCADENA textos,
+              ArrCADENA datos, zybool hay_dato, const char *dato, void *contexto1, void *contexto2,
+              void *resultado_padre, void **resultado) {
+    auto &r = *static_cast<Recorrido *>(contexto1);
+    if (contexto2 != &inicial || !etiqueta || !resultado || !ruta)
+        falla("walk: the arguments of a call");
+    const uint32_t n = arr_NumElemsCADENA(ruta);
+    if (n == 0 || std::string_view(arr_GetCADENA(ruta, n - 1)) != etiqueta)
+        falla("walk: the path does not end in %s", etiqueta);
+    comprueba_padre(r, etiqueta_padre, etiqueta_padre_con_propiedades, resultado_padre);
+    if (arr_NumElemsCADENA(textos) != arr_NumElemsCADENA(datos) ||
+        (hay_dato == CIERTO) != (dato != nullptr))
+        falla("walk: properties or datum of %s out of step", etiqueta);
+    fuzz::CadenaU ancho(dato ? unicode_convierte_ANSI_a_UNICODE(dato) : nullptr);
+    r.visitas.push_back(
+        {etiqueta, hay_dato == CIERTO, std::u16string(ancho.vista()), arr_NumElemsCADENA(textos)});
+    r.profundidades.push_back(n);
+    *resultado = resultado_de(r.visitas.size() - 1);
+    return CIERTO;
+}
+
+// The walk meets the elements of a good document as the tree holds them, in document order.
+void compara_recorrido(Nodo *raiz, const Recorrido &r, const char *que) {
+    std::vector<std::pair<Nodo *, size_t>> pila;
+    if (zarnxml_hay_datos(raiz) || zarnxml_num_nodos_hijos(raiz) > 0 ||
+        zarnxml_get_dato_cadena_u(raiz) != nullptr)
+        pila.push_back({raiz, 1});
+    size_t i = 0;
+    for (; !pila.empty(); ++i) {
+        const auto [n, profundidad] = pila.back();
+        pila.pop_back();
+        if (i >= r.visitas.size())
+            falla("%s: the walk misses the node %s", que, zarnxml_get_etiqueta(n));
+        const Visita &v = r.visitas[i];
+        const char16_t *dato = zarnxml_get_dato_cadena_u(n);
+        if (v.etiqueta != zarnxml_get_etiqueta(n) || v.hay_dato != (dato != nullptr) ||
+            (dato && v.dato != dato) || v.num_propiedades != zarnxml_num_propiedades(n))
+            falla("%s: the walk's element %zu (%s) differs from the tree's node %s", que, i,
+                  v.etiqueta.c_str(), zarnxml_get_etiqueta(n));
+        if (!r.profundidades.empty() && r.profundidades[i] != profundidad)
+            falla("%s: a path of %zu tags for a node at depth %zu", que, r.profundidades[i],
+                  profundidad);
+        for (uint32_t k = zarnxml_num_nodos_hijos(n); k-- > 0;)
+            pila.push_back({zarnxml_nodo_hijo(n, k), profundidad + 1});
+    }
+    if (i != r.visitas.size())
+        falla("%s: the walk calls %zu times for %zu nodes", que, r.visitas.size(), i);
+}
+
+// ---- The sequential reader over a tree ---------------------------------------------------------
+
+// A structure's function: the reader stands on the node, whose tag comes as the extra value.
+void *lee_estructura(zarnxml_lectura_t *x, void *extra) {
+    const char *etiqueta = static_cast<const char *>(extra);
+    CADENA c = nullptr;
+    if (zarnxml_in_existe_propiedad_cadena(x, "id", &c))
+        std::free(c);
+    zybool b = 0;
+    (void)zarnxml_in_existe_propiedad_bool(x, "ok", &b);
+    zarnxml_lee_inicio_bloque(x, etiqueta);
+    zarnxml_lee_fin_bloque(x);
+    return &inicial;
+}
+
+void *lee_estructura_sin_extra(zarnxml_lectura_t *) {
+    return &inicial;
+}
+
+void *lee_nodo(const zarnxml_nodo_t *) {
+    return &inicial;
+}
+
+size_t cuenta(Nodo *n, const char *t) {
+    ArrPuntero encontrados = nullptr;
+    return zarnxml_existen_nodos(n, t, &encontrados) ? nodos_de(encontrados).size() : 0;
+}
+
+void libera_items(ArrPuntero a) {
+    for (uint32_t i = 0; i < arr_NumElemsPuntero(a); ++i)
+        if (arr_GetPunteroConTipo(a, i) != &inicial)
+            falla("a structure's record came back changed");
+    arr_DestruyeEstructurasConstConTipo(&a);
+}
+
+// The reads of the reader, which stands on n, by the child tag t: each agrees with the tree.
+void lee_en_secuencia_por(zarnxml_lectura_t *x, Nodo *n, const char *t) {
+    const size_t num = cuenta(n, t);
+    for (const int32_t tipo : {3, 4, 5})
+        libera(zarnxml_lee_arr_double_numerados(x, t, tipo));
+    libera_items(
+        zarnxml_nousar_lee_arr_punterosST(x, t, nullptr, lee_estructura, const_cast<char *>(t)));
+    libera_items(zarnxml_nousar_lee_arr_punterosST_ConPropiedadFija(x, t, "id", u"1",
+                                                                    lee_estructura_sin_extra));
+    libera_items(zarnxml_nousar_lee_arr_punterosST_ConPropiedadFija_Ex(
+        x, t, FALSO, t, nullptr, nullptr, lee_estructura_sin_extra));
+    libera_items(zarnxml_nousar_lee_dato_array_estructura(n, t, lee_nodo));
+    if (num > 1)
+        return;
+    Nodo *h = num ? zarnxml_dame_nodo(n, t) : nullptr;
+    if (zarnxml_existe_dato(x, t) != (num ? CIERTO : FALSO))
+        falla("sequential: zarnxml_existe_dato(%s) disagrees with the tree", t);
+    if (zarnxml_lee_long(x, t) != (h ? zarnxml_get_dato_long(h) : 0) ||
+        zarnxml_lee_long_opcional(x, t, -5) != (h ? zarnxml_get_dato_long(h) : -5) ||
+        zarnxml_lee_ulong(x, t) != (h ? zarnxml_get_dato_ulong(h) : 0u))
+        falla("sequential: an integer read of %s disagrees with the tree", t);
+    (void)zarnxml_lee_ulong_con_ulong_max_cero(x, t);
+    const double d = zarnxml_lee_double(x, t), esperado = h ? zarnxml_get_dato_double(h) : 0.0;
+    if (!(d == esperado || (d != d && esperado != esperado)))
+        falla("sequential: the double of %s disagrees with the tree", t);
+    fuzz::CadenaU u(zarnxml_lee_cadena_u(x, t));
+    const char16_t *dato = h ? zarnxml_get_dato_cadena_u(h) : nullptr;
+    if (u.vista() != (dato ? std::u16string_view(dato) : std::u16string_view()))
+        falla("sequential: the text of %s disagrees with the tree", t);
+    libera(zarnxml_lee_cadena(x, t));
+    double v = 0;
+    CADENA_u cu = nullptr;
+    if (zarnxml_se_lee_double(x, t, &v) != (h ? CIERTO : FALSO) ||
+        zarnxml_se_lee_cadena_u(x, t, &cu) != (h ? CIERTO : FALSO) ||
+        (h != nullptr) != (cu != nullptr))
+        falla("sequential: a se_lee read of %s disagrees with the tree", t);
+    std::free(cu);
+    if (!h || zarnxml_es_dato_bool(h, nullptr)) {
+        (void)zarnxml_lee_bool(x, t);
+        (void)zarnxml_lee_bool_opcional(x, t, CIERTO);
+    }
+    for (const int32_t tipo : {0, 1, 2, 6, 7})
+        libera(zarnxml_lee_arr_double_numerados(x, t, tipo));
+    CADENA c = nullptr;
+    if (zarnxml_existe_etiqueta_con_propiedad_cadena(x, t, "id", &c))
+        std::free(c);
+    if (void *r =
+            zarnxml_nousar_lee_estructura(x, t, nullptr, lee_estructura, const_cast<char *>(t));
+        r != (h ? &inicial : nullptr))
+        falla("sequential: zarnxml_nousar_lee_estructura(%s) gives %p", t, r);
+    if (zarnxml_nousar_lee_dato_estructura(n, t, lee_nodo) != (h ? &inicial : nullptr))
+        falla("zarnxml_nousar_lee_dato_estructura(%s) disagrees with the tree", t);
+    if (!h || cuenta(h, "list") <= 1)
+        libera_items(zarnxml_nousar_lee_dato_array_estructura_como_lista(n, t, lee_nodo));
+}
+
+// Opens the blocks of the tree one after another with a sequential reader over the same file
+// and reads at each the children by their tags, as far as the tags allow (a tag that stands
+// twice is read only as a series). A missing block opens on a blank node.
+void lee_en_secuencia(const char16_t *ruta, Nodo *raiz) {
+    zybool hay_error = 2;
+    CADENA m = nullptr;
+    zarnxml_lectura_t *x =
+        zarnxml_crea_para_lectura_de_fichero_u(ruta, "true", "false", &hay_error, &m);
+    std::free(m);
+    const char *etiqueta_raiz = zarnxml_get_etiqueta(raiz);
+    if (!zarnxml_es_etiqueta_nodo_raiz(x, etiqueta_raiz))
+        falla("sequential: the root's tag is not %s", etiqueta_raiz);
+    struct Marco {
+        Nodo *n;
+        std::vector<std::string> etiquetas;
+        size_t siguiente;
+    };
+    std::vector<Marco> pila;
+    size_t visitados = 0;
+    const auto entra = [&](Nodo *n, const char *t) {
+        zarnxml_lee_inicio_bloque(x, t);
+        pila.push_back({n, etiquetas_para(n, t), 0});
+        ++visitados;
+    };
+    entra(raiz, etiqueta_raiz);
+    while (!pila.empty()) {
+        Marco &m_ = pila.back();
+        if (m_.siguiente == m_.etiquetas.size() || visitados > MAX_NODOS) {
+            zarnxml_lee_inicio_bloque(x, "\x01no");
+            (void)zarnxml_lee_long_opcional(x, m_.etiquetas.front().c_str(), 3);
+            zarnxml_lee_fin_bloque(x);
+            zarnxml_lee_fin_bloque(x);
+            pila.pop_back();
+            continue;
+        }
+        Nodo *n = m_.n;
+        const std::string t = m_.etiquetas[m_.siguiente++];
+        lee_en_secuencia_por(x, n, t.c_str());
+        if (cuenta(n, t.c_str()) == 1 && pila.size() < 64) {
+            Nodo *h = zarnxml_dame_nodo(n, t.c_str());
+            if (zarnxml_num_nodos_hijos(h) > 0)
+                entra(h, t.c_str());
+        }
+    }
+    zarnxml_destruye_xml_lectura(&x);
+    if (x)
+        falla("sequential: zarnxml_destruye_xml_lectura left the handle");
+}
+
+void prueba_arbol(zarnxml_nodo_t *raiz, zybool hay_error, CADENA mensaje, zybool correcto,
+                  const fuzz::Cadena &mensaje_comprobacion, const char *que,
+                  const std::string &de_entrada, const std::u16string &separadores) {
+    fuzz::Cadena m(mensaje);
+    if (!raiz)
+        falla("%s: no root", que);
+    compara_con_comprobacion(hay_error, mensaje, correcto, mensaje_comprobacion, que);
+    if (hay_error)
+        comprueba_en_blanco(raiz);
+    recorre(raiz, de_entrada, separadores);
+}
+
+void destruye(zarnxml_nodo_t *raiz, const char *que) {
+    zarnxml_destruye(&raiz);
+    if (raiz)
+        falla("%s: zarnxml_destruye left the handle", que);
+}
+
+} // namespace
+
+extern "C" int LLVMFuzzerTestOneInput(const uint8_t *datos, size_t tamanyo) {
+    const std::string_view texto(reinterpret_cast<const char *>(datos), tamanyo);
+    const std::string de_entrada = etiqueta_de_entrada(texto);
+    std::u16string separadores = u" ,";
+    if (tamanyo > 0 && datos[0] != 0)
+        separadores.push_back(datos[0]);
+
+    // From lines, data taken literally; the walk over the same lines.
+    {
+        fuzz::Lineas lineas(fuzz::lineas_de(texto));
+        CADENA m = nullptr;
+        const zybool correcto = zarnfxml_es_lineas_xml_correcto(lineas.a, nullptr, &m, CIERTO);
+        fuzz::Cadena mensaje_comprobacion(m);
+        Recorrido r;
+        if (correcto)
+            zarnfxml_nousar_recorre_en_forma_de_arbol_u(lineas.a, visita_u, &r, &inicial, &inicial,
+                                                        CIERTO);
+        zybool hay_error = 2;
+        CADENA mensaje = nullptr;
+        ArrCADENA tomadas = lineas.a;
+        lineas.a = nullptr;
+        zarnxml_nodo_t *raiz = zarnxml_crea_de_lineas(&tomadas, "1", "0", &hay_error, &mensaje);
+        if (tomadas)
+            falla("zarnxml_crea_de_lineas left the lines");
+        prueba_arbol(raiz, hay_error, mensaje, correcto, mensaje_comprobacion, "lines", de_entrada,
+                     separadores);
+        if (correcto && !hay_error)
+            compara_recorrido(raiz, r, "walk over lines");
+        destruye(raiz, "lines");
+    }
+    // From a file, data normalised; the walk and the sequential reader over the same file.
+    {
+        const char16_t *ruta = fichero().escribe(datos, tamanyo);
+        CADENA m = nullptr;
+        const zybool correcto = zarnfxml_es_fichero_xml_correcto(ruta, nullptr, &m, FALSO);
+        fuzz::Cadena mensaje_comprobacion(m);
+        Recorrido r;
+        if (correcto)
+            zarnfxml_nousar_recorre_en_forma_de_arbol(ruta, visita, &r, &inicial, &inicial);
+        zybool hay_error = 2;
+        CADENA mensaje = nullptr;
+        zarnxml_nodo_t *raiz =
+            zarnxml_crea_de_fichero_u(ruta, "true", "false", &hay_error, &mensaje);
+        prueba_arbol(raiz, hay_error, mensaje, correcto, mensaje_comprobacion, "file", de_entrada,
+                     separadores);
+        if (correcto && !hay_error)
+            compara_recorrido(raiz, r, "walk over the file");
+        lee_en_secuencia(ruta, raiz);
+        destruye(raiz, "file");
+    }
+    // Without the optional outputs.
+    {
+        fuzz::Lineas lineas(fuzz::lineas_de(texto));
+        ArrCADENA tomadas = lineas.a;
+        lineas.a = nullptr;
+        zarnxml_nodo_t *raiz = zarnxml_crea_de_lineas(&tomadas, "1", "0", nullptr, nullptr);
+        zarnxml_destruye(&raiz);
+    }
+    return 0;
+}

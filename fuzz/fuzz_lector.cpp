@@ -1,0 +1,404 @@
+// Fuzz target: the strict reader, over a document that passed the check, follows the caller's
+// reads or ends in the internal-error handler with a condition text; it never crashes, hangs or
+// leaks, and whatever it holds is freed when the handler's exception passes through it.
+//
+// Input: byte 0 holds the length of a program in its low 6 bits, whether data are taken
+// literally in bit 6 and whether the reader reads a file (else lines) in bit 7. The program's
+// bytes choose a sequence of navigation and typed reads, each with a byte of argument; the rest
+// of the input is the document. Tags come from the document itself (the tags that a first,
+// generic pass meets, or the one that comes next), property names from its "name=" forms.
+#include "fuzz_comun.hpp"
+
+#include "streaming/lector.hpp"
+
+#include <algorithm>
+#include <string>
+#include <vector>
+
+namespace {
+
+using fuzz::falla;
+
+fuzz::FicheroTemporal &fichero() {
+    static fuzz::FicheroTemporal f("lector");
+    return f;
+}
+
+constexpr size_t MAX_ETIQUETAS = 16;
+
+// What a structure's callback hands back: the library keeps it without looking at it.
+int marca;
+
+// The caller's function for one element of a series: it stands before the element's start tag
+// and reads the whole element.
+void *lee_elemento(zarnfxml_t *xml) {
+    const char *etiqueta = nullptr;
+    uint32_t tipo = 0, nivel = 0;
+    if (zarnfxml_lee_siguiente(xml, &etiqueta, &tipo, nullptr, &nivel) && tipo == 0)
+        zarnfxml_salta_hasta_fin_bloque(xml, nivel);
+    return &marca;
+}
+
+void *lee_elemento_1extra(void *extra, zarnfxml_t *xml) {
+    if (extra != &marca)
+        falla("the extra value of a callback changed");
+    return lee_elemento(xml);
+}
+
+void libera(ArrCADENA a) {
+    arr_DestruyeCADENA(&a);
+}
+void libera(ArrCADENA_u a) {
+    arr_DestruyeCADENA_u(&a);
+}
+void libera(ArrDouble a) {
+    arr_DestruyeDouble(&a);
+}
+void libera(ArrPunto2D a) {
+    arr_DestruyePunto2D(&a);
+}
+void libera(ArrPuntero a) {
+    if (a)
+        arr_DestruyeEstructurasConstConTipo(&a);
+}
+
+class Programa {
+public:
+    Programa(zarnfxml_t *xml, std::string_view codigo, const std::vector<std::string> &etiquetas,
+             const std::vector<std::string> &propiedades)
+        : xml_(xml), codigo_(codigo), etiquetas_(etiquetas), propiedades_(propiedades) {}
+
+    void ejecuta() {
+        while (pos_ < codigo_.size())
+            paso(byte());
+    }
+
+private:
+    uint8_t byte() { return pos_ < codigo_.size() ? static_cast<uint8_t>(codigo_[pos_++]) : 0; }
+
+    // A tag of the document: with the high bit of the argument the first that comes next (the
+    // look-ahead consumes nothing), otherwise one chosen by the argument.
+    const char *etiqueta() {
+        const uint8_t b = byte();
+        if (etiquetas_.empty())
+            return "a";
+        if (b & 0x80)
+            for (const std::string &t : etiquetas_)
+                if (zarnfxml_etiqueta_siguiente_es_inicio_bloque(xml_, t.c_str()))
+                    return t.c_str();
+        return etiquetas_[b % etiquetas_.size()].c_str();
+    }
+
+    const char *propiedad() {
+        const uint8_t b = byte();
+        return propiedades_.empty() ? "p" : propiedades_[b % propiedades_.size()].c_str();
+    }
+
+    // The level of the innermost block opened with a level, or one that the argument makes up.
+    uint32_t nivel() {
+        const uint8_t b = byte();
+        if (!niveles_.empty() && b < 0xF0) {
+            const uint32_t n = niveles_.back();
+            niveles_.pop_back();
+            return n;
+        }
+        return b & 0x0F;
+    }
+
+    void paso(uint8_t op) {
+        zarnfxml_t *x = xml_;
+        uint32_t n = 0;
+        CADENA c = nullptr;
+        const uint8_t variante = op >> 5; // three bits beside the operation
+        switch (op % 32) {
+        case 0:
+            zarnfxml_lee_inicio_bloque(x, etiqueta());
+            break;
+        case 1:
+            zarnfxml_lee_inicio_bloque_con_nivel_etiquetado(x, etiqueta(), &n);
+            niveles_.push_back(n);
+            break;
+        case 2:
+            zarnfxml_lee_inicio_bloque_desconocido(x, variante & 1 ? nullptr : &c);
+            std::free(c);
+            break;
+        case 3:
+            (void)zarnfxml_se_lee_inicio_bloque(x, etiqueta());
+            break;
+        case 4:
+            if (zarnfxml_se_lee_inicio_bloque_con_nivel_etiquetado(x, etiqueta(), &n))
+                niveles_.push_back(n);
+            break;
+        case 5:
+            if (zarnfxml_se_lee_inicio_bloque_desconocido(x, &c))
+                std::free(c);
+            break;
+        case 6:
+            (void)zarnfxml_etiqueta_siguiente_es_inicio_bloque(x,
+                                                               variante & 1 ? nullptr : etiqueta());
+            break;
+        case 7:
+            if (variante & 1)
+                zarnfxml_lee_definicion_comentario(x, &c);
+            else
+                (void)zarnfxml_se_lee_definicion_comentario(x, &c);
+            std::free(c);
+            break;
+        case 8:
+            zarnfxml_lee_fin_bloque(x);
+            break;
+        case 9:
+            zarnfxml_lee_fin_bloque_con_comprobacion(x, etiqueta());
+            break;
+        case 10:
+            zarnfxml_salta_hasta_fin_bloque(x, nivel());
+            break;
+        case 11:
+            // The search of the lines for the end tag, which XML_BLOQUE chooses for a process.
+            i_salta_hasta_fin_bloque(I_LECTOR(x), nivel(), true);
+            break;
+        case 12:
+            if (variante & 1)
+                zarnfxml_salta_etiqueta_si_existe(x, etiqueta());
+            else
+                zarnfxml_salta_etiqueta(x, etiqueta());
+            break;
+        case 13:
+            zarnfxml_salta_hasta_etiqueta_y_lee_inicio_bloque(x, etiqueta(),
+                                                              variante & 1 ? nullptr : &n);
+            if (!(variante & 1))
+                niveles_.push_back(n);
+            break;
+        case 14: {
+            const char *e = nullptr;
+            uint32_t tipo = 9;
+            if (zarnfxml_lee_siguiente(x, &e, &tipo, &c, &n)) {
+                if (!e || tipo > 2)
+                    falla("zarnfxml_lee_siguiente gave the tag %p and the type %u",
+                          static_cast<const void *>(e), tipo);
+                if (tipo == 0)
+                    niveles_.push_back(n);
+            } else if (c) {
+                falla("zarnfxml_lee_siguiente gave a datum with FALSO");
+            }
+            std::free(c);
+            break;
+        }
+        case 15: {
+            const char *p = propiedad();
+            const char16_t *u = nullptr;
+            const zybool hay = zarnfxml_existe_propiedad_inicio_bloque(x, p, &c);
+            std::free(c);
+            if (zarnfxml_existe_propiedad_inicio_bloque_u(x, p, &u) != hay || (hay && !u))
+                falla("the two property lookups disagree");
+            (void)zarnfxml_existe_propiedad_inicio_bloque_igual(x, p, variante & 1 ? "1" : "");
+            break;
+        }
+        case 16: {
+            const char *p = propiedad();
+            switch (variante % 4) {
+            case 0:
+                std::free(zarnfxml_get_cadena_propiedad_inicio_bloque(x, p));
+                break;
+            case 1:
+                std::free(zarnfxml_get_cadena_propiedad_inicio_bloque_u(x, p));
+                break;
+            case 2:
+                (void)zarnfxml_get_double_propiedad_inicio_bloque(x, p);
+                break;
+            default:
+                (void)zarnfxml_get_ulong_propiedad_inicio_bloque(x, p);
+            }
+            break;
+        }
+        case 17:
+            std::free(zarnfxml_get_indice_propiedad_inicio_bloque(x, byte() % 4));
+            break;
+        case 18: {
+            const uint32_t num = byte() % 4;
+            CADENA etiquetas[4] = {}, datos[4] = {};
+            struct Libera {
+                CADENA *a, *b;
+                ~Libera() {
+                    for (int i = 0; i < 4; ++i)
+                        std::free(a[i]), std::free(b[i]);
+                }
+            } libera_al_salir{etiquetas, datos};
+            zarnfxml_lee_campos_bloque_conocido(x, num, etiquetas, datos);
+            break;
+        }
+        case 19:
+            (void)(variante & 1 ? zarnfxml_lee_bool_opcional(x, etiqueta())
+                                : zarnfxml_lee_bool(x, etiqueta()));
+            break;
+        case 20:
+            (void)(variante & 1 ? zarnfxml_lee_long_opcional(x, etiqueta(), -1)
+                                : zarnfxml_lee_long(x, etiqueta()));
+            break;
+        case 21:
+            switch (variante % 3) {
+            case 0:
+                (void)zarnfxml_lee_ulong(x, etiqueta());
+                break;
+            case 1:
+                (void)zarnfxml_lee_ulong_opcional(x, etiqueta());
+                break;
+            default:
+                (void)zarnfxml_lee_ulong_con_ulong_max_cero(x, etiqueta());
+            }
+            break;
+        case 22:
+            (void)(variante & 1 ? zarnfxml_lee_double_opcional(x, etiqueta())
+                                : zarnfxml_lee_double(x, etiqueta()));
+            break;
+        case 23:
+            if (variante & 1)
+                std::free(zarnfxml_lee_cadena_u(x, etiqueta()));
+            else
+                std::free(zarnfxml_lee_cadena(x, etiqueta()));
+            break;
+        case 24:
+            if (variante & 1)
+                (void)zarnfxml_lee_fecha(x, etiqueta());
+            else
+                (void)zarnfxml_salta_registro_campo(x, etiqueta());
+            break;
+        case 25:
+            if (variante & 1)
+                libera(zarnfxml_lee_arr_cadena_u(x, etiqueta()));
+            else
+                libera(zarnfxml_lee_arr_cadena(x, etiqueta()));
+            break;
+        case 26:
+            if (variante & 1)
+                libera(zarnfxml_lee_arr_puntos2D(x, etiqueta()));
+            else
+                libera(zarnfxml_lee_arr_double(x, etiqueta()));
+            break;
+        case 27: {
+            const int32_t tipo = byte() % 8;
+            if (variante & 1)
+                libera(zarnfxml_lee_arr_double_numerados(x, etiqueta(), tipo));
+            else
+                libera(zarnfxml_lee_arr_cadena_numerados(x, etiqueta(), tipo));
+            break;
+        }
+        case 28:
+            switch (variante % 3) {
+            case 0:
+                libera(zarnfxml_nousar_lee_arr_punterosST(x, etiqueta(), lee_elemento));
+                break;
+            case 1:
+                libera(zarnfxml_nousar_lee_arr_punterosST_1extra(x, etiqueta(), lee_elemento_1extra,
+                                                                 &marca));
+                break;
+            default: {
+                const char *t = etiqueta();
+                const char *p = propiedad();
+                libera(zarnfxml_nousar_lee_arr_punterosST_ConPropiedadFija(x, t, p, u"1",
+                                                                           lee_elemento));
+            }
+            }
+            break;
+        case 29:
+            if (void *r = zarnfxml_nousar_lee_estructura_opcional(x, etiqueta(), lee_elemento);
+                r && r != &marca)
+                falla("zarnfxml_nousar_lee_estructura_opcional gave another value");
+            break;
+        case 30:
+            (void)zarnfxml_bool(x, variante & 1 ? u"yes" : u"0");
+            break;
+        default:
+            zarnfxml_nousar_set_item_asociado_lectura(x, &marca);
+            if (zarnfxml_nousar_get_item_asociado_lectura(x) != &marca)
+                falla("the reader lost its associated item");
+        }
+    }
+
+    zarnfxml_t *xml_;
+    std::string_view codigo_;
+    size_t pos_ = 0;
+    const std::vector<std::string> &etiquetas_;
+    const std::vector<std::string> &propiedades_;
+    std::vector<uint32_t> niveles_;
+};
+
+// The tags that a generic pass over the document meets, in order, each once.
+std::vector<std::string> etiquetas_de(zarnfxml_t *xml) {
+    std::vector<std::string> ts;
+    const char *e = nullptr;
+    uint32_t tipo = 0;
+    while (ts.size() < MAX_ETIQUETAS && zarnfxml_lee_siguiente(xml, &e, &tipo, nullptr, nullptr))
+        if (tipo != 2 && std::find(ts.begin(), ts.end(), e) == ts.end())
+            ts.emplace_back(e);
+    return ts;
+}
+
+// The names in front of each '=' of the document.
+std::vector<std::string> propiedades_de(std::string_view doc) {
+    std::vector<std::string> ps;
+    for (size_t igual = doc.find('='); igual != std::string_view::npos && ps.size() < 8;
+         igual = doc.find('=', igual + 1)) {
+        size_t ini = igual;
+        while (ini > 0 && std::string_view(" \t\r\n<>/?\"'=\0", 12).find(doc[ini - 1]) ==
+                              std::string_view::npos)
+            --ini;
+        std::string nombre(doc.substr(ini, igual - ini));
+        if (std::find(ps.begin(), ps.end(), nombre) == ps.end())
+            ps.push_back(std::move(nombre));
+    }
+    return ps;
+}
+
+struct Lector {
+    zarnfxml_t *xml;
+    ~Lector() {
+        zarnfxml_destruye_xml_lectura(&xml);
+        if (xml)
+            falla("zarnfxml_destruye_xml_lectura left the handle");
+    }
+};
+
+} // namespace
+
+extern "C" int LLVMFuzzerTestOneInput(const uint8_t *datos, size_t tamanyo) {
+    fuzz::Entrada entrada(datos, tamanyo);
+    const uint8_t cabecera = entrada.byte();
+    const std::string_view codigo = entrada.bytes(cabecera & 0x3F);
+    const zybool literal = (cabecera & 0x40) ? CIERTO : FALSO;
+    const bool de_fichero = (cabecera & 0x80) != 0;
+    const std::string_view doc = entrada.resto();
+
+    fuzz::Lineas lineas(fuzz::lineas_de(doc));
+    const char16_t *ruta = nullptr;
+    if (de_fichero) {
+        ruta = fichero().escribe(reinterpret_cast<const uint8_t *>(doc.data()), doc.size());
+        if (!zarnfxml_es_fichero_xml_correcto(ruta, nullptr, nullptr, FALSO))
+            return 0;
+    } else if (!zarnfxml_es_lineas_xml_correcto(lineas.a, nullptr, nullptr, literal)) {
+        return 0;
+    }
+    const auto crea = [&] {
+        return de_fichero ? zarnfxml_crea_para_lectura_de_fichero_u(ruta)
+                          : zarnfxml_crea_para_lectura_de_lineas(lineas.a, literal);
+    };
+
+    fuzz::ConManejadorQueLanza con_manejador;
+    std::vector<std::string> etiquetas;
+    try {
+        Lector primero{crea()};
+        etiquetas = etiquetas_de(primero.xml);
+    } catch (const fuzz::ErrorInterno &e) {
+        falla("the generic pass over a good document ended in \"%s\"", e.condicion.c_str());
+    }
+    const std::vector<std::string> propiedades = propiedades_de(doc);
+
+    Lector lector{crea()};
+    try {
+        Programa(lector.xml, codigo, etiquetas, propiedades).ejecuta();
+    } catch (const fuzz::ErrorInterno &e) {
+        if (e.condicion.empty())
+            falla("an internal error without a condition");
+    }
+    return 0;
+}
