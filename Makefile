@@ -7,6 +7,9 @@ BUILD      ?= build/release
 BUILD_TEST ?= build/test
 BUILD_BENCH?= build/bench
 BUILD_TSAN ?= build/tsan
+BUILD_FUZZ ?= build/fuzz
+FUZZ_SECONDS ?= 60
+FUZZ_RUNS  ?= 1000
 # make bench: measured runs per case, and the document sizes in MB (small, main, big).
 BENCH_RUNS ?= 5
 BENCH_SIZES?= 10 100 200
@@ -28,7 +31,7 @@ define need
 	fi
 endef
 
-.PHONY: all build test demo bench fuzz tsan install clean deps
+.PHONY: all build test demo bench fuzz fuzz-build fuzz-smoke tsan install clean deps
 
 all: build
 
@@ -60,9 +63,20 @@ tsan:
 	cmake --build $(BUILD_TSAN) -j$(JOBS)
 	cd $(BUILD_TSAN) && ctest --output-on-failure -j$(JOBS)
 
-fuzz:
+# libFuzzer targets, built with clang (ASan, UBSan): each runs FUZZ_SECONDS over its growing
+# corpus in $(BUILD_FUZZ)/corpus; a failing input lands in fuzz/regresion/<target>/.
+fuzz-build:
 	$(call need,$(BASE_PKGS) $(FUZZ_PKGS))
-	@echo "no fuzz targets yet"
+	CC=clang CXX=clang++ cmake -S . -B $(BUILD_FUZZ) -DCMAKE_BUILD_TYPE=RelWithDebInfo \
+	  -DZARNXML_FUZZ=ON -DZARNXML_TESTS=OFF
+	cmake --build $(BUILD_FUZZ) -j$(JOBS) --target fuzz_objetivos
+
+fuzz: fuzz-build
+	fuzz/corre.sh $(BUILD_FUZZ) $(FUZZ_SECONDS)
+
+# The same, short and deterministic (-seed=1, FUZZ_RUNS inputs, at most 30 s a target): for CI.
+fuzz-smoke: fuzz-build
+	fuzz/corre.sh $(BUILD_FUZZ) 30 $(FUZZ_RUNS)
 
 install: build
 	cmake --install $(BUILD) --prefix $(PREFIX)
