@@ -1,5 +1,5 @@
 // Loading documents into trees: round trips through every write profile, faults and their
-// messages, the shape of what is built, and depth.
+// messages, and the shape of what is built.
 #include "tree/arbol.hpp"
 
 #include "soporte.hpp"
@@ -279,25 +279,6 @@ TEST(Arbol, CadaElementoEsUnNodoEnOrden) {
     zarnxml_nodo_t *vacio = i_crea_nodo_vacio(r->configuracion);
     espera_en_blanco(vacio);
     zarnxml_destruye(&vacio);
-}
-
-TEST(Arbol, UnMillonDeNivelesSeConstruyeYSeDestruye) {
-    constexpr uint32_t N = 1000000;
-    ArrCADENA lineas = arr_CreaCADENA(0);
-    for (uint32_t i = 0; i < N; ++i)
-        arr_AppendCADENA(lineas, i + 1 < N ? "<e>" : "<e>fondo</e>");
-    for (uint32_t i = 1; i < N; ++i)
-        arr_AppendCADENA(lineas, "</e>");
-    zybool hay_error = CIERTO;
-    zarnxml_nodo_t *raiz = zarnxml_crea_de_lineas(&lineas, "1", "0", &hay_error, nullptr);
-    ASSERT_EQ(hay_error, FALSO);
-    const zarnxml_nodo_t *n = raiz;
-    uint32_t profundidad = 1;
-    for (; zarnxml_num_nodos_hijos(n) == 1; ++profundidad)
-        n = zarnxml_nodo_hijo(n, 0);
-    EXPECT_EQ(profundidad, N);
-    EXPECT_EQ(u8(zarnxml_get_dato_cadena_u(n)), "fondo");
-    zarnxml_destruye(&raiz);
 }
 
 } // namespace

@@ -93,26 +93,6 @@ TEST(Comprobacion, CorpusDeDocumentosMalFormados) {
     EXPECT_GE(vistos, 50u);
 }
 
-TEST(Robustez, UnMillonDeNivelesSinRecursion) {
-    constexpr size_t N = 1000000;
-    std::string abre, cierra;
-    for (size_t i = 0; i < N; ++i) {
-        abre += "<a>";
-        cierra += "</a>";
-    }
-    {
-        Lineas l{abre, "<b>x</b>", cierra};
-        EXPECT_EQ(comprueba_lineas(l, "a"), "ok");
-    }
-    {
-        Lineas l{abre};
-        EXPECT_EQ(comprueba_lineas(l), "Ln 2, Col 1: Unexpected end of file");
-    }
-    DirTemporal dir;
-    escribe_fichero(dir / "p.xml", abre + "\n" + cierra + "\n");
-    EXPECT_EQ(comprueba_fichero(dir / "p.xml"), "ok");
-}
-
 TEST(Robustez, LineaDeSeisMegas) {
     DirTemporal dir;
     const std::string texto(6 * 1024 * 1024, 'x');

@@ -13,6 +13,10 @@
  * until zarnxml_destruye on the root. Arrays of found nodes belong to the caller, who frees them
  * with zarnxml_destruye_array_const_nodos (the nodes stay the tree's).
  *
+ * Threads: a tree serves one thread at a time. Reading does not change what a lookup gives, but
+ * zarnxml_nodos_hijos keeps a cache in the tree, so two threads that read one tree at the same
+ * time must take turns (a lock of the caller's); separate trees work side by side freely.
+ *
  * Absence, three ways:
  *   zarnxml_get_dato_hijo_*           the child must be there; its absence is an internal error
  *   zarnxml_get_dato_hijo_*_opcional  the child may be missing; the caller's default comes back
