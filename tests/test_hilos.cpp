@@ -88,6 +88,15 @@ struct Diferencias {
     }
 };
 
+// The values of a read array, which is freed.
+std::vector<double> toma_serie(ArrDouble serie) {
+    std::vector<double> v;
+    for (uint32_t i = 0; i < arr_NumElemsDouble(serie); ++i)
+        v.push_back(arr_GetDouble(serie, i));
+    arr_DestruyeDouble(&serie);
+    return v;
+}
+
 void lee_con_lector(const Esperado &e, zarnfxml_t *r, Diferencias &d) {
     zarnfxml_lee_inicio_bloque(r, "documento");
     d.compara(zarnfxml_get_ulong_propiedad_inicio_bloque(r, "hilo"), static_cast<uint32_t>(e.t),
@@ -97,12 +106,7 @@ void lee_con_lector(const Esperado &e, zarnfxml_t *r, Diferencias &d) {
     d.compara(zarnfxml_lee_ulong(r, "sin_signo"), e.sin_signo, "lector: sin_signo");
     d.compara(zarnfxml_lee_double(r, "real"), e.real, "lector: real");
     d.compara(zarnfxml_lee_bool(r, "verdad"), e.verdad, "lector: verdad");
-    ArrDouble serie = zarnfxml_lee_arr_double(r, "serie");
-    std::vector<double> leida;
-    for (uint32_t i = 0; i < arr_NumElemsDouble(serie); ++i)
-        leida.push_back(arr_GetDouble(serie, i));
-    arr_DestruyeDouble(&serie);
-    d.compara(leida, e.serie, "lector: serie");
+    d.compara(toma_serie(zarnfxml_lee_arr_double(r, "serie")), e.serie, "lector: serie");
     zarnfxml_salta_etiqueta(r, "saltar");
     zarnfxml_lee_inicio_bloque(r, "lista");
     for (int i = 0; i < ITEMS; ++i) {
@@ -126,12 +130,7 @@ void lee_del_arbol(const Esperado &e, const zarnxml_nodo_t *raiz, Diferencias &d
     d.compara(zarnxml_get_dato_hijo_ulong(raiz, "sin_signo"), e.sin_signo, "arbol: sin_signo");
     d.compara(zarnxml_get_dato_hijo_double(raiz, "real"), e.real, "arbol: real");
     d.compara(zarnxml_get_dato_hijo_bool(raiz, "verdad"), e.verdad, "arbol: verdad");
-    ArrDouble serie = zarnxml_get_dato_hijo_ArrDouble(raiz, "serie");
-    std::vector<double> leida;
-    for (uint32_t i = 0; i < arr_NumElemsDouble(serie); ++i)
-        leida.push_back(arr_GetDouble(serie, i));
-    arr_DestruyeDouble(&serie);
-    d.compara(leida, e.serie, "arbol: serie");
+    d.compara(toma_serie(zarnxml_get_dato_hijo_ArrDouble(raiz, "serie")), e.serie, "arbol: serie");
     ArrPuntero items = nullptr;
     d.compara(zarnxml_existen_nodos(zarnxml_dame_nodo(raiz, "lista"), "item", &items), CIERTO,
               "arbol: items");
