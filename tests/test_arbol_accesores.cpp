@@ -33,8 +33,9 @@ std::string u8(const char *s) {
 std::string u8(const char16_t *s) {
     return s ? zarn::utf16_a_utf8(s) : "<null>";
 }
+// A truth value: Y or N.
 std::string zb(zybool b) {
-    return b ? "CIERTO" : "FALSO";
+    return b ? "Y" : "N";
 }
 std::string num(double v) {
     std::string s = std::to_string(v);
@@ -111,78 +112,59 @@ const char *DOC = "<r>\n"
 
 TEST(ArbolAccesores, LaAusenciaEnSusTresFormas) {
     Arbol a(DOC, "si", "7");
-    const char *etiquetas[] = {"p", "v", "blq", "m", "d"};
-    const std::string NO = "!existe_nodo == CIERTO (m)";
-    const std::string REP = "!num_nodos_encontrados == 1";
-    const std::string NO_BOOL = "!es_dato_bool == CIERTO";
-    const std::string L = "2147483647", UL = "4294967295";
+    // Per row: present "7", empty, a block, missing, separated by '|'; a repeated child is
+    // always the fault. Marks: %L, %U the largest long and ulong, %N missing, %B no truth text.
+    const std::pair<std::string, std::string> marcas[] = {{"%L", "2147483647"},
+                                                          {"%U", "4294967295"},
+                                                          {"%N", "!existe_nodo == CIERTO (m)"},
+                                                          {"%B", "!es_dato_bool == CIERTO"}};
     const zybool SI = CIERTO;
     const struct {
-        const char *nombre;
         Forma f;
-        // present "7", empty, a block, missing, repeated
-        std::string esperados[5];
+        std::string esperados;
     } filas[] = {
-        {"get long", get(zarnxml_get_dato_hijo_long), {"7", "0", "0", NO, REP}},
-        {"opc long", opcional(zarnxml_get_dato_hijo_long_opcional, 5), {"7", L, L, "5", REP}},
-        {"existe long",
-         existe(zarnxml_existe_dato_hijo_long, 42),
-         {"CIERTO 7", "CIERTO " + L, "CIERTO " + L, "FALSO 42", REP}},
-        {"get ulong", get(zarnxml_get_dato_hijo_ulong), {"7", "0", "0", NO, REP}},
-        {"opc ulong", opcional(zarnxml_get_dato_hijo_ulong_opcional, 5u), {"7", UL, UL, "5", REP}},
-        {"existe ulong",
-         existe(zarnxml_existe_dato_hijo_ulong, 42u),
-         {"CIERTO 7", "CIERTO " + UL, "CIERTO " + UL, "FALSO 42", REP}},
-        {"get ushort", get(zarnxml_get_dato_hijo_ushort), {"7", "0", "0", NO, REP}},
-        {"existe ushort",
-         existe(zarnxml_existe_dato_hijo_ushort, uint16_t(42)),
-         {"CIERTO 7", "CIERTO 65535", "CIERTO 65535", "FALSO 42", REP}},
-        {"get fecha", get(zarnxml_get_dato_hijo_fecha), {"7", "0", "0", NO, REP}},
+        {get(zarnxml_get_dato_hijo_long), "7|0|0|%N"},
+        {opcional(zarnxml_get_dato_hijo_long_opcional, 5), "7|%L|%L|5"},
+        {existe(zarnxml_existe_dato_hijo_long, 42), "Y 7|Y %L|Y %L|N 42"},
+        {get(zarnxml_get_dato_hijo_ulong), "7|0|0|%N"},
+        {opcional(zarnxml_get_dato_hijo_ulong_opcional, 5u), "7|%U|%U|5"},
+        {existe(zarnxml_existe_dato_hijo_ulong, 42u), "Y 7|Y %U|Y %U|N 42"},
+        {get(zarnxml_get_dato_hijo_ushort), "7|0|0|%N"},
+        {existe(zarnxml_existe_dato_hijo_ushort, uint16_t(42)), "Y 7|Y 65535|Y 65535|N 42"},
+        {get(zarnxml_get_dato_hijo_fecha), "7|0|0|%N"},
         // The default goes through 32 bits too.
-        {"opc fecha",
-         opcional(zarnxml_get_dato_hijo_fecha_opcional, int64_t(1) << 40),
-         {"7", L, L, L, REP}},
-        {"existe fecha",
-         existe(zarnxml_existe_dato_hijo_fecha, int64_t(42)),
-         {"CIERTO 7", "CIERTO " + L, "CIERTO " + L, "FALSO 42", REP}},
-        {"get double", get(zarnxml_get_dato_hijo_double), {"7", "0", "0", NO, REP}},
-        {"existe double",
-         existe(zarnxml_existe_dato_hijo_double, 42.0),
-         {"CIERTO 7", "CIERTO 0", "CIERTO 0", "FALSO 42", REP}},
-        {"get cadena", get(zarnxml_get_dato_hijo_cadena), {"7", "", "<null>", NO, REP}},
-        {"get ansi", get(zarnxml_get_dato_hijo_cadena_ansi), {"7", "", "", NO, REP}},
-        {"opc cadena", get(zarnxml_get_dato_hijo_cadena_opcional), {"7", "", "", "", REP}},
-        {"existe cadena",
-         existe<const char16_t *>(zarnxml_existe_dato_hijo_cadena, u"x"),
-         {"CIERTO 7", "CIERTO ", "CIERTO <null>", "FALSO x", REP}},
-        {"get bool", get(zarnxml_get_dato_hijo_bool), {"0", NO_BOOL, NO_BOOL, NO, REP}},
-        {"opc bool", opcional(zarnxml_get_dato_hijo_bool_opcional, SI), {"0", "1", "1", "1", REP}},
-        {"existe bool opc",
-         opcional(zarnxml_existe_dato_hijo_bool_opcional, SI),
-         {"0", "1", "1", "1", REP}},
-        {"existe bool",
-         existe(zarnxml_existe_dato_hijo_bool, zybool(42)),
-         {"CIERTO 0", "FALSO 42", "FALSO 42", "FALSO 42", REP}},
-        {"existe bool sin valor",
-         existe_sin_valor(zarnxml_existe_dato_hijo_bool),
-         {"CIERTO", "FALSO", "FALSO", "FALSO", REP}},
-        {"existe double sin valor",
-         existe_sin_valor(zarnxml_existe_dato_hijo_double),
-         {"CIERTO", "CIERTO", "CIERTO", "FALSO", REP}},
-        {"get ArrULong", get(zarnxml_get_dato_hijo_ArrULong), {"7", "", "", NO, REP}},
-        {"opc ArrULong", get(zarnxml_get_dato_hijo_ArrULong_opcional), {"7", "", "", "", REP}},
-        {"existe ArrULong",
-         existe(zarnxml_existe_dato_hijo_ArrULong, ArrULong(nullptr)),
-         {"CIERTO 7", "CIERTO ", "CIERTO ", "FALSO <null>", REP}},
-        {"get ArrDouble", get(zarnxml_get_dato_hijo_ArrDouble), {"7", "", "", NO, REP}},
-        {"existe ArrDouble",
-         existe(zarnxml_existe_dato_hijo_ArrDouble, ArrDouble(nullptr)),
-         {"CIERTO 7", "CIERTO ", "CIERTO ", "FALSO <null>", REP}},
+        {opcional(zarnxml_get_dato_hijo_fecha_opcional, int64_t(1) << 40), "7|%L|%L|%L"},
+        {existe(zarnxml_existe_dato_hijo_fecha, int64_t(42)), "Y 7|Y %L|Y %L|N 42"},
+        {get(zarnxml_get_dato_hijo_double), "7|0|0|%N"},
+        {existe(zarnxml_existe_dato_hijo_double, 42.0), "Y 7|Y 0|Y 0|N 42"},
+        {get(zarnxml_get_dato_hijo_cadena), "7||<null>|%N"},
+        {get(zarnxml_get_dato_hijo_cadena_ansi), "7|||%N"},
+        {get(zarnxml_get_dato_hijo_cadena_opcional), "7|||"},
+        {existe<const char16_t *>(zarnxml_existe_dato_hijo_cadena, u"x"), "Y 7|Y |Y <null>|N x"},
+        {get(zarnxml_get_dato_hijo_bool), "0|%B|%B|%N"},
+        {opcional(zarnxml_get_dato_hijo_bool_opcional, SI), "0|1|1|1"},
+        {opcional(zarnxml_existe_dato_hijo_bool_opcional, SI), "0|1|1|1"},
+        {existe(zarnxml_existe_dato_hijo_bool, zybool(42)), "Y 0|N 42|N 42|N 42"},
+        {existe_sin_valor(zarnxml_existe_dato_hijo_bool), "Y|N|N|N"},
+        {existe_sin_valor(zarnxml_existe_dato_hijo_double), "Y|Y|Y|N"},
+        {get(zarnxml_get_dato_hijo_ArrULong), "7|||%N"},
+        {get(zarnxml_get_dato_hijo_ArrULong_opcional), "7|||"},
+        {existe(zarnxml_existe_dato_hijo_ArrULong, ArrULong(nullptr)), "Y 7|Y |Y |N <null>"},
+        {get(zarnxml_get_dato_hijo_ArrDouble), "7|||%N"},
+        {existe(zarnxml_existe_dato_hijo_ArrDouble, ArrDouble(nullptr)), "Y 7|Y |Y |N <null>"},
     };
-    for (const auto &fila : filas)
-        for (int i = 0; i < 5; ++i)
-            EXPECT_EQ(resultado([&] { return fila.f(a.raiz, etiquetas[i]); }), fila.esperados[i])
-                << fila.nombre << " / " << etiquetas[i];
+    for (const auto &fila : filas) {
+        std::string obtenido;
+        for (const char *e : {"p", "v", "blq", "m"})
+            obtenido += (*e == 'p' ? "" : "|") + resultado([&] { return fila.f(a.raiz, e); });
+        std::string esperado = fila.esperados;
+        for (const auto &[marca, valor] : marcas)
+            for (size_t i; (i = esperado.find(marca)) != std::string::npos;)
+                esperado.replace(i, 2, valor);
+        EXPECT_EQ(obtenido, esperado) << "row " << &fila - filas;
+        EXPECT_EQ(resultado([&] { return fila.f(a.raiz, "d"); }), "!num_nodos_encontrados == 1")
+            << &fila - filas;
+    }
 }
 
 // The tests of a node's own datum: the answer and the variable afterwards (it starts at 42).
@@ -203,13 +185,13 @@ TEST(ArbolAccesores, ElDatoDelPropioNodo) {
     EXPECT_EQ(zarnxml_get_dato_long(hijo("nan")), 0);
     EXPECT_EQ(texto(zarnxml_get_dato_cadena(hijo("u"))), "Jos\xc3\xa9");
     // Number tests look at the value, truncated.
-    EXPECT_EQ(es(zarnxml_es_dato_long, hijo("neg")), "CIERTO -3");
-    EXPECT_EQ(es(zarnxml_es_dato_long, hijo("big")), "FALSO 42");
-    EXPECT_EQ(es(zarnxml_es_dato_ulong, hijo("neg")), "FALSO 42");
-    EXPECT_EQ(es(zarnxml_es_dato_ulong, hijo("big")), "FALSO 42");
-    EXPECT_EQ(es(zarnxml_es_dato_ulong, hijo("t")), "CIERTO 12");
-    EXPECT_EQ(es(zarnxml_es_dato_bool, hijo("b")), "CIERTO 0");
-    EXPECT_EQ(es(zarnxml_es_dato_bool, hijo("t")), "FALSO 42");
+    EXPECT_EQ(es(zarnxml_es_dato_long, hijo("neg")), "Y -3");
+    EXPECT_EQ(es(zarnxml_es_dato_long, hijo("big")), "N 42");
+    EXPECT_EQ(es(zarnxml_es_dato_ulong, hijo("neg")), "N 42");
+    EXPECT_EQ(es(zarnxml_es_dato_ulong, hijo("big")), "N 42");
+    EXPECT_EQ(es(zarnxml_es_dato_ulong, hijo("t")), "Y 12");
+    EXPECT_EQ(es(zarnxml_es_dato_bool, hijo("b")), "Y 0");
+    EXPECT_EQ(es(zarnxml_es_dato_bool, hijo("t")), "N 42");
     EXPECT_EQ(zarnxml_get_dato_bool(hijo("b")), FALSO);
     EXPECT_EQ(condicion_de([&] { zarnxml_get_dato_bool(hijo("t")); }), "es_dato_bool == CIERTO");
     // A node with child elements lends no datum and reads as the empty text.
@@ -259,14 +241,14 @@ TEST(ArbolAccesores, Propiedades) {
     auto prop = [&](auto f, auto inicial, const char *nombre) {
         return existe(f, inicial)(r, nombre);
     };
-    EXPECT_EQ(prop(zarnxml_existe_propiedad_cadena, CADENA(nullptr), "NOMBRE"), "CIERTO Pe\xc3\xb1"
+    EXPECT_EQ(prop(zarnxml_existe_propiedad_cadena, CADENA(nullptr), "NOMBRE"), "Y Pe\xc3\xb1"
                                                                                 "a");
-    EXPECT_EQ(prop(zarnxml_existe_propiedad_cadena_u, CADENA_u(nullptr), "vacia"), "CIERTO ");
-    EXPECT_EQ(prop(zarnxml_existe_propiedad_double, 42.0, "d"), "CIERTO 2.5");
-    EXPECT_EQ(prop(zarnxml_existe_propiedad_ulong, 42u, "N"), "CIERTO 17"); // the first n
-    EXPECT_EQ(prop(zarnxml_existe_propiedad_bool, zybool(42), "b"), "CIERTO 1");
-    EXPECT_EQ(prop(zarnxml_existe_propiedad_bool, zybool(42), "c"), "FALSO 42");
-    EXPECT_EQ(prop(zarnxml_existe_propiedad_double, 42.0, "z"), "FALSO 42");
+    EXPECT_EQ(prop(zarnxml_existe_propiedad_cadena_u, CADENA_u(nullptr), "vacia"), "Y ");
+    EXPECT_EQ(prop(zarnxml_existe_propiedad_double, 42.0, "d"), "Y 2.5");
+    EXPECT_EQ(prop(zarnxml_existe_propiedad_ulong, 42u, "N"), "Y 17"); // the first n
+    EXPECT_EQ(prop(zarnxml_existe_propiedad_bool, zybool(42), "b"), "Y 1");
+    EXPECT_EQ(prop(zarnxml_existe_propiedad_bool, zybool(42), "c"), "N 42");
+    EXPECT_EQ(prop(zarnxml_existe_propiedad_double, 42.0, "z"), "N 42");
     EXPECT_EQ(zarnxml_existe_propiedad_cadena_u(r, "nombre", nullptr), CIERTO);
 }
 

@@ -104,41 +104,37 @@ TEST(ArbolBusqueda, CondicionesDeLasBusquedas) {
 
 TEST(ArbolBusqueda, PorUnaRuta) {
     Arbol a("<r><s n=\"1\"><t>a</t></s><s n=\"2\"><t>b</t><t>c</t></s></r>");
-    const zarnxml_nodo_t *r = a.raiz;
-    ArrCADENA ruta = arr_CreaCADENA(0);
-    const zarnxml_nodo_t *n = nullptr;
-    EXPECT_FALSE(zarnxml_existe_nodo_ruta_ex(r, ruta, nullptr, nullptr, nullptr, &n));
-    arr_AppendCADENA(ruta, "R");
-    EXPECT_TRUE(zarnxml_existe_nodo_ruta_ex(r, ruta, nullptr, nullptr, nullptr, &n));
-    EXPECT_EQ(n, r);
-    arr_AppendCADENA(ruta, "s");
-    arr_AppendCADENA(ruta, "t");
-    EXPECT_TRUE(zarnxml_existe_nodo_ruta_ex(r, ruta, nullptr, nullptr, nullptr, &n));
-    EXPECT_EQ(u8(zarnxml_get_dato_cadena_u(n)), "a");
-
-    // A filter on the middle step and a position on the last; an empty text is no filter.
-    ArrCADENA textos = arr_CreaCADENA(3);
-    ArrCADENA_u valores = arr_CreaCADENA_u(3);
-    ArrULong indices = arr_CreaULong(3);
-    for (uint32_t i = 0; i < 3; ++i) {
-        arr_SetCADENA(textos, i, "");
-        arr_SetCADENA_u(valores, i, u"");
-    }
-    arr_SetCADENA(textos, 1, "N");
-    arr_SetCADENA_u(valores, 1, u"2");
-    arr_SetULong(indices, 2, 1);
-    EXPECT_TRUE(zarnxml_existe_nodo_ruta_ex(r, ruta, textos, valores, indices, &n));
-    EXPECT_EQ(u8(zarnxml_get_dato_cadena_u(n)), "c");
+    // The datum found along a path; filters and positions, when given, go step by step.
+    const auto busca = [&](std::vector<const char *> pasos, const char *filtro = nullptr,
+                           uint32_t indice = 0) {
+        ArrCADENA ruta = arr_CreaCADENA(0), textos = arr_CreaCADENA(3);
+        ArrCADENA_u valores = arr_CreaCADENA_u(3);
+        ArrULong indices = arr_CreaULong(3);
+        for (const char *p : pasos)
+            arr_AppendCADENA(ruta, p);
+        for (uint32_t i = 0; i < 3; ++i) // an empty text is no filter
+            arr_SetCADENA(textos, i, ""), arr_SetCADENA_u(valores, i, u"");
+        if (filtro) // a filter on the middle step and a position on the last
+            arr_SetCADENA(textos, 1, filtro), arr_SetCADENA_u(valores, 1, u"2");
+        arr_SetULong(indices, 2, indice);
+        const bool con = filtro || indice;
+        const zarnxml_nodo_t *n = nullptr;
+        const bool hay =
+            zarnxml_existe_nodo_ruta_ex(a.raiz, ruta, con ? textos : nullptr,
+                                        con ? valores : nullptr, con ? indices : nullptr, &n);
+        arr_DestruyeCADENA(&ruta), arr_DestruyeCADENA(&textos), arr_DestruyeULong(&indices);
+        arr_DestruyeCADENA_u(&valores);
+        if (!hay)
+            return std::string(n ? "changed" : "none");
+        return n == a.raiz ? "root" : u8(zarnxml_get_dato_cadena_u(n));
+    };
+    EXPECT_EQ(busca({}), "none");
+    EXPECT_EQ(busca({"R"}), "root");
+    EXPECT_EQ(busca({"R", "s", "t"}), "a");
+    EXPECT_EQ(busca({"r", "s", "t"}, "N", 1), "c");
     // No backtracking to another sibling: the first s has no second t.
-    arr_SetCADENA(textos, 1, "");
-    EXPECT_FALSE(zarnxml_existe_nodo_ruta_ex(r, ruta, textos, valores, indices, &n));
-    EXPECT_EQ(u8(zarnxml_get_dato_cadena_u(n)), "c");
-    arr_SetCADENA(ruta, 0, "x");
-    EXPECT_FALSE(zarnxml_existe_nodo_ruta_ex(r, ruta, nullptr, nullptr, nullptr, nullptr));
-    arr_DestruyeCADENA(&ruta);
-    arr_DestruyeCADENA(&textos);
-    arr_DestruyeCADENA_u(&valores);
-    arr_DestruyeULong(&indices);
+    EXPECT_EQ(busca({"r", "s", "t"}, "", 1), "none");
+    EXPECT_EQ(busca({"x", "s", "t"}), "none");
 }
 
 TEST(ArbolBusqueda, AFondoEnOrdenDelDocumento) {

@@ -10,13 +10,6 @@
 
 namespace {
 
-std::string une(const std::vector<std::string> &lineas) {
-    std::string r;
-    for (size_t i = 0; i < lineas.size(); ++i)
-        r += (i > 0 ? "\n" : "") + lineas[i];
-    return r;
-}
-
 // An array handle destroyed at the end of the scope, also when an internal error unwinds.
 template <typename H> struct Dueno {
     H h;
@@ -81,7 +74,7 @@ TEST(EscritorArrays, FormasNumeradas) {
         for (const bool nivel : {false, true})
             for (const auto &f : filas) {
                 SCOPED_TRACE(std::to_string(f.valor) + (nivel ? " nivel 1 " : " ") + sangria);
-                std::vector<std::string> esperado;
+                std::string esperado = nivel ? "<r>" : "";
                 // The rows again, with other items; with no items only the enclosing lines.
                 const auto anade = [&](const char *uno, const char *dos, bool sin_items) {
                     for (std::string l : f.lineas) {
@@ -90,7 +83,8 @@ TEST(EscritorArrays, FormasNumeradas) {
                         for (auto [de, a] : {std::pair{"uno", uno}, std::pair{"dos", dos}})
                             if (auto p = l.find(de); p != std::string::npos)
                                 l.replace(p, 3, a);
-                        esperado.push_back((nivel ? sangria : "") + l);
+                        esperado +=
+                            std::string(esperado.empty() ? "" : "\n") + (nivel ? sangria : "") + l;
                     }
                 };
                 anade("uno", "dos", false);
@@ -109,12 +103,9 @@ TEST(EscritorArrays, FormasNumeradas) {
                 if (f.valor != 0)
                     zarnfxml_graba_arr_double_numerados(e, "t", doubles({3.0, 3.5}), 6, f.valor,
                                                         prop);
-                if (nivel) {
-                    zarnfxml_graba_fin_bloque(e);
-                    esperado.insert(esperado.begin(), "<r>");
-                    esperado.push_back("</r>");
-                }
-                EXPECT_EQ(texto_de(e), une(esperado));
+                if (nivel)
+                    zarnfxml_graba_fin_bloque(e), esperado += "\n</r>";
+                EXPECT_EQ(texto_de(e), esperado);
             }
 }
 

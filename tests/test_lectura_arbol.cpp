@@ -136,8 +136,7 @@ TEST(LecturaArbol, UnBloqueQueFaltaYUnDocumentoMalo) {
 TEST(LecturaArbol, ArraysNumeradosComoLosGrabaElEscritor) {
     zarnfxml_t *w = zarnfxml_crea_para_escritura_UTF_8();
     ArrDouble dos = arr_CreaDouble(0), ninguno = arr_CreaDouble(0);
-    arr_AppendDouble(dos, 1.5);
-    arr_AppendDouble(dos, -2);
+    arr_AppendDouble(dos, 1.5), arr_AppendDouble(dos, -2);
     zarnfxml_graba_inicio_bloque(w, "r");
     for (int t = 0; t < 8; ++t) {
         zarnfxml_graba_arr_double_numerados(w, ("t" + std::to_string(t)).c_str(), dos, 3, t, "n");
@@ -145,8 +144,7 @@ TEST(LecturaArbol, ArraysNumeradosComoLosGrabaElEscritor) {
                                             "n");
     }
     zarnfxml_graba_fin_bloque(w);
-    arr_DestruyeDouble(&dos);
-    arr_DestruyeDouble(&ninguno);
+    arr_DestruyeDouble(&dos), arr_DestruyeDouble(&ninguno);
     DirTemporal dir;
     zarnfxml_genera_fichero_salida(w, dir.u("arr.xml").c_str());
     std::vector<Lectura> lecturas;

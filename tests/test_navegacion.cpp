@@ -4,6 +4,7 @@
 #include "lector_soporte.hpp"
 
 #include <cstdlib>
+#include <sstream>
 
 namespace {
 
@@ -173,69 +174,61 @@ V tras_saltar(const Lineas &l, int k, bool por_lineas) {
     return r;
 }
 
+// The two paths as one text each: the records after the skip, joined by " | ".
+std::pair<std::string, std::string> caminos(const std::vector<std::string> &lineas, int k) {
+    Lineas l(lineas);
+    std::string r[2];
+    for (const bool por_lineas : {true, false})
+        for (const std::string &s : tras_saltar(l, k, por_lineas))
+            r[por_lineas] += (r[por_lineas].empty() ? "" : " | ") + s;
+    return {r[1], r[0]};
+}
+
 TEST(Navegacion, CaminoDeLineasIgualEnDocumentosDelEscritor) {
-    zarnfxml_t *w = zarnfxml_crea_para_escritura_UTF_8();
-    zarnfxml_graba_inicio_bloque(w, "raiz");
-    zarnfxml_graba_inicio_bloque_propiedad1(w, "a", "k", "v");
-    zarnfxml_graba_inicio_fin_bloque_propiedad1(w, "vacio", "p", "1");
-    zarnfxml_graba_cadena(w, "s", "x</a> & z");
-    zarnfxml_graba_inicio_bloque(w, "b");
-    zarnfxml_graba_cadena(w, "t", "uno\ndos");
-    zarnfxml_graba_fin_bloque(w);
-    zarnfxml_graba_fin_bloque(w);
-    for (const char *t : {"c", "d", "d2"})
-        zarnfxml_graba_inicio_bloque(w, t);
-    for (int i = 0; i < 3; ++i)
-        zarnfxml_graba_fin_bloque(w);
-    zarnfxml_graba_linea_comentario(w, "nota");
-    zarnfxml_graba_fin_bloque(w);
-    CADENA salida = zarnfxml_xml_escritura_a_char(w, CIERTO);
-    ArrCADENA texto = zarn::lista_lineas(salida);
-    zarn::libera(salida);
-    zarnfxml_destruye_xml_escritura(&w);
-    Lineas l(std::vector<std::string>(texto->v.begin(), texto->v.end()));
-    arr_DestruyeCADENA(&texto);
+    // As the writer lays a document out: one element or end tag per line, tab indentation.
+    std::istringstream texto("<?xml version=\"1.0\" encoding=\"UTF-8\"?>\n<raiz>\n\t<a k=\"v\">\n"
+                             "\t\t<vacio p=\"1\" />\n\t\t<s>x&lt;/a&gt; &amp; z</s>\n\t\t<b>\n"
+                             "\t\t\t<t>uno\ndos</t>\n\t\t</b>\n\t</a>\n\t<c>\n\t\t<d>\n\t\t\t<d2>\n"
+                             "\t\t\t</d2>\n\t\t</d>\n\t</c>\n\t<!-- nota -->\n</raiz>");
+    std::vector<std::string> doc;
+    for (std::string l; std::getline(texto, l);)
+        doc.push_back(l);
     int k = 0;
-    for (V registros; !(registros = tras_saltar(l, k, true)).empty(); ++k)
-        EXPECT_EQ(registros, tras_saltar(l, k, false)) << k;
+    for (std::pair<std::string, std::string> r; !(r = caminos(doc, k)).first.empty(); ++k)
+        EXPECT_EQ(r.first, r.second) << k;
     EXPECT_EQ(k, 7);
 }
 
 TEST(Navegacion, DondeDifierenLosDosCaminos) {
-    const std::string desajuste = "6:-:Ln 2, Col 8: The end tag does not match the initial tag";
+    const std::string desajuste =
+        "6:-:Ln 2, Col 8: The end tag does not match the initial tag (b) (c)";
     const struct {
         std::vector<std::string> lineas;
         int k;
-        V por_lineas, ordinario;
+        std::string por_lineas, ordinario;
     } casos[] = {
         // A block nested in one of its own tag; the end text inside a comment.
         {{"<a>", "<a>", "<b>1</b>", "</a>", "<c>2</c>", "</a>"},
          0,
-         {"3:0:/a", "1:0:c='2'", "6:-:Ln 6, Col 4: No open tags (a)"},
-         {"3:0:/a", "5:-:"}},
+         "3:0:/a | 1:0:c='2' | 6:-:Ln 6, Col 4: No open tags (a)",
+         "3:0:/a | 5:-:"},
         {{"<a>", "<b>1</b>", "<!-- </a> -->", "<c>2</c>", "</a>"},
          0,
-         {"3:0:/a", "1:0:c='2'", "6:-:Ln 5, Col 4: No open tags (a)"},
-         {"3:0:/a", "5:-:"}},
+         "3:0:/a | 1:0:c='2' | 6:-:Ln 5, Col 4: No open tags (a)",
+         "3:0:/a | 5:-:"},
         // Text behind the end tag; bad XML or the end of the text inside the block.
         {{"<r>", "<a>", "<b>1</b>", "</a><z>9</z>", "</r>"},
          1,
-         {"3:1:/a", "3:0:/r", "5:-:"},
-         {"3:1:/a", "1:1:z='9'", "3:0:/r", "5:-:"}},
-        {{"<a>", "<b>1</c>"},
-         0,
-         {"3:0:/a", "5:-:"},
-         {desajuste + " (b) (c)", desajuste + " (b) (c)"}},
+         "3:1:/a | 3:0:/r | 5:-:",
+         "3:1:/a | 1:1:z='9' | 3:0:/r | 5:-:"},
+        {{"<a>", "<b>1</c>"}, 0, "3:0:/a | 5:-:", desajuste + " | " + desajuste},
         {{"<a>", "<b>1</b>"},
          0,
-         {"3:0:/a", "5:-:"},
-         {"6:-:Ln 3, Col 1: Unexpected end of file", "6:-:Ln 3, Col 1: Unexpected end of file"}},
+         "3:0:/a | 5:-:",
+         "6:-:Ln 3, Col 1: Unexpected end of file | 6:-:Ln 3, Col 1: Unexpected end of file"},
     };
-    for (const auto &c : casos) {
-        Lineas l(c.lineas);
-        EXPECT_EQ(tras_saltar(l, c.k, true), c.por_lineas);
-        EXPECT_EQ(tras_saltar(l, c.k, false), c.ordinario);
-    }
+    for (const auto &c : casos)
+        EXPECT_EQ(caminos(c.lineas, c.k), std::pair(c.por_lineas, c.ordinario)) << c.lineas[1];
 }
 
 } // namespace
