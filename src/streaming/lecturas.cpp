@@ -18,24 +18,24 @@ const i_dato_t &i_dato(const i_xml_lectura *xml) {
     return i_dato_registro(xml->registro.get());
 }
 
-// ASCII bytes and a wide text are equal, case ignored.
-bool i_iguales_ascii_may_o_min(std::string_view ascii, std::u16string_view texto) {
-    return ascii.size() == texto.size() &&
-           std::equal(ascii.begin(), ascii.end(), texto.begin(), [](char a, char16_t b) {
-               return zarn::pliega(static_cast<char16_t>(a)) == zarn::pliega(b);
+// The datum equals a wide text, case ignored; plain ASCII data is compared without decoding.
+bool i_dato_igual_may_o_min(const i_dato_t &d, std::u16string_view texto) {
+    if (!d.es_ascii_llano())
+        return zarn::iguales_may_o_min(std::u16string_view(d.texto()), texto);
+    const std::string &b = d.bruto();
+    return b.size() == texto.size() &&
+           std::equal(b.begin(), b.end(), texto.begin(), [](char a, char16_t w) {
+               return zarn::pliega(static_cast<char16_t>(a)) == zarn::pliega(w);
            });
 }
 
 // The strict truth read: the datum is one of the reader's two truth texts, case ignored.
 zybool i_dato_registro_a_bool(const i_xml_lectura *xml) {
     const i_dato_t &d = i_dato(xml);
-    if (d.es_ascii_llano() && i_iguales_ascii_may_o_min(d.bruto(), xml->conf->texto_zybool_true))
-        return CIERTO;
-    const std::u16string_view dato = d.texto();
-    if (zarn::iguales_may_o_min(dato, std::u16string_view(xml->conf->texto_zybool_true)))
+    if (i_dato_igual_may_o_min(d, xml->conf->texto_zybool_true))
         return CIERTO;
     ZARN_ASSERT_TEXTO(
-        zarn::iguales_may_o_min(dato, std::u16string_view(xml->conf->texto_zybool_false)),
+        i_dato_igual_may_o_min(d, xml->conf->texto_zybool_false),
         "widestr_cadenas_iguales_may_o_min(dato, xml->conf->texto_zybool_false) == CIERTO",
         ORIGEN_STREAMING);
     return FALSO;
