@@ -36,7 +36,7 @@ inline std::string describe_propiedades(const i_propiedades_t &ps) {
     for (size_t i = 0; i < ps.size(); ++i) {
         if (i)
             r += ',';
-        r += ps[i].texto_propiedad + "=" + utf8(ps[i].dato_propiedad);
+        r += ps[i].texto_propiedad + "=" + utf8(ps[i].dato_propiedad.texto());
     }
     return r + "}";
 }
@@ -55,7 +55,7 @@ template <typename T> std::string describe_contenido(int32_t tipo, const T &p, b
     if (tipo == dato)
         return r + "'" + utf8(p.dato.texto()) + "'";
     if (tipo == fin)
-        return r + "/" + p.etiqueta_fin;
+        return r + "/" + p.etiqueta;
     if (tipo == error)
         return r + p.mensaje_error;
     r += p.etiqueta + describe_propiedades(p.propiedades);
@@ -75,11 +75,9 @@ inline std::string describe(const zarnfxml_registro_t &r) {
 inline std::vector<std::string> piezas_de(i_xml_lectura *xml) {
     std::vector<std::string> r;
     for (;;) {
-        i_pieza_ptr p = i_lee_pieza(xml);
-        r.push_back(describe(*p));
-        const bool ultima = p->tipo_pieza == i_PIEZA_FIN_FICHERO || p->tipo_pieza == i_PIEZA_ERROR;
-        i_destruye_pieza(xml, p);
-        if (ultima)
+        const zarnfxml_pieza_t &p = i_lee_pieza(xml);
+        r.push_back(describe(p));
+        if (p.tipo_pieza == i_PIEZA_FIN_FICHERO || p.tipo_pieza == i_PIEZA_ERROR)
             return r;
     }
 }
@@ -96,7 +94,7 @@ inline std::vector<std::string> registros_de(i_xml_lectura *xml, bool admite_cam
     std::vector<std::string> r;
     for (;;) {
         const int32_t tipo = i_lee_registro(xml, admite_campo_vacio ? CIERTO : FALSO);
-        r.push_back(describe(*xml->registro));
+        r.push_back(describe(xml->registro));
         if (tipo == i_REGISTRO_FIN_FICHERO || tipo == i_REGISTRO_ERROR)
             return r;
     }

@@ -20,7 +20,8 @@ struct Lector {
     ~Lector() { zarnfxml_destruye_xml_lectura(&x); }
     operator zarnfxml_t *() const { return x; }
     i_xml_lectura *in() const { return static_cast<i_xml_lectura *>(x); }
-    std::string registro() const { return in()->registro ? describe(*in()->registro) : "none"; }
+    std::string registro() const { return in()->registro.tipo_registro == i_REGISTRO_NINGUNO ? "none"
+                                                                   : describe(in()->registro); }
 };
 
 TEST(Navegacion, EjemploLlamadaALlamada) {
@@ -103,7 +104,7 @@ TEST(Navegacion, MirarAdelante) {
     CADENA t = nullptr;
     EXPECT_FALSE(zarnfxml_etiqueta_siguiente_es_inicio_bloque(r, nullptr)); // <?p x?> is next
     EXPECT_FALSE(zarnfxml_se_lee_definicion_comentario(r, &t));             // the declaration is
-    EXPECT_EQ(r.in()->piezas_pendientes.size(), 2u);
+    EXPECT_EQ(r.in()->num_pendientes(), 2u);
     zarnfxml_lee_definicion_comentario(r, &t);
     EXPECT_STREQ(t, "p x");
     zarn::libera(t);
@@ -167,8 +168,8 @@ V tras_saltar(const Lineas &l, int k, bool por_lineas) {
         if (tipo == i_REGISTRO_INICIO_BLOQUE && i++ == k)
             break;
     }
-    i_salta_hasta_fin_bloque(xml.get(), xml->registro->nivel_etiquetado + 1, por_lineas);
-    V r{describe(*xml->registro)};
+    i_salta_hasta_fin_bloque(xml.get(), xml->registro.nivel_etiquetado + 1, por_lineas);
+    V r{describe(xml->registro)};
     for (const std::string &s : registros_de(xml.get(), false))
         r.push_back(s);
     return r;

@@ -15,7 +15,7 @@ zybool i_es_xml_correcto(i_xml_lectura *xml, const char *etiqueta_raiz, CADENA *
             if (visto_bloque)
                 break;
             visto_bloque = true;
-            if (compara_raiz && !zarn::iguales_may_o_min(std::string_view(xml->registro->etiqueta),
+            if (compara_raiz && !zarn::iguales_may_o_min(std::string_view(xml->registro.etiqueta),
                                                          std::string_view(etiqueta_raiz))) {
                 i_asigna_error_especial(xml,
                                         i_mensaje_error("Expected word", etiqueta_raiz, nullptr,

@@ -11,6 +11,7 @@
 #include "services/ficheros.hpp"
 #include "streaming/comun.hpp"
 
+#include <array>
 #include <cstdint>
 #include <memory>
 #include <string>
@@ -33,6 +34,7 @@ enum i_tipo_pieza_t : int32_t {
     i_PIEZA_FIN_BLOQUE = 5,
     i_PIEZA_FIN_FICHERO = 6,
     i_PIEZA_ERROR = 7,
+    i_PIEZA_NINGUNA = -1,
 };
 
 enum i_tipo_registro_t : int32_t {
@@ -43,6 +45,7 @@ enum i_tipo_registro_t : int32_t {
     i_REGISTRO_DEFINICION_COMENTARIO = 4,
     i_REGISTRO_FIN_FICHERO = 5,
     i_REGISTRO_ERROR = 6,
+    i_REGISTRO_NINGUNO = -1,
 };
 
 // The level of what has no place in the tree (definitions, end of the document, errors).
@@ -52,17 +55,9 @@ inline constexpr uint32_t i_MAX_LINEA = 5120000u;
 
 // ---- Pieces and records ----------------------------------------------------------------------
 
-// A property as the reader holds it: the name stays bytes, the value is decoded wide text.
-struct i_propiedad_lectura_t {
-    std::string texto_propiedad;
-    std::u16string dato_propiedad;
-};
-// In document order; empty where the document gives none.
-using i_propiedades_t = std::vector<i_propiedad_lectura_t>;
-
-// The text of a datum. The lexer keeps the 8-bit bytes that it cut, with the encoding in force
-// when it cut them; the wide text is decoded (with the entities) on first use only, so that a
-// reader that never looks at a datum, such as the checks, never decodes it.
+// The text of a datum or of a property value. The lexer keeps the 8-bit bytes that it cut, with
+// the encoding in force when it cut them; the wide text is decoded (with the entities) on first
+// use only, so that a reader that never looks at a text, such as the checks, never decodes it.
 class i_dato_t {
 public:
     // The 8-bit text, to be filled by the lexer; the encoding is set with fija_codificacion.
@@ -96,7 +91,7 @@ public:
                 return false;
         return true;
     }
-    // The wide text, decoded once; lent until the datum changes.
+    // The wide text, decoded once; lent until the text changes.
     const std::u16string &texto() const;
     const char16_t *c_str() const { return texto().c_str(); }
 
@@ -107,29 +102,90 @@ private:
     mutable bool decodificado_ = false;
 };
 
+// A property as the reader holds it: the name stays bytes, the value is decoded on first use.
+struct i_propiedad_lectura_t {
+    std::string texto_propiedad;
+    i_dato_t dato_propiedad;
+};
+
+// The properties of a tag, in document order. Clearing keeps the elements and their storage, so
+// that a piece or record reused for the next tag allocates nothing for names and values that fit.
+class i_propiedades_t {
+public:
+    size_t size() const noexcept { return n_; }
+    bool empty() const noexcept { return n_ == 0; }
+    const i_propiedad_lectura_t &operator[](size_t i) const noexcept { return v_[i]; }
+    const i_propiedad_lectura_t *begin() const noexcept { return v_.data(); }
+    const i_propiedad_lectura_t *end() const noexcept { return v_.data() + n_; }
+    void clear() noexcept { n_ = 0; }
+    // One more property, to be filled whole by the caller (it holds what a former one left).
+    i_propiedad_lectura_t &nueva() {
+        if (n_ == v_.size())
+            v_.emplace_back();
+        return v_[n_++];
+    }
+    void asigna(const i_propiedades_t &otras) {
+        clear();
+        for (const i_propiedad_lectura_t &p : otras) {
+            i_propiedad_lectura_t &q = nueva();
+            q.texto_propiedad.assign(p.texto_propiedad);
+            q.dato_propiedad.asigna(p.dato_propiedad);
+        }
+    }
+    void intercambia(i_propiedades_t &otras) noexcept {
+        v_.swap(otras.v_);
+        std::swap(n_, otras.n_);
+    }
+
+private:
+    std::vector<i_propiedad_lectura_t> v_;
+    size_t n_ = 0;
+};
+
 // A lexical unit. Which fields hold something depends on tipo_pieza; the others are empty.
 struct zarnfxml_pieza_t {
     int32_t tipo_pieza = i_PIEZA_FIN_FICHERO;
     uint32_t nivel_etiquetado = i_SIN_NIVEL;
-    std::string etiqueta;        // tag, or the text of a definition
+    std::string etiqueta;        // the tag of a start or end tag, or the text of a definition
     i_propiedades_t propiedades; // start tags and definitions
     i_dato_t dato;               // i_PIEZA_DATO
-    std::string etiqueta_fin;    // i_PIEZA_FIN_BLOQUE
     std::string mensaje_error;   // i_PIEZA_ERROR, the finished message
-};
-using i_pieza_ptr = std::unique_ptr<zarnfxml_pieza_t>;
 
-// A syntactic unit: the same fields as a piece, holding copies of its own.
+    // Empties the piece for a new use, keeping its storage.
+    void reinicia(int32_t tipo, uint32_t nivel) noexcept {
+        tipo_pieza = tipo;
+        nivel_etiquetado = nivel;
+        etiqueta.clear();
+        propiedades.clear();
+        dato.limpia();
+        mensaje_error.clear();
+    }
+};
+
+// A syntactic unit: the same fields as a piece, holding its own copies. i_REGISTRO_NINGUNO
+// before the first read and while a read is under way.
 struct zarnfxml_registro_t {
-    int32_t tipo_registro = i_REGISTRO_FIN_FICHERO;
+    int32_t tipo_registro = i_REGISTRO_NINGUNO;
     uint32_t nivel_etiquetado = i_SIN_NIVEL;
-    std::string etiqueta;        // block start, field, definition
+    std::string etiqueta;        // block start, field, definition; block end (its end tag)
     i_propiedades_t propiedades; // block start, field, definition
     i_dato_t dato;               // field (possibly empty text), loose datum
-    std::string etiqueta_fin;    // block end
     std::string mensaje_error;   // error
+
+    void reinicia(int32_t tipo, uint32_t nivel) noexcept {
+        tipo_registro = tipo;
+        nivel_etiquetado = nivel;
+        etiqueta.clear();
+        propiedades.clear();
+        dato.limpia();
+        mensaje_error.clear();
+    }
 };
-using i_registro_ptr = std::unique_ptr<zarnfxml_registro_t>;
+
+// The pieces that the reader holds: the current one and those read ahead and given back, in
+// document order in a ring. Pieces are lent by reference and stay valid while the reader moves
+// less than i_NUM_PIEZAS - 1 pieces on; no operation looks further back than that.
+inline constexpr uint32_t i_NUM_PIEZAS = 4;
 
 // ---- The reader record -----------------------------------------------------------------------
 
@@ -183,20 +239,30 @@ struct i_xml_lectura : zarnfxml_s {
     uint32_t ind_linea = 0;   // line being read, from 0
     uint32_t ind_columna = 0; // next byte in that line, from 0
     std::unique_ptr<zarnfxml_conf_t> conf;
-    i_pieza_ptr pieza_actual;                    // the piece on which the reader stands
-    std::vector<i_pieza_ptr> piezas_pendientes;  // read ahead and given back; element 0 is next
     std::vector<std::string> etiquetas_abiertas; // the lexer's open tags, outermost first
-    i_registro_ptr registro;                     // the current record
+    zarnfxml_registro_t registro;                // the current record
     zybool error_especial = FALSO;               // a check found a fault above the lexer
     std::string mensaje_error_especial;          // its message (meaningful with error_especial)
     void *item_asociado = nullptr;
     zybool dato_literal = FALSO;
 
-    // Spent pieces and records kept for reuse, so that reading allocates only while the longest
-    // texts grow; nothing here is visible to the layers above.
-    std::vector<i_pieza_ptr> piezas_libres;
-    i_registro_ptr registro_libre;
-    std::string texto_auxiliar;  // scratch of the lexer for property values
+    // The pieces: piezas[i % i_NUM_PIEZAS] holds the i-th piece that the lexer made. The current
+    // piece is the one before `cursor` (none while cursor is 0); those from cursor up to
+    // `producidas` were read ahead and given back, and come next.
+    std::array<zarnfxml_pieza_t, i_NUM_PIEZAS> piezas;
+    uint64_t cursor = 0;
+    uint64_t producidas = 0;
+    zarnfxml_pieza_t *pieza_actual() noexcept {
+        return cursor == 0 ? nullptr : &piezas[(cursor - 1) % i_NUM_PIEZAS];
+    }
+    const zarnfxml_pieza_t *pieza_actual() const noexcept {
+        return cursor == 0 ? nullptr : &piezas[(cursor - 1) % i_NUM_PIEZAS];
+    }
+    uint64_t num_pendientes() const noexcept { return producidas - cursor; }
+    zarnfxml_pieza_t &pendiente(uint64_t i) noexcept {
+        return piezas[(cursor + i) % i_NUM_PIEZAS];
+    }
+
     std::string nombre_auxiliar; // scratch of the lexer for names
 };
 
@@ -228,17 +294,13 @@ void i_aplica_definicion_fichero_xml(const zarnfxml_pieza_t *pieza, zarnfxml_con
 
 // ---- Lexer (piezas.cpp) ----------------------------------------------------------------------
 
-// The next piece, never null: element 0 of piezas_pendientes if there is one, otherwise a piece
-// lexed from the source with the encoding that conf has at this moment.
-i_pieza_ptr i_lee_pieza(i_xml_lectura *xml);
-// Gives a piece back so that it comes next. To give back two in order, give the later first.
-void i_devuelve_pieza(i_xml_lectura *xml, i_pieza_ptr pieza);
-// The lexer proper.
-i_pieza_ptr i_lee_pieza_de_fuente(i_xml_lectura *xml, int32_t tipo_codificacion);
-
-// An empty piece (reused when one is at hand) and the end of one.
-i_pieza_ptr i_nueva_pieza(i_xml_lectura *xml, int32_t tipo_pieza, uint32_t nivel_etiquetado);
-void i_destruye_pieza(i_xml_lectura *xml, i_pieza_ptr &pieza);
+// The next piece: the first of those given back if there is one, otherwise a piece lexed from
+// the source with the encoding that conf has at this moment. It becomes the current piece.
+zarnfxml_pieza_t &i_lee_pieza(i_xml_lectura *xml);
+// Gives back the current piece, so that it comes next and the one before is current again.
+void i_devuelve_pieza(i_xml_lectura *xml);
+// Drops the pieces read ahead (the lexer's stack is the caller's affair).
+void i_descarta_pendientes(i_xml_lectura *xml);
 
 // Pops `etiqueta` from the stack if it is on top, case counting. Otherwise gives FALSO and, where
 // the addresses are given, the message ("No open tags" or "The end tag does not match the
@@ -257,18 +319,13 @@ std::string i_mensaje_error(const char *texto_error, const char *detalle1, const
 // an element without a datum is one field with the empty text; without, a block start and end.
 int32_t i_lee_registro(i_xml_lectura *xml, zybool admite_campo_vacio);
 
-// Records made from pieces (nothing of the piece is taken over).
-i_registro_ptr i_crea_registro(i_xml_lectura *xml, const zarnfxml_pieza_t *pieza);
-i_registro_ptr i_crea_registro_campo(i_xml_lectura *xml,
-                                     const zarnfxml_pieza_t *pieza_inicio_bloque,
-                                     const zarnfxml_pieza_t *pieza_dato_si_hay);
-// The same field record, taking over the content of the two pieces instead of copying it: the
-// pieces are left empty for reuse.
-i_registro_ptr i_toma_registro_campo(i_xml_lectura *xml, i_pieza_ptr &pieza_inicio_bloque,
-                                     i_pieza_ptr &pieza_dato_si_hay);
-i_registro_ptr i_crea_registro_fin_bloque(i_xml_lectura *xml,
-                                          const zarnfxml_pieza_t *pieza_inicio_y_fin_bloque);
-void i_destruye_registro(i_xml_lectura *xml, i_registro_ptr &registro);
+// The current record, asserted to exist.
+zarnfxml_registro_t &i_registro(i_xml_lectura *xml);
+const zarnfxml_registro_t &i_registro(const i_xml_lectura *xml);
+// The current record made from a piece (copied, nothing taken over).
+void i_registro_de_pieza(i_xml_lectura *xml, const zarnfxml_pieza_t &pieza);
+// The end record of a self-closed block whose start piece is `pieza`.
+void i_registro_fin_bloque(i_xml_lectura *xml, const zarnfxml_pieza_t &pieza);
 
 // CIERTO when the reader stands on the end of the document or on an error.
 zybool i_lectura_terminada(const i_xml_lectura *xml);
@@ -328,7 +385,7 @@ void i_lee_campo_admite_vacio(i_xml_lectura *xml, const char *etiqueta);
 zybool i_lee_campo_si_existe(i_xml_lectura *xml, const char *etiqueta);
 // The datum of the current field.
 inline const std::u16string &i_dato_campo(const i_xml_lectura *xml) {
-    return i_dato_registro(xml->registro.get()).texto();
+    return i_dato_registro(&i_registro(xml)).texto();
 }
 
 // ---- Arrays being read (lee_arrays.cpp, lee_estructuras.cpp) ---------------------------------

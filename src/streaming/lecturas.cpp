@@ -15,7 +15,7 @@ void i_lee_campo_con(i_xml_lectura *xml, const char *etiqueta, zybool admite_cam
 }
 
 const i_dato_t &i_dato(const i_xml_lectura *xml) {
-    return i_dato_registro(xml->registro.get());
+    return i_dato_registro(&i_registro(xml));
 }
 
 // The datum equals a wide text, case ignored; plain ASCII data is compared without decoding.

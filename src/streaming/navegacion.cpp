@@ -20,10 +20,10 @@ void i_asserta_tipo_registro(int32_t tipo_registro, int32_t esperado, const char
 
 void i_copia_etiqueta_registro(const i_xml_lectura *xml, CADENA *etiqueta) {
     if (etiqueta)
-        *etiqueta = zarn::dup(i_etiqueta_registro(xml->registro.get()));
+        *etiqueta = zarn::dup(i_etiqueta_registro(&xml->registro));
 }
 
-bool i_es_pieza(const i_pieza_ptr &pieza, int32_t tipo) {
+bool i_es_pieza(const zarnfxml_pieza_t *pieza, int32_t tipo) {
     return pieza && pieza->tipo_pieza == tipo;
 }
 
@@ -32,27 +32,26 @@ bool i_es_pieza(const i_pieza_ptr &pieza, int32_t tipo) {
 bool i_nada_puede_seguir(const i_xml_lectura *xml) {
     ZARN_ASSERT_NO_NULL(xml, ORIGEN_STREAMING);
     ZARN_ASSERT_NO_NULL(xml->conf, ORIGEN_STREAMING);
-    if (i_es_pieza(xml->pieza_actual, i_PIEZA_FIN_FICHERO) ||
-        i_es_pieza(xml->pieza_actual, i_PIEZA_ERROR))
+    const zarnfxml_pieza_t *actual = xml->pieza_actual();
+    if (i_es_pieza(actual, i_PIEZA_FIN_FICHERO) || i_es_pieza(actual, i_PIEZA_ERROR))
         return true;
-    return i_es_pieza(xml->pieza_actual, i_PIEZA_INICIO_Y_FIN_BLOQUE) && xml->registro &&
-           xml->registro->tipo_registro == i_REGISTRO_INICIO_BLOQUE;
+    return i_es_pieza(actual, i_PIEZA_INICIO_Y_FIN_BLOQUE) &&
+           xml->registro.tipo_registro == i_REGISTRO_INICIO_BLOQUE;
 }
 
 zybool i_siguiente_es_definicion_comentario(i_xml_lectura *xml) {
     if (i_nada_puede_seguir(xml))
         return FALSO;
-    i_pieza_ptr pieza = i_lee_pieza(xml);
-    const zybool es = pieza->tipo_pieza == i_PIEZA_DEFINICION_COMENTARIO ? CIERTO : FALSO;
-    i_devuelve_pieza(xml, std::move(pieza));
+    const zybool es = i_lee_pieza(xml).tipo_pieza == i_PIEZA_DEFINICION_COMENTARIO ? CIERTO : FALSO;
+    i_devuelve_pieza(xml);
     return es;
 }
 
 const i_propiedad_lectura_t *i_propiedad_registro(const i_xml_lectura *xml,
                                                   const char *texto_propiedad) {
-    ZARN_ASSERT_NO_NULL(xml->registro, ORIGEN_STREAMING);
+    const zarnfxml_registro_t &registro = i_registro(xml);
     ZARN_ASSERT_NO_NULL(texto_propiedad, ORIGEN_STREAMING);
-    return i_busca_propiedad(i_propiedades_registro(xml->registro.get()), texto_propiedad);
+    return i_busca_propiedad(i_propiedades_registro(&registro), texto_propiedad);
 }
 
 const std::u16string &i_dato_propiedad_requerida(const i_xml_lectura *xml,
@@ -60,7 +59,7 @@ const std::u16string &i_dato_propiedad_requerida(const i_xml_lectura *xml,
     const i_propiedad_lectura_t *p = i_propiedad_registro(xml, texto_propiedad);
     const zybool existe_propiedad = p ? CIERTO : FALSO;
     ZARN_ASSERT_TEXTO(existe_propiedad == CIERTO, "existe_propiedad == CIERTO", ORIGEN_STREAMING);
-    return p->dato_propiedad;
+    return p->dato_propiedad.texto();
 }
 
 // ---- The skip --------------------------------------------------------------------------------
@@ -69,16 +68,14 @@ const std::u16string &i_dato_propiedad_requerida(const i_xml_lectura *xml,
 std::atomic<signed char> uso_xml_bloque{-1};
 
 void i_avanza_pieza(i_xml_lectura *xml) {
-    if (xml->pieza_actual)
-        i_destruye_pieza(xml, xml->pieza_actual);
-    xml->pieza_actual = i_lee_pieza(xml);
+    i_lee_pieza(xml);
 }
 
 // Passes pieces while the current one lies at `nivel` or deeper; the first one above is the end
 // tag of the block being passed. Definitions have no level and are passed like the rest.
 void i_salta_piezas_de_nivel(i_xml_lectura *xml, uint32_t nivel) {
     for (;;) {
-        const zarnfxml_pieza_t *p = xml->pieza_actual.get();
+        const zarnfxml_pieza_t *p = xml->pieza_actual();
         ZARN_ASSERT_NO_NULL(p, ORIGEN_STREAMING);
         if (p->nivel_etiquetado < nivel || p->tipo_pieza == i_PIEZA_FIN_FICHERO ||
             p->tipo_pieza == i_PIEZA_ERROR)
@@ -91,23 +88,20 @@ void i_salta_piezas_de_nivel(i_xml_lectura *xml, uint32_t nivel) {
 // that tag on top of the lexer's stack and the block's own tag below it. Anything else (a
 // datum, a self-closing child, the block's own end) is passed on the ordinary path.
 bool i_linea_siguiente_es_hijo(const i_xml_lectura *xml) {
-    const auto &pendientes = xml->piezas_pendientes;
     const auto &pila = xml->etiquetas_abiertas;
-    if (pendientes.size() != 1 || !i_es_pieza(pendientes.front(), i_PIEZA_INICIO_BLOQUE) ||
-        pila.size() < 2)
+    if (xml->num_pendientes() != 1 || pila.size() < 2)
         return false;
-    return pila.back() == pendientes.front()->etiqueta &&
-           pila[pila.size() - 2] == xml->pieza_actual->etiqueta;
+    const zarnfxml_pieza_t &hijo = const_cast<i_xml_lectura *>(xml)->pendiente(0);
+    return hijo.tipo_pieza == i_PIEZA_INICIO_BLOQUE && pila.back() == hijo.etiqueta &&
+           pila[pila.size() - 2] == xml->pieza_actual()->etiqueta;
 }
 
 // Drops the first child's start tag that was read ahead, and its entry on the lexer's stack.
 void i_descarta_hijo_pendiente(i_xml_lectura *xml) {
-    i_pieza_ptr hijo = std::move(xml->piezas_pendientes.front());
-    xml->piezas_pendientes.erase(xml->piezas_pendientes.begin());
     const zybool desapila =
-        i_desapila_etiqueta(xml->etiquetas_abiertas, hijo->etiqueta, nullptr, nullptr);
+        i_desapila_etiqueta(xml->etiquetas_abiertas, xml->pendiente(0).etiqueta, nullptr, nullptr);
     ZARN_ASSERT_TEXTO(desapila == CIERTO, "desapila == CIERTO", ORIGEN_STREAMING);
-    i_destruye_pieza(xml, hijo);
+    i_descarta_pendientes(xml);
 }
 
 // From the line where the lexer stands, passes whole lines up to and including the first that
@@ -129,14 +123,12 @@ void i_salta_lineas_hasta_fin_etiqueta(i_xml_lectura *xml, const std::string &et
 // The line path: the block's start piece becomes its end piece without lexing its inside.
 void i_salta_bloque_por_lineas(i_xml_lectura *xml) {
     i_descarta_hijo_pendiente(xml);
-    zarnfxml_pieza_t &p = *xml->pieza_actual;
+    zarnfxml_pieza_t &p = *xml->pieza_actual();
     i_salta_lineas_hasta_fin_etiqueta(xml, p.etiqueta);
     const zybool desapila =
         i_desapila_etiqueta(xml->etiquetas_abiertas, p.etiqueta, nullptr, nullptr);
     ZARN_ASSERT_TEXTO(desapila == CIERTO, "desapila == CIERTO", ORIGEN_STREAMING);
     p.tipo_pieza = i_PIEZA_FIN_BLOQUE;
-    p.etiqueta_fin = std::move(p.etiqueta);
-    p.etiqueta.clear();
     p.propiedades.clear();
 }
 
@@ -157,8 +149,8 @@ void i_extrae_campo_linea(std::string_view linea, CADENA *etiqueta, CADENA *dato
 }
 
 bool i_en_inicio_bloque_con_contenido(const i_xml_lectura *xml) {
-    return xml->registro && xml->registro->tipo_registro == i_REGISTRO_INICIO_BLOQUE &&
-           i_es_pieza(xml->pieza_actual, i_PIEZA_INICIO_BLOQUE);
+    return xml->registro.tipo_registro == i_REGISTRO_INICIO_BLOQUE &&
+           i_es_pieza(xml->pieza_actual(), i_PIEZA_INICIO_BLOQUE);
 }
 
 } // namespace
@@ -169,11 +161,11 @@ zybool i_es_siguiente_pieza(i_xml_lectura *xml, int32_t tipo1, int32_t tipo2, co
                             const char *texto_propiedad, const char16_t *dato_propiedad) {
     if (i_nada_puede_seguir(xml))
         return FALSO;
-    i_pieza_ptr definicion;
-    i_pieza_ptr pieza = i_lee_pieza(xml);
+    int leidas = 1;
+    const zarnfxml_pieza_t *pieza = &i_lee_pieza(xml);
     if (pieza->tipo_pieza == i_PIEZA_DEFINICION_FICHERO_XML) {
-        definicion = std::move(pieza);
-        pieza = i_lee_pieza(xml);
+        pieza = &i_lee_pieza(xml);
+        ++leidas;
     }
     bool es = pieza->tipo_pieza == tipo1 || pieza->tipo_pieza == tipo2;
     if (es && etiqueta)
@@ -181,9 +173,8 @@ zybool i_es_siguiente_pieza(i_xml_lectura *xml, int32_t tipo1, int32_t tipo2, co
     if (es && texto_propiedad)
         es = i_existe_propiedad_con_dato(pieza->propiedades, texto_propiedad,
                                          dato_propiedad ? dato_propiedad : u"") == CIERTO;
-    i_devuelve_pieza(xml, std::move(pieza));
-    if (definicion)
-        i_devuelve_pieza(xml, std::move(definicion));
+    for (; leidas > 0; --leidas)
+        i_devuelve_pieza(xml);
     return es ? CIERTO : FALSO;
 }
 
@@ -227,17 +218,17 @@ bool i_uso_xml_bloque() {
 void i_salta_hasta_fin_bloque(i_xml_lectura *xml, uint32_t nivel_etiquetado_lineas_bloque,
                               bool por_lineas) {
     ZARN_ASSERT_NO_NULL(xml, ORIGEN_STREAMING);
-    ZARN_ASSERT_NO_NULL(xml->registro, ORIGEN_STREAMING);
+    const zarnfxml_registro_t &registro = i_registro(xml);
     ZARN_ASSERT_TEXTO(nivel_etiquetado_lineas_bloque > 0, "nivel_etiquetado_lineas_bloque > 0",
                       ORIGEN_STREAMING);
     const uint32_t l = nivel_etiquetado_lineas_bloque;
-    const uint32_t n = xml->registro->nivel_etiquetado;
-    switch (xml->registro->tipo_registro) {
+    const uint32_t n = registro.nivel_etiquetado;
+    switch (registro.tipo_registro) {
     case i_REGISTRO_INICIO_BLOQUE:
         ZARN_ASSERT_TEXTO(l == n + 1,
                           "nivel_etiquetado_lineas_bloque == xml->registro->nivel_etiquetado + 1",
                           ORIGEN_STREAMING);
-        if (i_es_pieza(xml->pieza_actual, i_PIEZA_INICIO_BLOQUE)) {
+        if (i_es_pieza(xml->pieza_actual(), i_PIEZA_INICIO_BLOQUE)) {
             if (por_lineas && i_linea_siguiente_es_hijo(xml)) {
                 i_salta_bloque_por_lineas(xml);
             } else {
@@ -269,11 +260,12 @@ void i_salta_hasta_fin_bloque(i_xml_lectura *xml, uint32_t nivel_etiquetado_line
     default:
         ZARN_DEFAULT_ERROR(ORIGEN_STREAMING);
     }
-    ZARN_ASSERT_NO_NULL(xml->pieza_actual, ORIGEN_STREAMING);
-    i_destruye_registro(xml, xml->registro);
-    xml->registro = xml->pieza_actual->tipo_pieza == i_PIEZA_INICIO_Y_FIN_BLOQUE
-                        ? i_crea_registro_fin_bloque(xml, xml->pieza_actual.get())
-                        : i_crea_registro(xml, xml->pieza_actual.get());
+    const zarnfxml_pieza_t *actual = xml->pieza_actual();
+    ZARN_ASSERT_NO_NULL(actual, ORIGEN_STREAMING);
+    if (actual->tipo_pieza == i_PIEZA_INICIO_Y_FIN_BLOQUE)
+        i_registro_fin_bloque(xml, *actual);
+    else
+        i_registro_de_pieza(xml, *actual);
 }
 
 // ---- Public interface ------------------------------------------------------------------------
@@ -294,7 +286,7 @@ ZARN_API zybool zarnfxml_se_lee_inicio_bloque_con_nivel_etiquetado(
     ZARN_ASSERT_NO_NULL(nivel_etiquetado_lineas_bloque, ORIGEN_STREAMING);
     if (!i_se_lee_inicio_bloque(x, etiqueta))
         return FALSO;
-    *nivel_etiquetado_lineas_bloque = x->registro->nivel_etiquetado + 1;
+    *nivel_etiquetado_lineas_bloque = x->registro.nivel_etiquetado + 1;
     return CIERTO;
 }
 
@@ -376,7 +368,7 @@ zarnfxml_salta_hasta_etiqueta_y_lee_inicio_bloque(zarnfxml_t *xml, const char *e
         const int32_t tipo_registro = i_lee_registro(x, FALSO);
         i_asserta_tipo_registro(tipo_registro, i_REGISTRO_INICIO_BLOQUE,
                                 "tipo_registro == i_REGISTRO_INICIO_BLOQUE");
-        const uint32_t nivel = x->registro->nivel_etiquetado + 1;
+        const uint32_t nivel = x->registro.nivel_etiquetado + 1;
         if (i_es_etiqueta_registro_igual(x, etiqueta)) {
             if (nivel_etiquetado_lineas_bloque)
                 *nivel_etiquetado_lineas_bloque = nivel;
@@ -391,7 +383,7 @@ ZARN_API zybool zarnfxml_lee_siguiente(zarnfxml_t *xml, const char **etiqueta, u
     i_xml_lectura *x = I_LECTOR(xml);
     for (;;) {
         const int32_t tipo_registro = i_lee_registro(x, CIERTO);
-        const zarnfxml_registro_t *r = x->registro.get();
+        const zarnfxml_registro_t *r = &x->registro;
         uint32_t t = 0;
         uint32_t nv = i_SIN_NIVEL;
         switch (tipo_registro) {
@@ -433,7 +425,7 @@ ZARN_API zybool zarnfxml_existe_propiedad_inicio_bloque(zarnfxml_t *xml,
     if (!p)
         return FALSO;
     if (dato)
-        *dato = zarn::dup_utf8(p->dato_propiedad);
+        *dato = zarn::dup_utf8(p->dato_propiedad.texto());
     return CIERTO;
 }
 
@@ -455,7 +447,7 @@ ZARN_API zybool zarnfxml_existe_propiedad_inicio_bloque_igual(zarnfxml_t *xml,
     const i_propiedad_lectura_t *p = i_propiedad_registro(I_LECTOR(xml), texto_propiedad);
     if (!p)
         return FALSO;
-    return zarn::iguales_may_o_min(std::string_view(zarn::utf16_a_utf8(p->dato_propiedad)),
+    return zarn::iguales_may_o_min(std::string_view(zarn::utf16_a_utf8(p->dato_propiedad.texto())),
                                    std::string_view(dato))
                ? CIERTO
                : FALSO;
@@ -483,12 +475,11 @@ ZARN_API uint32_t zarnfxml_get_ulong_propiedad_inicio_bloque(zarnfxml_t *xml,
 
 ZARN_API CADENA zarnfxml_get_indice_propiedad_inicio_bloque(zarnfxml_t *xml, uint32_t indice) {
     i_xml_lectura *x = I_LECTOR(xml);
-    ZARN_ASSERT_NO_NULL(x->registro, ORIGEN_STREAMING);
-    const i_propiedades_t &propiedades = i_propiedades_registro(x->registro.get());
+    const i_propiedades_t &propiedades = i_propiedades_registro(&i_registro(x));
     const i_propiedad_lectura_t *propiedad =
         indice < propiedades.size() ? &propiedades[indice] : nullptr;
     ZARN_ASSERT_NO_NULL(propiedad, ORIGEN_STREAMING);
-    return zarn::dup_utf8(propiedad->dato_propiedad);
+    return zarn::dup_utf8(propiedad->dato_propiedad.texto());
 }
 
 // ---- Raw reading of a block of fields --------------------------------------------------------
@@ -509,8 +500,8 @@ ZARN_API void zarnfxml_lee_campos_bloque_conocido(zarnfxml_t *xml, uint32_t num_
             const int32_t tipo_registro = i_lee_registro(x, CIERTO);
             i_asserta_tipo_registro(tipo_registro, i_REGISTRO_CAMPO,
                                     "tipo_registro == i_REGISTRO_CAMPO");
-            leidos.push_back(x->registro->etiqueta);
-            leidos.push_back(x->registro->dato.bruto());
+            leidos.push_back(x->registro.etiqueta);
+            leidos.push_back(x->registro.dato.bruto());
         }
         for (uint32_t i = 0; i < num_campos; ++i) {
             etiquetas[i] = zarn::dup(leidos[2 * i]);

@@ -21,21 +21,25 @@ enum : uint8_t {
     C_FIN_VALOR = 8,
     C_FIN_VALOR_COMILLAS = 16,   // ' is an ordinary byte here
     C_FIN_VALOR_APOSTROFOS = 32, // " is an ordinary byte here
+    // Where a skip of white space may have something to do: white space, the end of the line,
+    // a byte order mark, a comment or a line-break tag.
+    C_SALTABLE = 64,
     // The zero byte that ends every line ends every scan.
-    C_FIN_LINEA =
-        C_FIN_NOMBRE | C_FIN_DATO | C_FIN_VALOR | C_FIN_VALOR_COMILLAS | C_FIN_VALOR_APOSTROFOS,
+    C_FIN_LINEA = C_FIN_NOMBRE | C_FIN_DATO | C_FIN_VALOR | C_FIN_VALOR_COMILLAS |
+                  C_FIN_VALOR_APOSTROFOS | C_SALTABLE,
 };
 
 constexpr std::array<uint8_t, 256> CLASES = [] {
     std::array<uint8_t, 256> t{};
     for (const unsigned char c : {' ', '\t', '\r', '\n'})
-        t[c] |= C_BLANCO | C_FIN_NOMBRE;
+        t[c] |= C_BLANCO | C_FIN_NOMBRE | C_SALTABLE;
     for (const unsigned char c : {'=', '<', '/', '?', '>', '"', '\''})
         t[c] |= C_FIN_NOMBRE;
-    t['<'] |= C_FIN_DATO | C_FIN_VALOR | C_FIN_VALOR_COMILLAS | C_FIN_VALOR_APOSTROFOS;
+    t['<'] |= C_FIN_DATO | C_FIN_VALOR | C_FIN_VALOR_COMILLAS | C_FIN_VALOR_APOSTROFOS | C_SALTABLE;
     t['>'] |= C_FIN_VALOR | C_FIN_VALOR_COMILLAS | C_FIN_VALOR_APOSTROFOS;
     t['"'] |= C_FIN_VALOR | C_FIN_VALOR_COMILLAS;
     t['\''] |= C_FIN_VALOR | C_FIN_VALOR_APOSTROFOS;
+    t[0xEF] |= C_SALTABLE;
     t[0] |= C_FIN_LINEA;
     return t;
 }();
@@ -53,7 +57,7 @@ public:
     Lexico(i_xml_lectura &xml, int32_t tipo_codificacion)
         : x_(xml), lin_(xml.ind_linea), col_(xml.ind_columna), tipo_(tipo_codificacion) {}
 
-    i_pieza_ptr lee();
+    void lee(zarnfxml_pieza_t &pieza);
 
 private:
     const char *pos() const { return linea_ + col_; }
@@ -74,18 +78,36 @@ private:
         col_ = 0;
     }
 
-    void salta_blancos(bool salta_comentarios, bool salta_saltos_linea, uint32_t *num_saltos_linea);
+    // Skips white space, byte order marks, and (as asked) comments and line-break tags, over
+    // lines. Most calls stand on a byte where there is nothing to skip; they return at once,
+    // which leaves everything as the full skip would (its fetch of the line in hand changes
+    // nothing but the end mark, and that is set only on the empty line past the end).
+    void salta_blancos(bool salta_comentarios, bool salta_saltos_linea,
+                       uint32_t *num_saltos_linea) {
+        if (num_saltos_linea)
+            *num_saltos_linea = 0;
+        const char *s = pos();
+        if (!es(*s, C_SALTABLE))
+            return;
+        if (*s == '<' && !(salta_comentarios && s[1] == '!') &&
+            !(salta_saltos_linea && (s[1] | 0x20) == 'b'))
+            return;
+        salta_blancos_lento(salta_comentarios, salta_saltos_linea, num_saltos_linea);
+    }
+    void salta_blancos_lento(bool salta_comentarios, bool salta_saltos_linea,
+                             uint32_t *num_saltos_linea);
     bool salta_comentario();
     std::string_view lee_nombre();
     bool lee_texto(std::string &acumulado, uint8_t fin, char union_lineas);
     void lee_dato(std::string &dato);
-    bool lee_dato_propiedad(std::u16string &valor);
-    void lee_propiedades(i_pieza_ptr &pieza);
-    i_pieza_ptr lee_definicion();
-    i_pieza_ptr lee_fin_bloque();
-    i_pieza_ptr lee_inicio_bloque();
-    i_pieza_ptr lee_cdata();
-    i_pieza_ptr error(const char *texto_error, const char *detalle1, const char *detalle2);
+    bool lee_dato_propiedad(i_dato_t &valor);
+    void lee_propiedades(zarnfxml_pieza_t &pieza);
+    void lee_definicion(zarnfxml_pieza_t &pieza);
+    void lee_fin_bloque(zarnfxml_pieza_t &pieza);
+    void lee_inicio_bloque(zarnfxml_pieza_t &pieza);
+    void lee_cdata(zarnfxml_pieza_t &pieza);
+    void error(zarnfxml_pieza_t &pieza, const char *texto_error, const char *detalle1,
+               const char *detalle2);
 
     i_xml_lectura &x_;
     uint32_t &lin_;
@@ -95,17 +117,14 @@ private:
     zybool fin_ = FALSO;
 };
 
-i_pieza_ptr Lexico::error(const char *texto_error, const char *detalle1, const char *detalle2) {
-    i_pieza_ptr p = i_nueva_pieza(&x_, i_PIEZA_ERROR, i_SIN_NIVEL);
-    p->mensaje_error = i_mensaje_error(texto_error, detalle1, detalle2, lin_, col_);
-    return p;
+void Lexico::error(zarnfxml_pieza_t &pieza, const char *texto_error, const char *detalle1,
+                   const char *detalle2) {
+    pieza.reinicia(i_PIEZA_ERROR, i_SIN_NIVEL);
+    pieza.mensaje_error = i_mensaje_error(texto_error, detalle1, detalle2, lin_, col_);
 }
 
-// Skips white space, byte order marks, and (as asked) comments and line-break tags, over lines.
-void Lexico::salta_blancos(bool salta_comentarios, bool salta_saltos_linea,
-                           uint32_t *num_saltos_linea) {
-    if (num_saltos_linea)
-        *num_saltos_linea = 0;
+void Lexico::salta_blancos_lento(bool salta_comentarios, bool salta_saltos_linea,
+                                 uint32_t *num_saltos_linea) {
     for (;;) {
         dame(lin_);
         const char *s = pos();
@@ -220,141 +239,133 @@ void Lexico::lee_dato(std::string &dato) {
     }
 }
 
-// A property value from the byte behind "=". Gives whether it was quoted and closed by its
-// quote; only then does `valor` hold the decoded value.
-bool Lexico::lee_dato_propiedad(std::u16string &valor) {
+// A property value from the byte behind "=", its bytes cut into `valor` with the encoding in
+// force. Gives whether it was quoted and closed by its quote; only then is it a value.
+bool Lexico::lee_dato_propiedad(i_dato_t &valor) {
     uint8_t fin = C_FIN_VALOR;
     const char c = byte();
     if (c == '"' || c == '\'') {
         avanza(1);
         fin = c == '"' ? C_FIN_VALOR_COMILLAS : C_FIN_VALOR_APOSTROFOS;
     }
-    const bool entrecomillado = fin != C_FIN_VALOR;
-    std::string &texto = x_.texto_auxiliar;
-    lee_texto(texto, fin, ' ');
+    lee_texto(valor.bruto(), fin, ' ');
+    valor.fija_codificacion(tipo_);
     const char d = byte();
     if (d != '"' && d != '\'')
         return false;
     avanza(1);
-    if (entrecomillado) {
-        valor.clear();
-        i_decodifica_cadena(texto, tipo_, valor);
-    }
-    return entrecomillado;
+    return fin != C_FIN_VALOR;
 }
 
 // The properties of a tag, up to "/", "?" or ">". A property without a quoted value, or any
 // stray byte, turns the piece into an error that names what was read as the name.
-void Lexico::lee_propiedades(i_pieza_ptr &pieza) {
-    std::string &nombre = x_.nombre_auxiliar;
-    while (pieza->tipo_pieza != i_PIEZA_ERROR) {
+void Lexico::lee_propiedades(zarnfxml_pieza_t &pieza) {
+    for (;;) {
         const char c = byte();
         if (c == '/' || c == '?' || c == '>')
             return;
-        nombre.assign(lee_nombre());
+        i_propiedad_lectura_t &p = pieza.propiedades.nueva();
+        p.texto_propiedad.assign(lee_nombre());
         salta_blancos(false, false, nullptr);
-        std::u16string valor;
         bool hay_valor = false;
         if (byte() == '=') {
             avanza(1);
             salta_blancos(false, false, nullptr);
-            hay_valor = lee_dato_propiedad(valor);
+            hay_valor = lee_dato_propiedad(p.dato_propiedad);
             salta_blancos(false, false, nullptr);
         }
         if (!hay_valor) {
-            i_destruye_pieza(&x_, pieza);
-            pieza = error(nullptr, nombre.c_str(), nullptr);
-        } else {
-            pieza->propiedades.push_back({nombre, std::move(valor)});
+            const std::string nombre = p.texto_propiedad;
+            error(pieza, nullptr, nombre.c_str(), nullptr);
+            return;
         }
     }
 }
 
 // "<?": the declaration "<?xml ...?>" or another definition, "<?name text?>".
-i_pieza_ptr Lexico::lee_definicion() {
+void Lexico::lee_definicion(zarnfxml_pieza_t &pieza) {
     avanza(2);
     const std::string_view nombre = lee_nombre();
-    i_pieza_ptr pieza;
     if (zarn::iguales_may_o_min(nombre, std::string_view("xml"))) {
-        pieza = i_nueva_pieza(&x_, i_PIEZA_DEFINICION_FICHERO_XML, i_SIN_NIVEL);
-        pieza->etiqueta.assign(nombre);
+        pieza.reinicia(i_PIEZA_DEFINICION_FICHERO_XML, i_SIN_NIVEL);
+        pieza.etiqueta.assign(nombre);
     } else {
-        pieza = i_nueva_pieza(&x_, i_PIEZA_DEFINICION_COMENTARIO, i_SIN_NIVEL);
-        pieza->etiqueta.assign(nombre);
+        pieza.reinicia(i_PIEZA_DEFINICION_COMENTARIO, i_SIN_NIVEL);
+        pieza.etiqueta.assign(nombre);
         const char *resto = pos();
         const size_t n = std::strcspn(resto, FIN_DEFINICION);
         avanza(n);
         const std::string_view texto(resto, n);
         if (texto.find_first_not_of(" \t\r\n") != std::string_view::npos)
-            pieza->etiqueta.append(texto);
+            pieza.etiqueta.append(texto);
     }
     salta_blancos(false, false, nullptr);
     lee_propiedades(pieza);
-    if (pieza->tipo_pieza == i_PIEZA_ERROR)
-        return pieza;
+    if (pieza.tipo_pieza == i_PIEZA_ERROR)
+        return;
     if (byte() == '?' && pos()[1] == '>') {
         avanza(2);
-        return pieza;
+        return;
     }
-    i_destruye_pieza(&x_, pieza);
-    return error(nullptr, nullptr, nullptr);
+    error(pieza, nullptr, nullptr, nullptr);
 }
 
 // "</": an end tag, checked against the innermost open tag.
-i_pieza_ptr Lexico::lee_fin_bloque() {
+void Lexico::lee_fin_bloque(zarnfxml_pieza_t &pieza) {
     avanza(2);
-    std::string &nombre = x_.nombre_auxiliar;
-    nombre.assign(lee_nombre());
-    salta_blancos(false, false, nullptr);
-    if (byte() != '>')
-        return error(nullptr, nombre.c_str(), nullptr);
+    std::string_view nombre = lee_nombre();
+    if (byte() != '>') {
+        // The skip may pass to another line, which may move the one that the name lies in.
+        x_.nombre_auxiliar.assign(nombre);
+        nombre = x_.nombre_auxiliar;
+        salta_blancos(false, false, nullptr);
+        if (byte() != '>') {
+            error(pieza, nullptr, x_.nombre_auxiliar.c_str(), nullptr);
+            return;
+        }
+    }
     const char *mensaje = nullptr;
     const std::string *esperada = nullptr;
-    i_pieza_ptr pieza;
     if (i_desapila_etiqueta(x_.etiquetas_abiertas, nombre, &mensaje, &esperada)) {
-        pieza = i_nueva_pieza(&x_, i_PIEZA_FIN_BLOQUE,
-                              static_cast<uint32_t>(x_.etiquetas_abiertas.size()));
-        pieza->etiqueta_fin.assign(nombre);
+        pieza.reinicia(i_PIEZA_FIN_BLOQUE, static_cast<uint32_t>(x_.etiquetas_abiertas.size()));
+        pieza.etiqueta.assign(nombre);
     } else {
-        pieza = error(mensaje, esperada ? esperada->c_str() : nullptr, nombre.c_str());
+        const std::string leida(nombre);
+        error(pieza, mensaje, esperada ? esperada->c_str() : nullptr, leida.c_str());
     }
     avanza(1);
-    return pieza;
 }
 
 // "<": a start tag, or a self-closing one. Its tag is pushed; a self-closing one pops it again.
-i_pieza_ptr Lexico::lee_inicio_bloque() {
+void Lexico::lee_inicio_bloque(zarnfxml_pieza_t &pieza) {
     avanza(1);
     const std::string_view nombre = lee_nombre();
-    const auto nivel = static_cast<uint32_t>(x_.etiquetas_abiertas.size());
+    pieza.reinicia(i_PIEZA_INICIO_BLOQUE, static_cast<uint32_t>(x_.etiquetas_abiertas.size()));
+    pieza.etiqueta.assign(nombre);
     x_.etiquetas_abiertas.emplace_back(nombre);
-    i_pieza_ptr pieza = i_nueva_pieza(&x_, i_PIEZA_INICIO_BLOQUE, nivel);
-    pieza->etiqueta.assign(nombre);
     salta_blancos(false, false, nullptr);
     lee_propiedades(pieza);
-    if (pieza->tipo_pieza == i_PIEZA_ERROR)
-        return pieza;
+    if (pieza.tipo_pieza == i_PIEZA_ERROR)
+        return;
     if (byte() == '/' && pos()[1] == '>') {
         avanza(2);
         const zybool desapila =
-            i_desapila_etiqueta(x_.etiquetas_abiertas, pieza->etiqueta, nullptr, nullptr);
+            i_desapila_etiqueta(x_.etiquetas_abiertas, pieza.etiqueta, nullptr, nullptr);
         ZARN_ASSERT_TEXTO(desapila == CIERTO, "desapila == CIERTO", ORIGEN_STREAMING);
-        pieza->tipo_pieza = i_PIEZA_INICIO_Y_FIN_BLOQUE;
-        return pieza;
+        pieza.tipo_pieza = i_PIEZA_INICIO_Y_FIN_BLOQUE;
+        return;
     }
     if (byte() == '>') {
         avanza(1);
-        return pieza;
+        return;
     }
-    i_destruye_pieza(&x_, pieza);
-    return error(nullptr, nullptr, nullptr);
+    error(pieza, nullptr, nullptr, nullptr);
 }
 
 // The inside of "<![CDATA[" ... "]]>", its lines joined by line feeds as they stand.
-i_pieza_ptr Lexico::lee_cdata() {
-    i_pieza_ptr pieza =
-        i_nueva_pieza(&x_, i_PIEZA_DATO, static_cast<uint32_t>(x_.etiquetas_abiertas.size()));
-    std::string &texto = pieza->dato.bruto();
+void Lexico::lee_cdata(zarnfxml_pieza_t &pieza) {
+    pieza.reinicia(i_PIEZA_DATO, static_cast<uint32_t>(x_.etiquetas_abiertas.size()));
+    std::string &texto = pieza.dato.bruto();
     dame(lin_);
     uint32_t inicio = col_;
     bool cerrada = false;
@@ -374,71 +385,45 @@ i_pieza_ptr Lexico::lee_cdata() {
         dame(lin_);
     }
     if (!cerrada) {
-        i_destruye_pieza(&x_, pieza);
-        return error(nullptr, nullptr, nullptr);
+        error(pieza, nullptr, nullptr, nullptr);
+        return;
     }
     texto.append(linea_ + inicio, col_ - inicio);
-    pieza->dato.fija_codificacion(tipo_);
+    pieza.dato.fija_codificacion(tipo_);
     avanza(3);
-    return pieza;
 }
 
-i_pieza_ptr Lexico::lee() {
-    salta_blancos(true, false, nullptr);
+void Lexico::lee(zarnfxml_pieza_t &pieza) {
+    // The full skip, which fetches the line first: the lexer is new for each piece.
+    salta_blancos_lento(true, false, nullptr);
     const char *s = pos();
     if (s[0] == '\0') {
         if (!x_.etiquetas_abiertas.empty())
-            return error("Unexpected end of file", nullptr, nullptr);
-        return i_nueva_pieza(&x_, i_PIEZA_FIN_FICHERO, i_SIN_NIVEL);
+            error(pieza, "Unexpected end of file", nullptr, nullptr);
+        else
+            pieza.reinicia(i_PIEZA_FIN_FICHERO, i_SIN_NIVEL);
+        return;
     }
     if (s[0] != '<') {
-        i_pieza_ptr pieza =
-            i_nueva_pieza(&x_, i_PIEZA_DATO, static_cast<uint32_t>(x_.etiquetas_abiertas.size()));
-        lee_dato(pieza->dato.bruto());
-        pieza->dato.fija_codificacion(tipo_);
-        return pieza;
+        pieza.reinicia(i_PIEZA_DATO, static_cast<uint32_t>(x_.etiquetas_abiertas.size()));
+        lee_dato(pieza.dato.bruto());
+        pieza.dato.fija_codificacion(tipo_);
+        return;
     }
     if (s[1] == '?')
-        return lee_definicion();
+        return lee_definicion(pieza);
     if (s[1] == '/')
-        return lee_fin_bloque();
+        return lee_fin_bloque(pieza);
     if (s[1] == '!' && std::strncmp(s, "<![CDATA[", 9) == 0) {
         avanza(9);
-        return lee_cdata();
+        return lee_cdata(pieza);
     }
-    return lee_inicio_bloque();
+    lee_inicio_bloque(pieza);
 }
 
 } // namespace
 
 // ---- Pieces ----------------------------------------------------------------------------------
-
-i_pieza_ptr i_nueva_pieza(i_xml_lectura *xml, int32_t tipo_pieza, uint32_t nivel_etiquetado) {
-    i_pieza_ptr p;
-    if (!xml->piezas_libres.empty()) {
-        p = std::move(xml->piezas_libres.back());
-        xml->piezas_libres.pop_back();
-    } else {
-        p = std::make_unique<zarnfxml_pieza_t>();
-    }
-    p->tipo_pieza = tipo_pieza;
-    p->nivel_etiquetado = nivel_etiquetado;
-    return p;
-}
-
-void i_destruye_pieza(i_xml_lectura *xml, i_pieza_ptr &pieza) {
-    ZARN_ASSERT_NO_NULL(pieza, ORIGEN_STREAMING);
-    constexpr size_t MAX_LIBRES = 8;
-    if (xml->piezas_libres.size() < MAX_LIBRES) {
-        pieza->etiqueta.clear();
-        pieza->propiedades.clear();
-        pieza->dato.limpia();
-        pieza->etiqueta_fin.clear();
-        pieza->mensaje_error.clear();
-        xml->piezas_libres.push_back(std::move(pieza));
-    }
-    pieza.reset();
-}
 
 zybool i_desapila_etiqueta(std::vector<std::string> &etiquetas_abiertas, std::string_view etiqueta,
                            const char **mensaje, const std::string **etiqueta_esperada) {
@@ -481,23 +466,27 @@ std::string i_mensaje_error(const char *texto_error, const char *detalle1, const
     return m;
 }
 
-i_pieza_ptr i_lee_pieza_de_fuente(i_xml_lectura *xml, int32_t tipo_codificacion) {
+zarnfxml_pieza_t &i_lee_pieza(i_xml_lectura *xml) {
     ZARN_ASSERT_NO_NULL(xml, ORIGEN_STREAMING);
-    return Lexico(*xml, tipo_codificacion).lee();
-}
-
-i_pieza_ptr i_lee_pieza(i_xml_lectura *xml) {
-    ZARN_ASSERT_NO_NULL(xml, ORIGEN_STREAMING);
-    if (!xml->piezas_pendientes.empty()) {
-        i_pieza_ptr p = std::move(xml->piezas_pendientes.front());
-        xml->piezas_pendientes.erase(xml->piezas_pendientes.begin());
-        return p;
+    zarnfxml_pieza_t &pieza = xml->piezas[xml->cursor % i_NUM_PIEZAS];
+    if (xml->cursor == xml->producidas) {
+        Lexico(*xml, xml->conf->tipo_codificacion).lee(pieza);
+        ++xml->producidas;
     }
-    return i_lee_pieza_de_fuente(xml, xml->conf->tipo_codificacion);
+    ++xml->cursor;
+    return pieza;
 }
 
-void i_devuelve_pieza(i_xml_lectura *xml, i_pieza_ptr pieza) {
+void i_devuelve_pieza(i_xml_lectura *xml) {
     ZARN_ASSERT_NO_NULL(xml, ORIGEN_STREAMING);
-    ZARN_ASSERT_NO_NULL(pieza, ORIGEN_STREAMING);
-    xml->piezas_pendientes.insert(xml->piezas_pendientes.begin(), std::move(pieza));
+    // The current piece and those given back must stay in the ring while the next are lexed.
+    ZARN_ASSERT_TEXTO(xml->cursor > 0 && xml->num_pendientes() + 2 < i_NUM_PIEZAS,
+                      "xml->cursor > 0 && xml->num_pendientes() + 2 < i_NUM_PIEZAS",
+                      ORIGEN_STREAMING);
+    --xml->cursor;
+}
+
+void i_descarta_pendientes(i_xml_lectura *xml) {
+    ZARN_ASSERT_NO_NULL(xml, ORIGEN_STREAMING);
+    xml->producidas = xml->cursor;
 }

@@ -52,7 +52,7 @@ std::string etiqueta_con_propiedades(const std::string &etiqueta,
     std::string valor;
     for (const auto &p : propiedades) {
         valor.clear();
-        zarn::utf16_a_utf8(p.dato_propiedad, valor);
+        zarn::utf16_a_utf8(p.dato_propiedad.texto(), valor);
         anade_propiedad_texto(texto, p.texto_propiedad, valor);
     }
     return texto;
@@ -70,7 +70,7 @@ template <> struct forma<false> {
                  zarnfxml_item_result_proceso_nodo_t **resultado) {
         lista_propia<ArrCADENA_u_s> datos;
         for (const auto &p : propiedades)
-            datos.anade(zarn::dup_u(p.dato_propiedad));
+            datos.anade(zarn::dup_u(p.dato_propiedad.texto()));
         return func(padre.etiqueta.c_str(), padre.etiqueta_con_propiedades.c_str(),
                     etiqueta.c_str(), &textos.arr, &datos.arr, dato ? CIERTO : FALSO,
                     dato ? dato->c_str() : nullptr, contexto1, contexto2, padre.resultado,
@@ -90,7 +90,7 @@ template <> struct forma<true> {
                  zarnfxml_item_result_proceso_nodo_t **resultado) {
         lista_propia<ArrCADENA_s> datos;
         for (const auto &p : propiedades)
-            datos.anade(zarn::dup_utf8(p.dato_propiedad));
+            datos.anade(zarn::dup_utf8(p.dato_propiedad.texto()));
         std::unique_ptr<char, void (*)(void *)> dato_8(dato ? zarn::dup_utf8(*dato) : nullptr,
                                                        zarn::libera);
         ruta_etiquetas.anade(zarn::dup(etiqueta));
@@ -115,7 +115,7 @@ void recorre(i_xml_lectura *xml, forma<FICHERO> &f, void *contexto1, void *conte
     pila.push_back({std::string(), std::string(), CIERTO, resultado_inicial});
     while (!i_lectura_terminada(xml)) {
         const int32_t tipo = i_lee_registro(xml, CIERTO);
-        const zarnfxml_registro_t *registro = xml->registro.get();
+        const zarnfxml_registro_t *registro = &xml->registro;
         switch (tipo) {
         case i_REGISTRO_INICIO_BLOQUE:
         case i_REGISTRO_CAMPO: {

@@ -52,7 +52,7 @@ CADENA construye(i_xml_lectura *xml, zarnxml_nodo_t *raiz, liberador_lineas *lib
     std::string mensaje_segundo;
     while (!hay_fallo && !i_lectura_terminada(xml)) {
         const int32_t tipo = i_lee_registro(xml, CIERTO);
-        const zarnfxml_registro_t *registro = xml->registro.get();
+        const zarnfxml_registro_t *registro = &xml->registro;
         switch (tipo) {
         case i_REGISTRO_INICIO_BLOQUE:
         case i_REGISTRO_CAMPO:

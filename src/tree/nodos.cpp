@@ -141,7 +141,7 @@ zarnxml_nodo_s i_constructor_arbol::nodo(std::string_view etiqueta,
         for (size_t i = 0; i < num; ++i) {
             destino[i].texto_propiedad =
                 const_cast<char *>(conf_->nombre(propiedades[i].texto_propiedad));
-            destino[i].dato_propiedad = conf_->almacen.copia(propiedades[i].dato_propiedad);
+            destino[i].dato_propiedad = conf_->almacen.copia(propiedades[i].dato_propiedad.texto());
         }
         n.propiedades = destino;
         n.propiedades_y_marcas = static_cast<uint32_t>(num) << 2;
