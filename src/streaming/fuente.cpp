@@ -186,41 +186,6 @@ const char *i_dame_linea(i_fuente_t *fuente, uint32_t ind_linea, zybool *alcanza
 
 // ---- Encoding and decoding -------------------------------------------------------------------
 
-namespace {
-
-// "&lt;", "&gt;" and "&amp;" resolved in one pass from `desde` on. The three entities cannot
-// overlap and a replacement makes no new one, so this is what three passes in that order give.
-void i_resuelve_entidades(std::u16string &s, size_t desde) {
-    const size_t amp = s.find(u'&', desde);
-    if (amp == std::u16string::npos)
-        return;
-    const auto es = [&](size_t i, std::u16string_view e) { return s.compare(i, e.size(), e) == 0; };
-    size_t w = amp;
-    for (size_t r = amp; r < s.size();) {
-        if (s[r] == u'&') {
-            if (es(r, u"&lt;")) {
-                s[w++] = u'<';
-                r += 4;
-                continue;
-            }
-            if (es(r, u"&gt;")) {
-                s[w++] = u'>';
-                r += 4;
-                continue;
-            }
-            if (es(r, u"&amp;")) {
-                s[w++] = u'&';
-                r += 5;
-                continue;
-            }
-        }
-        s[w++] = s[r++];
-    }
-    s.resize(w);
-}
-
-} // namespace
-
 void i_decodifica_cadena(std::string_view cadena, int32_t tipo_codificacion, std::u16string &out) {
     switch (tipo_codificacion) {
     case i_CODIFICACION_ISO_8859_1:
@@ -228,12 +193,30 @@ void i_decodifica_cadena(std::string_view cadena, int32_t tipo_codificacion, std
         return;
     case i_CODIFICACION_UTF_8:
     case i_CODIFICACION_UTF_8_COMILLAS:
-    case i_CODIFICACION_UTF_16: {
-        const size_t desde = out.size();
-        zarn::utf8_a_utf16(cadena, out);
-        i_resuelve_entidades(out, desde);
-        return;
-    }
+    case i_CODIFICACION_UTF_16:
+        // "&lt;", "&gt;" and "&amp;" are resolved on the bytes, between runs converted as they
+        // stand: no UTF-8 sequence, whole or broken, holds an ASCII byte, so this gives what
+        // converting first and resolving after gives. A replacement makes no new entity.
+        for (;;) {
+            const size_t amp = cadena.find('&');
+            zarn::utf8_a_utf16(cadena.substr(0, amp), out);
+            if (amp == std::string_view::npos)
+                return;
+            cadena.remove_prefix(amp);
+            if (cadena.starts_with("&lt;")) {
+                out += u'<';
+                cadena.remove_prefix(4);
+            } else if (cadena.starts_with("&gt;")) {
+                out += u'>';
+                cadena.remove_prefix(4);
+            } else if (cadena.starts_with("&amp;")) {
+                out += u'&';
+                cadena.remove_prefix(5);
+            } else {
+                out += u'&';
+                cadena.remove_prefix(1);
+            }
+        }
     default:
         ZARN_DEFAULT_ERROR(ORIGEN_STREAMING);
     }
