@@ -335,8 +335,8 @@ void i_asigna_error_especial(i_xml_lectura *xml, std::string mensaje);
 // copy of the message goes to *mensaje when mensaje is given.
 zybool i_hay_error_lectura(const i_xml_lectura *xml, CADENA *mensaje);
 
-// The accessors of the current record's content, by its type: the tag (etiqueta, or
-// etiqueta_fin of a block end), the properties (block start, field, definition), the datum
+// The accessors of the current record's content, by its type: the tag (of a block end, its end
+// tag), the properties (block start, field, definition), the datum
 // (field, loose datum). Asking a record for what its type lacks is a default error.
 const std::string &i_etiqueta_registro(const zarnfxml_registro_t *registro);
 const i_propiedades_t &i_propiedades_registro(const zarnfxml_registro_t *registro);
