@@ -142,18 +142,17 @@ private:
     size_t n_ = 0;
 };
 
-// A lexical unit. Which fields hold something depends on tipo_pieza; the others are empty.
-struct zarnfxml_pieza_t {
-    int32_t tipo_pieza = i_PIEZA_FIN_FICHERO;
+// What pieces and records hold. Which fields hold something depends on the type; the others
+// are empty.
+struct i_contenido_t {
     uint32_t nivel_etiquetado = i_SIN_NIVEL;
     std::string etiqueta;        // the tag of a start or end tag, or the text of a definition
-    i_propiedades_t propiedades; // start tags and definitions
-    i_dato_t dato;               // i_PIEZA_DATO
-    std::string mensaje_error;   // i_PIEZA_ERROR, the finished message
+    i_propiedades_t propiedades; // start tags, fields and definitions
+    i_dato_t dato;               // a datum; a field's (possibly empty) text
+    std::string mensaje_error;   // an error's finished message
 
-    // Empties the piece for a new use, keeping its storage.
-    void reinicia(int32_t tipo, uint32_t nivel) noexcept {
-        tipo_pieza = tipo;
+    // Empties the content for a new use, keeping its storage.
+    void vacia(uint32_t nivel) noexcept {
         nivel_etiquetado = nivel;
         etiqueta.clear();
         propiedades.clear();
@@ -162,23 +161,24 @@ struct zarnfxml_pieza_t {
     }
 };
 
-// A syntactic unit: the same fields as a piece, holding its own copies. i_REGISTRO_NINGUNO
-// before the first read and while a read is under way.
-struct zarnfxml_registro_t {
+// A lexical unit.
+struct zarnfxml_pieza_t : i_contenido_t {
+    int32_t tipo_pieza = i_PIEZA_FIN_FICHERO;
+
+    void reinicia(int32_t tipo, uint32_t nivel) noexcept {
+        tipo_pieza = tipo;
+        vacia(nivel);
+    }
+};
+
+// A syntactic unit, holding its own copies. i_REGISTRO_NINGUNO before the first read and while
+// a read is under way.
+struct zarnfxml_registro_t : i_contenido_t {
     int32_t tipo_registro = i_REGISTRO_NINGUNO;
-    uint32_t nivel_etiquetado = i_SIN_NIVEL;
-    std::string etiqueta;        // block start, field, definition; block end (its end tag)
-    i_propiedades_t propiedades; // block start, field, definition
-    i_dato_t dato;               // field (possibly empty text), loose datum
-    std::string mensaje_error;   // error
 
     void reinicia(int32_t tipo, uint32_t nivel) noexcept {
         tipo_registro = tipo;
-        nivel_etiquetado = nivel;
-        etiqueta.clear();
-        propiedades.clear();
-        dato.limpia();
-        mensaje_error.clear();
+        vacia(nivel);
     }
 };
 
@@ -259,7 +259,7 @@ struct i_xml_lectura : zarnfxml_s {
         return cursor == 0 ? nullptr : &piezas[(cursor - 1) % i_NUM_PIEZAS];
     }
     uint64_t num_pendientes() const noexcept { return producidas - cursor; }
-    zarnfxml_pieza_t &pendiente(uint64_t i) noexcept {
+    const zarnfxml_pieza_t &pendiente(uint64_t i) const noexcept {
         return piezas[(cursor + i) % i_NUM_PIEZAS];
     }
 

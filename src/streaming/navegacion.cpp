@@ -67,10 +67,6 @@ const std::u16string &i_dato_propiedad_requerida(const i_xml_lectura *xml,
 // "Not yet looked at" (-1), the variable exists (1), it does not (0).
 std::atomic<signed char> uso_xml_bloque{-1};
 
-void i_avanza_pieza(i_xml_lectura *xml) {
-    i_lee_pieza(xml);
-}
-
 // Passes pieces while the current one lies at `nivel` or deeper; the first one above is the end
 // tag of the block being passed. Definitions have no level and are passed like the rest.
 void i_salta_piezas_de_nivel(i_xml_lectura *xml, uint32_t nivel) {
@@ -80,7 +76,7 @@ void i_salta_piezas_de_nivel(i_xml_lectura *xml, uint32_t nivel) {
         if (p->nivel_etiquetado < nivel || p->tipo_pieza == i_PIEZA_FIN_FICHERO ||
             p->tipo_pieza == i_PIEZA_ERROR)
             return;
-        i_avanza_pieza(xml);
+        i_lee_pieza(xml); // the next piece becomes current
     }
 }
 
@@ -91,7 +87,7 @@ bool i_linea_siguiente_es_hijo(const i_xml_lectura *xml) {
     const auto &pila = xml->etiquetas_abiertas;
     if (xml->num_pendientes() != 1 || pila.size() < 2)
         return false;
-    const zarnfxml_pieza_t &hijo = const_cast<i_xml_lectura *>(xml)->pendiente(0);
+    const zarnfxml_pieza_t &hijo = xml->pendiente(0);
     return hijo.tipo_pieza == i_PIEZA_INICIO_BLOQUE && pila.back() == hijo.etiqueta &&
            pila[pila.size() - 2] == xml->pieza_actual()->etiqueta;
 }
@@ -232,7 +228,7 @@ void i_salta_hasta_fin_bloque(i_xml_lectura *xml, uint32_t nivel_etiquetado_line
             if (por_lineas && i_linea_siguiente_es_hijo(xml)) {
                 i_salta_bloque_por_lineas(xml);
             } else {
-                i_avanza_pieza(xml);
+                i_lee_pieza(xml);
                 i_salta_piezas_de_nivel(xml, n + 1);
             }
         }
