@@ -7,17 +7,13 @@
 #include <zarnxml/zarncode.h>
 #include <zarnxml/zarnvec.h>
 
+#include <algorithm>
 #include <cstdlib>
 
 namespace {
 
-std::string toma(char *p) {
-    std::string r(p);
-    std::free(p);
-    return r;
-}
-std::u16string toma(char16_t *p) {
-    std::u16string r(p);
+template <typename C> std::basic_string<C> toma(C *p) {
+    std::basic_string<C> r(p);
     std::free(p);
     return r;
 }
@@ -27,10 +23,6 @@ const std::u16string CP1252_80_9F =
     u"\u20AC\u0081\u201A\u0192\u201E\u2026\u2020\u2021\u02C6\u2030\u0160\u2039\u0152\u008D"
     u"\u017D\u008F\u0090\u2018\u2019\u201C\u201D\u2022\u2013\u2014\u02DC\u2122\u0161\u203A"
     u"\u0153\u009D\u017E\u0178";
-
-char16_t cp1252(unsigned b) {
-    return b < 0xA0 ? CP1252_80_9F[b - 0x80] : char16_t(b);
-}
 
 } // namespace
 
@@ -50,20 +42,21 @@ TEST(Conversion, EveryBmpCharacterSurvivesTheRoundTrip) {
     // The C interface goes through the one-allocation paths.
     EXPECT_EQ(toma(unicode_UNICODE_a_ANSI(todos.c_str())), utf8);
     EXPECT_EQ(toma(unicode_convierte_ANSI_a_UNICODE(utf8.c_str())), todos);
+    EXPECT_EQ(toma(unicode_convierte_ANSI_a_UTF8(utf8.c_str())), utf8); // valid UTF-8 unchanged
 }
 
 TEST(Conversion, SupplementaryCharactersBecomePairsAndFourBytes) {
     std::u16string texto;
-    std::vector<char32_t> muestra{0x10000, 0x10FFFF};
-    for (char32_t c = 0x10000; c <= 0x10FFFF; c += 997)
-        muestra.push_back(c);
-    for (char32_t c : muestra) {
-        texto.push_back(char16_t(0xD800 + ((c - 0x10000) >> 10)));
-        texto.push_back(char16_t(0xDC00 + ((c - 0x10000) & 0x3FF)));
+    for (char32_t c = 0x10000;; c = std::min<char32_t>(c + 997, 0x10FFFF)) {
+        texto +=
+            {char16_t(0xD800 + ((c - 0x10000) >> 10)), char16_t(0xDC00 + ((c - 0x10000) & 0x3FF))};
+        if (c == 0x10FFFF)
+            break;
     }
     const std::string utf8 = zarn::utf16_a_utf8(texto);
-    ASSERT_EQ(utf8.size(), 4 * muestra.size());
-    EXPECT_EQ(utf8.substr(0, 8), "\xF0\x90\x80\x80\xF4\x8F\xBF\xBF");
+    ASSERT_EQ(utf8.size(), 2 * texto.size());
+    EXPECT_EQ(utf8.substr(0, 4), "\xF0\x90\x80\x80");
+    EXPECT_EQ(utf8.substr(utf8.size() - 4), "\xF4\x8F\xBF\xBF");
     EXPECT_EQ(zarn::utf8_a_utf16(utf8), texto);
     EXPECT_EQ(toma(unicode_convierte_UTF8_a_UNICODE(utf8.c_str())), texto);
 }
@@ -71,29 +64,15 @@ TEST(Conversion, SupplementaryCharactersBecomePairsAndFourBytes) {
 TEST(Conversion, AsciiRunsOfEveryLengthAroundOtherCharacters) {
     // A non-ASCII character at each place of texts 0 to 19 long exercises the 8-byte and
     // 4-unit fast paths at their edges.
-    for (size_t largo = 0; largo < 20; ++largo) {
+    for (size_t largo = 0; largo < 20; ++largo)
         for (size_t pos = 0; pos <= largo; ++pos) {
             const std::string a(pos, 'a'), b(largo - pos, 'b');
-            const std::string utf8 = a + "\xE2\x82\xAC" + b;
             const std::u16string u =
                 std::u16string(pos, u'a') + u"€" + std::u16string(largo - pos, u'b');
-            EXPECT_EQ(zarn::utf16_a_utf8(u), utf8);
-            EXPECT_EQ(zarn::utf8_a_utf16(utf8), u);
+            EXPECT_EQ(zarn::utf16_a_utf8(u), a + "\xE2\x82\xAC" + b);
+            EXPECT_EQ(zarn::utf8_a_utf16(a + "\xE2\x82\xAC" + b), u);
             EXPECT_EQ(zarn::utf8_a_utf16(a + "\x80" + b), u);
         }
-    }
-}
-
-TEST(Conversion, ConversionsAppendToWhatIsThere) {
-    std::string s = "<";
-    zarn::utf16_a_utf8(u"é", s);
-    zarn::utf16_a_latin1(u"é", s);
-    zarn::ansi_a_utf8("\xE9", s);
-    EXPECT_EQ(s, "<\xC3\xA9\xE9\xC3\xA9");
-    std::u16string u = u">";
-    zarn::utf8_a_utf16("\xC3\xA9", u);
-    zarn::latin1_a_utf16("\xE9", u);
-    EXPECT_EQ(u, u">éé");
 }
 
 TEST(Conversion, Latin1BothWaysWithQuestionMarksForTheRest) {
@@ -114,7 +93,8 @@ TEST(Conversion, Latin1BothWaysWithQuestionMarksForTheRest) {
 TEST(Conversion, EveryInvalidByteIsItsWindows1252Character) {
     for (unsigned b = 0x80; b <= 0xFF; ++b) {
         const std::string entrada = std::string("x") + char(b) + "yz";
-        const std::u16string esperado = std::u16string(u"x") + cp1252(b) + u"yz";
+        const std::u16string esperado =
+            u"x" + std::u16string(1, b < 0xA0 ? CP1252_80_9F[b - 0x80] : char16_t(b)) + u"yz";
         EXPECT_EQ(zarn::utf8_a_utf16(entrada), esperado) << "byte " << b;
         EXPECT_EQ(toma(unicode_convierte_ANSI_a_UTF8(entrada.c_str())),
                   zarn::utf16_a_utf8(esperado))
@@ -124,7 +104,7 @@ TEST(Conversion, EveryInvalidByteIsItsWindows1252Character) {
 }
 
 TEST(Conversion, MalformedSequencesNeverStopTheText) {
-    struct Caso {
+    const struct {
         const char *entrada;
         std::u16string esperado;
     } casos[] = {
@@ -138,41 +118,32 @@ TEST(Conversion, MalformedSequencesNeverStopTheText) {
         {"\xF0\x9F\x98", u"\u00F0\u0178\u02DC"}, // truncated at the end
         {"\xFF\xC3\xA9\x80\xE2\x82\xAC", u"\u00FFé\u20AC€"},
     };
-    for (const Caso &c : casos) {
+    for (const auto &c : casos) {
         EXPECT_EQ(zarn::utf8_a_utf16(c.entrada), c.esperado) << c.entrada;
         EXPECT_EQ(toma(unicode_convierte_ANSI_a_UTF8(c.entrada)), zarn::utf16_a_utf8(c.esperado));
+        EXPECT_FALSE(zarn::es_utf8_valido(c.entrada)) << c.entrada;
     }
-    // Valid UTF-8 passes unchanged, invalid does not.
-    EXPECT_FALSE(zarn::es_utf8_valido("\xF0\x9F\x98"));
-    EXPECT_EQ(toma(unicode_convierte_ANSI_a_UTF8("Jos\xC3\xA9\xF4\x8F\xBF\xBF")),
-              "Jos\xC3\xA9\xF4\x8F\xBF\xBF");
 }
 
-TEST(Conversion, LoneSurrogatesBecomeReplacementCharacter) {
+TEST(Conversion, LoneSurrogatesAndOneCharacterAtATime) {
     const std::string r = "\xEF\xBF\xBD";
     EXPECT_EQ(zarn::utf16_a_utf8(std::u16string(u"a") + u'\xD800' + u"b\xDC00"), "a" + r + "b" + r);
     EXPECT_EQ(zarn::utf16_a_utf8(u"\xDC00\xD800"), r + r);
     EXPECT_EQ(toma(unicode_convierte_UNICODE_a_UTF8(u"\xD83D\xD83D\xDE00")),
               r + "\xF0\x9F\x98\x80");
-}
-
-TEST(Conversion, DecodesOneCharacterAtATime) {
     const std::string s = "A\xC3\xA9\x80\xF0\x9F\x98\x80";
-    const char *p = s.data(), *fin = p + s.size();
     std::u32string leidos;
-    while (p < fin)
-        leidos.push_back(zarn::decodifica_utf8(p, fin));
+    for (const char *p = s.data(); p < s.data() + s.size();)
+        leidos.push_back(zarn::decodifica_utf8(p, s.data() + s.size()));
     EXPECT_EQ(leidos, U"Aé\u20AC\U0001F600");
 }
 
 TEST(Conversion, ArrayOfWideTextsToUtf8) {
     ArrCADENA_u origen = arr_CreaCADENA_u(0);
-    arr_AppendCADENA_u(origen, u"año");
-    arr_AppendCADENA_u(origen, u"");
+    arr_AppendCADENA_u(origen, u"año"), arr_AppendCADENA_u(origen, u"");
     ArrCADENA r = unicode_array_salida_ANSI(origen);
     EXPECT_EQ(std::vector<std::string>(r->v.begin(), r->v.end()),
               (std::vector<std::string>{"a\xC3\xB1o", ""}));
-    arr_DestruyeCADENA(&r);
-    arr_DestruyeCADENA_u(&origen);
+    arr_DestruyeCADENA(&r), arr_DestruyeCADENA_u(&origen);
     EXPECT_EQ(condicion_de([] { unicode_UNICODE_a_ANSI(nullptr); }), "(s) != NULL");
 }

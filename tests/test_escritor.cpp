@@ -103,20 +103,6 @@ TEST(EscritorIndentacion, EspaciosYSaltosDentroDeUnValor) {
     EXPECT_EQ(arr_NumElemsCADENA(zarnfxml_lineas(e)), 5u);
 }
 
-TEST(EscritorSalida, FicheroRepetidoYCreciente) {
-    DirTemporal dir;
-    const std::u16string f = dir.u("f.xml");
-    const std::string decl = cabecera("UTF-8") + "\n";
-    Escritor e;
-    zarnfxml_graba_cadena(e, "n", "José");
-    zarnfxml_genera_fichero_salida(e, f.c_str());
-    zarnfxml_genera_fichero_salida(e, f.c_str());
-    EXPECT_EQ(lee_fichero(dir / "f.xml"), decl + "<n>José</n>\n");
-    zarnfxml_graba_long(e, "m", 2);
-    zarnfxml_genera_fichero_salida(e, f.c_str());
-    EXPECT_EQ(lee_fichero(dir / "f.xml"), decl + "<n>José</n>\n<m>2</m>\n");
-}
-
 // The lent array follows the store as it grows, its lines stay where they are, and lines too long
 // for the store's blocks keep their place in the output among the short ones.
 TEST(EscritorSalida, LineasPrestadasYLineasLargas) {

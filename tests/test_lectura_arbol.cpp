@@ -173,15 +173,10 @@ TEST(LecturaArbol, ArraysNumeradosComoLosGrabaElEscritor) {
     }
 }
 
-// Item functions: they open the item's block, a block of another tag, or none.
-void *con_bloque(zarnxml_lectura_t *x) {
-    zarnxml_lee_inicio_bloque(x, "p");
-    void *r = item(zarnxml_lee_long(x, "n"));
-    zarnxml_lee_fin_bloque(x);
-    return r;
-}
-void *otro_bloque(zarnxml_lectura_t *x) {
-    zarnxml_lee_inicio_bloque(x, "q");
+// Item functions: they open the item's block (p), a block of another tag (q), or none.
+template <char E> void *bloque(zarnxml_lectura_t *x) {
+    const char etiqueta[] = {E, '\0'};
+    zarnxml_lee_inicio_bloque(x, etiqueta);
     void *r = item(zarnxml_lee_long_opcional(x, "n", -1));
     zarnxml_lee_fin_bloque(x);
     return r;
@@ -210,10 +205,10 @@ TEST(LecturaArbol, EstructurasConFuncionesDelLlamador) {
     zarnxml_lectura_t *x = xml.get();
     zarnxml_lee_inicio_bloque(x, "r");
     const zarnxml_nodo_t *r = x->nodo_actual;
-    EXPECT_EQ(items(zarnxml_nousar_lee_arr_punterosST(x, "p", con_bloque, nullptr, nullptr)),
+    EXPECT_EQ(items(zarnxml_nousar_lee_arr_punterosST(x, "p", bloque<'p'>, nullptr, nullptr)),
               (V{1, 2}));
     EXPECT_EQ(x->dentro_de_bloque, CIERTO);
-    EXPECT_EQ(items(zarnxml_nousar_lee_arr_punterosST(x, "p", otro_bloque, nullptr, nullptr)),
+    EXPECT_EQ(items(zarnxml_nousar_lee_arr_punterosST(x, "p", bloque<'q'>, nullptr, nullptr)),
               (V{-1, -1}));
     int llamadas = 0;
     EXPECT_EQ(items(zarnxml_nousar_lee_arr_punterosST(x, "p", nullptr, con_extra, &llamadas)),
@@ -224,10 +219,10 @@ TEST(LecturaArbol, EstructurasConFuncionesDelLlamador) {
     EXPECT_EQ(zarnxml_nousar_lee_estructura(x, "q", sin_bloque, nullptr, nullptr), item(3));
     EXPECT_EQ(zarnxml_nousar_lee_estructura(x, "nada", sin_bloque, nullptr, nullptr), nullptr);
     EXPECT_EQ(
-        items(zarnxml_nousar_lee_arr_punterosST_ConPropiedadFija(x, "p", "K", u"b", con_bloque)),
+        items(zarnxml_nousar_lee_arr_punterosST_ConPropiedadFija(x, "p", "K", u"b", bloque<'p'>)),
         (V{2}));
     EXPECT_EQ(items(zarnxml_nousar_lee_arr_punterosST_ConPropiedadFija_Ex(x, "q", CIERTO, "p", "k",
-                                                                          u"a", con_bloque)),
+                                                                          u"a", bloque<'p'>)),
               (V{1}));
     EXPECT_EQ(items(zarnxml_nousar_lee_arr_punterosST_ConPropiedadFija_Ex(x, "p", FALSO, "q", "k",
                                                                           u"a", sin_bloque)),

@@ -89,15 +89,13 @@ TEST(Fuente, UnFicheroUtf16LlegaComoLineasUtf8) {
     EXPECT_EQ(piezas_de(xml.get()), V({"2:0:a", "4:1:'\u00e9\u20ac'", "5:0:/a", "3:0:b", "6:-:"}));
 }
 
-TEST(Fuente, UnFicheroQueNoSeAbreEsUnErrorInterno) {
+// A file that does not open, and a writer destroyed as a reader, are internal errors.
+TEST(Fuente, ErroresInternos) {
     DirTemporal dir;
     EXPECT_EQ(condicion_de([&] { i_crea_para_lectura_de_fichero_u(dir.u("no").c_str(), FALSO); }),
               "fichero abierto");
     EXPECT_EQ(condicion_de([&] { zarnfxml_lee_lineas_fichero(dir.u("no").c_str()); }),
               "fichero abierto");
-}
-
-TEST(Fuente, ElObjetoDebeSerUnLector) {
     zarnfxml_t *escritor = zarnfxml_crea_para_escritura_UTF_8();
     EXPECT_EQ(condicion_de([&] { zarnfxml_destruye_xml_lectura(&escritor); }),
               "es_xml_lectura == CIERTO");
