@@ -1,59 +1,71 @@
 // zarnxml: check, show and rewrite documents from a terminal.
 //
-//   zarnxml check FILE [--root TAG]
+//   zarnxml check [--root TAG] [--quiet] FILE...
 //   zarnxml tree FILE
-//   zarnxml format FILE [--profile NAME]
+//   zarnxml format [--profile NAME] [--lossy] FILE
 //
-// Exit status: 0 done (the document is good), 1 the document is not well formed, 2 wrong use,
-// a file that cannot be read, or an internal error of the library.
-#include <zarnxml/zarnxml.h>
+// Exit status: 0 done (every document is good), 1 a document refused, 2 wrong use, a file that
+// cannot be read, or an internal error of the library.
+#include "comun.hpp"
 
-#include <charconv>
 #include <cstdio>
 #include <cstdlib>
-#include <filesystem>
-#include <fstream>
-#include <memory>
-#include <optional>
-#include <stdexcept>
 #include <string>
 #include <string_view>
 #include <utility>
 #include <vector>
 
-namespace fs = std::filesystem;
+using namespace zarnxml_comando;
 
 namespace {
 
-constexpr const char *AYUDA = R"(usage: zarnxml COMMAND FILE [OPTION]
+constexpr const char *AYUDA = R"(usage: zarnxml check [--root TAG] [--quiet] FILE...
+       zarnxml tree FILE
+       zarnxml format [--profile NAME] [--lossy] FILE
+
+FILE may be any path the system accepts; - reads standard input. A FIFO or standard input is read
+to its end; a device such as /dev/zero is refused.
 
 Commands:
-  check FILE [--root TAG]    Check that FILE is a well-formed document; with --root, its first
-                             block must bear TAG (upper and lower case equal). Prints "ok" or
-                             the fault with its line and column.
-  tree FILE                  Load FILE and print its tree, one element a line, indented two
-                             spaces a level: the tag, its properties as name="value", and
-                             = "datum" for an element without child elements (quotes,
-                             backslashes, tabs and line ends shown as \" \\ \t \n \r).
-  format FILE [--profile P]  Load FILE and write it again through the writer to standard
-                             output. Comments and <?...?> forms are not kept.
+  check FILE...   Check that each FILE is a well-formed document. A fault prints as
+                  FILE:LINE:COLUMN: error: MESSAGE (the form of compilers, which editors and CI
+                  jump to); a good document prints "ok" ("FILE: ok" when several are given).
+                  --root TAG   the first block must bear TAG (upper and lower case equal)
+                  --quiet      print nothing; only the exit status answers
+  tree FILE       Load FILE and print its tree, one element a line, indented two spaces a
+                  level: the tag, its properties as name="value", and = "datum" for an element
+                  without child elements (quotes, backslashes, tabs and line ends shown as
+                  \" \\ \t \n \r).
+  format FILE     Load FILE and write it again through the writer to standard output, in the
+                  profile of --profile. Comments and <?...?> forms are not kept.
+
+The format rule: the output says what the input says. It loads through this library to the same
+tree (every tag, property and text byte for byte), a standard XML reader reads it as the same
+elements, properties and texts (runs of white space aside), and formatting it again gives the
+same bytes. A text that plain lines would change goes into a CDATA section; references this
+library keeps as text (&quot; &#233;) are written back as they stand. Where no output can keep
+the rule, format refuses: exit status 1, the reason and the place on standard error, nothing on
+standard output. That covers an encoding the library does not decode, bytes that are not UTF-8,
+and a character that the profile's encoding cannot hold; --lossy writes those anyway, as this
+library reads them (a character outside iso-8859-1 becomes ?).
 
 Profiles for --profile:
-  utf-8          UTF-8, truth texts 1 and 0, a tab a level (the default)
-  iso-8859-1     ISO-8859-1, a tab a level; nothing is escaped, so text that holds < or &
-                 does not read back
-  androidstudio  UTF-8, truth texts true and false, four spaces a level
-  comillas       UTF-8, truth texts True and False, quoted strings marked with &#34;
+  utf-8          UTF-8, a tab a level (the default)
+  iso-8859-1     ISO-8859-1, a tab a level; this profile escapes nothing and its documents are
+                 read without entities, so a text with < or & goes into CDATA, and a property
+                 value with < > or a lone & is refused
+  androidstudio  UTF-8, four spaces a level
+  comillas       UTF-8, a tab a level; it marks quoted strings with &#34;, which format never
+                 writes, so its output equals that of utf-8
   espacios:N     UTF-8, N spaces a level (0 to 64)
 
 Options:
   -h, --help     Show this help.
 
-Exit status: 0 the document is good (or the work is done), 1 the document is not well formed,
-2 wrong use, a file that cannot be read, or an internal error.
+Exit status: 0 every document is good (or the work is done), 1 a document is not well formed or
+cannot be formatted faithfully, 2 wrong use, a file that cannot be read, or an internal error.
+See also zarnxml(1).
 )";
-
-enum : int { SALIDA_BIEN = 0, SALIDA_DOCUMENTO_MALO = 1, SALIDA_ERROR = 2 };
 
 // The library's internal errors end the work with a message instead of aborting the process.
 struct ErrorInterno : std::runtime_error {
@@ -69,28 +81,6 @@ void lanza_error_interno(const char *condicion, const char *origen, uint32_t lin
     throw ErrorInterno(texto);
 }
 
-// Wrong use of the command: the message goes out with a pointer to the help.
-struct ErrorDeUso : std::runtime_error {
-    using std::runtime_error::runtime_error;
-};
-
-// ---- Owners of the library's objects ---------------------------------------------------------
-
-struct libera_cadena {
-    void operator()(char *s) const { zarnstr_destruye(&s); }
-};
-using Cadena = std::unique_ptr<char, libera_cadena>;
-
-struct destruye_arbol {
-    void operator()(zarnxml_nodo_t *nodo) const { zarnxml_destruye(&nodo); }
-};
-using Arbol = std::unique_ptr<zarnxml_nodo_t, destruye_arbol>;
-
-struct destruye_escritor {
-    void operator()(zarnfxml_t *xml) const { zarnfxml_destruye_xml_escritura(&xml); }
-};
-using Escritor = std::unique_ptr<zarnfxml_t, destruye_escritor>;
-
 std::string utf8(const char16_t *s) {
     Cadena c(unicode_convierte_UNICODE_a_UTF8(s ? s : u""));
     return c.get();
@@ -100,14 +90,18 @@ std::string utf8(const char16_t *s) {
 
 struct Orden {
     std::string comando;
-    std::string fichero;
+    std::vector<std::string> ficheros;
     std::optional<std::string> raiz;
-    std::optional<std::string> perfil;
+    bool silencio = false;
+    OpcionesFormato formato;
+    bool con_perfil = false;
 };
 
 Orden lee_orden(int argc, char **argv) {
     Orden orden;
     std::vector<std::string> posicionales;
+    bool solo_ficheros = false;
+    std::optional<std::string> perfil;
     for (int i = 1; i < argc; ++i) {
         const std::string_view arg = argv[i];
         auto valor = [&](std::optional<std::string> &destino) {
@@ -115,67 +109,76 @@ Orden lee_orden(int argc, char **argv) {
                 throw ErrorDeUso(std::string(arg) + " needs a value");
             destino = argv[++i];
         };
-        if (arg == "--root")
+        if (solo_ficheros || arg == "-" || arg.empty() || arg[0] != '-')
+            posicionales.emplace_back(arg);
+        else if (arg == "--")
+            solo_ficheros = true;
+        else if (arg == "--root")
             valor(orden.raiz);
         else if (arg == "--profile")
-            valor(orden.perfil);
-        else if (arg.size() > 1 && arg[0] == '-')
-            throw ErrorDeUso("unknown option " + std::string(arg));
+            valor(perfil);
+        else if (arg == "--quiet" || arg == "-q")
+            orden.silencio = true;
+        else if (arg == "--lossy")
+            orden.formato.con_perdida = true;
         else
-            posicionales.emplace_back(arg);
+            throw ErrorDeUso("unknown option " + std::string(arg));
     }
     if (posicionales.empty())
         throw ErrorDeUso("no command given");
     orden.comando = posicionales[0];
     if (orden.comando != "check" && orden.comando != "tree" && orden.comando != "format")
         throw ErrorDeUso("unknown command " + orden.comando);
-    if (posicionales.size() != 2)
+    orden.ficheros.assign(posicionales.begin() + 1, posicionales.end());
+    if (orden.ficheros.empty())
+        throw ErrorDeUso(orden.comando + (orden.comando == "check" ? " takes one FILE or more"
+                                                                   : " takes one FILE"));
+    if (orden.comando != "check" && orden.ficheros.size() != 1)
         throw ErrorDeUso(orden.comando + " takes one FILE");
-    orden.fichero = posicionales[1];
-    if (orden.raiz && orden.comando != "check")
-        throw ErrorDeUso("--root belongs to check");
-    if (orden.perfil && orden.comando != "format")
-        throw ErrorDeUso("--profile belongs to format");
+    if ((orden.raiz || orden.silencio) && orden.comando != "check")
+        throw ErrorDeUso(std::string(orden.raiz ? "--root" : "--quiet") + " belongs to check");
+    if ((perfil || orden.formato.con_perdida) && orden.comando != "format")
+        throw ErrorDeUso(std::string(perfil ? "--profile" : "--lossy") + " belongs to format");
+    if (perfil)
+        orden.formato.perfil = *perfil;
     return orden;
 }
 
-// Why the file cannot be read, or nothing when it can.
-std::optional<std::string> problema_de_fichero(const fs::path &ruta) {
-    std::error_code ec;
-    const fs::file_status estado = fs::status(ruta, ec);
-    if (!fs::exists(estado))
-        return "no such file";
-    if (fs::is_directory(estado))
-        return "is a directory";
-    if (!std::ifstream(ruta, std::ios::binary))
-        return "cannot be read";
-    return std::nullopt;
+void no_se_lee(const std::string &nombre, const std::string &problema) {
+    std::fprintf(stderr, "zarnxml: %s: %s\n", nombre == "-" ? "<stdin>" : nombre.c_str(),
+                 problema.c_str());
 }
 
 // ---- check -----------------------------------------------------------------------------------
 
-int comprueba(const Orden &orden, const std::u16string &ruta) {
-    CADENA mensaje = nullptr;
-    const zybool correcto = zarnfxml_es_fichero_xml_correcto(
-        ruta.c_str(), orden.raiz ? orden.raiz->c_str() : nullptr, &mensaje, FALSO);
-    const Cadena dueno(mensaje);
-    std::printf("%s\n", correcto ? "ok" : mensaje);
-    return correcto ? SALIDA_BIEN : SALIDA_DOCUMENTO_MALO;
-}
-
-// ---- Loading ---------------------------------------------------------------------------------
-
-Arbol carga(const Orden &orden, const std::u16string &ruta) {
-    zybool hay_error = FALSO;
-    CADENA mensaje = nullptr;
-    Arbol arbol(zarnxml_crea_de_fichero_u(ruta.c_str(), "1", "0", &hay_error, &mensaje));
-    const Cadena dueno(mensaje);
-    if (hay_error) {
-        std::fprintf(stderr, "zarnxml: %s: %s\n", orden.fichero.c_str(), mensaje);
-        return nullptr;
+int comprueba(const Orden &orden) {
+    int salida = SALIDA_BIEN;
+    const bool varios = orden.ficheros.size() > 1;
+    for (const std::string &nombre : orden.ficheros) {
+        std::string problema;
+        const auto doc = abre_documento(nombre, false, problema);
+        if (!doc) {
+            no_se_lee(nombre, problema);
+            salida = SALIDA_ERROR;
+            continue;
+        }
+        CADENA mensaje = nullptr;
+        const zybool correcto = zarnfxml_es_fichero_xml_correcto(
+            doc->ruta.c_str(), orden.raiz ? orden.raiz->c_str() : nullptr, &mensaje, FALSO);
+        const Cadena dueno(mensaje);
+        if (!correcto && salida == SALIDA_BIEN)
+            salida = SALIDA_DOCUMENTO_MALO;
+        if (orden.silencio)
+            continue;
+        if (correcto)
+            std::printf(varios ? "%s: ok\n" : "ok\n", doc->nombre.c_str());
+        else
+            std::printf("%s\n", diagnostico(doc->nombre, mensaje ? mensaje : "").c_str());
     }
-    return arbol;
+    return salida;
 }
+
+// ---- tree ------------------------------------------------------------------------------------
 
 // Depth first, parent before children, without recursion: entra is called for each node with
 // its depth, sale for each node with children after them.
@@ -231,8 +234,8 @@ std::string entre_comillas(const char16_t *texto) {
     return s + '"';
 }
 
-int muestra_arbol(const Orden &orden, const std::u16string &ruta) {
-    const Arbol arbol = carga(orden, ruta);
+int muestra_arbol(const Documento &doc) {
+    const Arbol arbol = carga(doc);
     if (!arbol)
         return SALIDA_DOCUMENTO_MALO;
     if (!zarnxml_hay_datos(arbol.get()))
@@ -259,124 +262,30 @@ int muestra_arbol(const Orden &orden, const std::u16string &ruta) {
     return SALIDA_BIEN;
 }
 
-// ---- format ----------------------------------------------------------------------------------
-
-struct Perfil {
-    Escritor escritor;
-    bool escapa_valores; // the UTF-8 profiles resolve &amp; &lt; &gt; in property values
-};
-
-Perfil crea_perfil(const std::optional<std::string> &nombre) {
-    const std::string_view n = nombre ? std::string_view(*nombre) : "utf-8";
-    if (n == "utf-8")
-        return {Escritor(zarnfxml_crea_para_escritura_UTF_8()), true};
-    if (n == "iso-8859-1")
-        return {Escritor(zarnfxml_crea_para_escritura_ISO_8859_1()), false};
-    if (n == "androidstudio")
-        return {Escritor(zarnfxml_crea_para_escritura_UTF_8_androidstudio()), true};
-    if (n == "comillas")
-        return {Escritor(zarnfxml_crea_para_escritura_UTF_8_codificando_comillas_cadena()), true};
-    if (n.starts_with("espacios:")) {
-        const std::string_view cifras = n.substr(9);
-        uint32_t espacios = 0;
-        const auto [fin, ec] =
-            std::from_chars(cifras.data(), cifras.data() + cifras.size(), espacios);
-        if (ec == std::errc() && fin == cifras.data() + cifras.size() && !cifras.empty() &&
-            espacios <= 64)
-            return {Escritor(zarnfxml_crea_para_escritura_UTF_8_indenta_con_espacios(espacios)),
-                    true};
-    }
-    throw ErrorDeUso("unknown profile " + std::string(n));
-}
-
-std::u16string escapa(std::u16string_view valor) {
-    std::u16string s;
-    for (char16_t c : valor) {
-        switch (c) {
-        case u'&':
-            s += u"&amp;";
-            break;
-        case u'<':
-            s += u"&lt;";
-            break;
-        case u'>':
-            s += u"&gt;";
-            break;
-        default:
-            s += c;
-        }
-    }
-    return s;
-}
-
-// The node's properties as a new list for the writer, or null when it has none.
-ArrPuntero propiedades(const zarnxml_nodo_t *nodo, bool escapa_valores) {
-    const uint32_t num = zarnxml_num_propiedades(nodo);
-    if (num == 0)
-        return nullptr;
-    ArrPuntero lista = arr_CreaPunteroConTipo(0);
-    for (uint32_t i = 0; i < num; ++i) {
-        const zarnxml_propiedad_t *p = zarnxml_propiedad(nodo, i);
-        const std::u16string valor =
-            escapa_valores ? escapa(p->dato_propiedad) : std::u16string(p->dato_propiedad);
-        zarnfxml_append_propiedad_u(lista, p->texto_propiedad, valor.c_str());
-    }
-    return lista;
-}
-
-void graba_nodo(zarnfxml_t *xml, const zarnxml_nodo_t *nodo, bool escapa_valores) {
-    const char *etiqueta = zarnxml_get_etiqueta(nodo);
-    ArrPuntero lista = propiedades(nodo, escapa_valores);
-    const char16_t *dato = zarnxml_get_dato_cadena_u(nodo);
-    if (zarnxml_num_nodos_hijos(nodo))
-        zarnfxml_graba_inicio_bloque_con_propiedades(xml, etiqueta, &lista);
-    else if (lista && !*dato)
-        zarnfxml_graba_inicio_fin_bloque_con_propiedades(xml, etiqueta, &lista);
-    else if (lista)
-        zarnfxml_graba_cadena_u_con_propiedades(xml, etiqueta, dato, &lista);
-    else
-        zarnfxml_graba_cadena_u(xml, etiqueta, dato);
-}
-
-int formatea(const Orden &orden, const std::u16string &ruta) {
-    Perfil perfil = crea_perfil(orden.perfil); // a wrong name is found before the file is read
-    const Arbol arbol = carga(orden, ruta);
-    if (!arbol)
-        return SALIDA_DOCUMENTO_MALO;
-    zarnfxml_t *xml = perfil.escritor.get();
-    if (zarnxml_hay_datos(arbol.get()))
-        recorre(
-            arbol.get(),
-            [&](const zarnxml_nodo_t *nodo, size_t) {
-                graba_nodo(xml, nodo, perfil.escapa_valores);
-            },
-            [&](const zarnxml_nodo_t *) { zarnfxml_graba_fin_bloque(xml); });
-    const Cadena texto(zarnfxml_xml_escritura_a_char(xml, CIERTO));
-    std::fputs(texto.get(), stdout);
-    std::fputc('\n', stdout);
-    return SALIDA_BIEN;
-}
-
 int ejecuta(int argc, char **argv) {
     for (int i = 1; i < argc; ++i) {
         const std::string_view arg = argv[i];
+        if (arg == "--")
+            break;
         if (arg == "-h" || arg == "--help") {
             std::fputs(AYUDA, stdout);
             return SALIDA_BIEN;
         }
     }
     const Orden orden = lee_orden(argc, argv);
-    const fs::path ruta(orden.fichero);
-    if (const auto problema = problema_de_fichero(ruta)) {
-        std::fprintf(stderr, "zarnxml: %s: %s\n", orden.fichero.c_str(), problema->c_str());
+    if (orden.comando == "check")
+        return comprueba(orden);
+    if (orden.comando == "format")
+        valida_perfil(orden.formato.perfil); // a wrong name is found before the file is read
+    std::string problema;
+    const auto doc = abre_documento(orden.ficheros[0], orden.comando == "format", problema);
+    if (!doc) {
+        no_se_lee(orden.ficheros[0], problema);
         return SALIDA_ERROR;
     }
-    const std::u16string ruta_u = ruta.u16string();
-    if (orden.comando == "check")
-        return comprueba(orden, ruta_u);
     if (orden.comando == "tree")
-        return muestra_arbol(orden, ruta_u);
-    return formatea(orden, ruta_u);
+        return muestra_arbol(*doc);
+    return formatea(*doc, orden.formato);
 }
 
 } // namespace

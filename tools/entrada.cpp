@@ -1,0 +1,189 @@
+// Documents as the system gives them: any file name, standard input, FIFOs; errors with the
+// system's reason and the name.
+#include "comun.hpp"
+
+#include <fcntl.h>
+#include <sys/stat.h>
+#include <unistd.h>
+
+#include <cerrno>
+#include <cstdio>
+#include <cstdlib>
+#include <cstring>
+#include <string_view>
+
+namespace zarnxml_comando {
+
+namespace {
+
+// Closes a descriptor on every path.
+struct Descriptor {
+    int fd = -1;
+    ~Descriptor() {
+        if (fd >= 0)
+            ::close(fd);
+    }
+};
+
+std::u16string a_utf16(const std::string &utf8) {
+    struct libera {
+        void operator()(char16_t *s) const { widestr_nousar_destruye(&s, __FILE__, __LINE__); }
+    };
+    const std::unique_ptr<char16_t, libera> w(unicode_convierte_UTF8_a_UNICODE(utf8.c_str()));
+    return w.get();
+}
+
+bool lee_todo(int fd, std::string &bytes, std::string &problema) {
+    char bloque[1 << 16];
+    for (;;) {
+        const ssize_t n = ::read(fd, bloque, sizeof bloque);
+        if (n == 0)
+            return true;
+        if (n < 0) {
+            if (errno == EINTR)
+                continue;
+            problema = std::strerror(errno);
+            return false;
+        }
+        bytes.append(bloque, static_cast<size_t>(n));
+    }
+}
+
+} // namespace
+
+bool es_utf8(std::string_view s) {
+    size_t i = 0;
+    while (i < s.size()) {
+        const unsigned char c = s[i];
+        size_t n = c < 0x80 ? 0 : (c >> 5) == 6 ? 1 : (c >> 4) == 14 ? 2 : (c >> 3) == 30 ? 3 : 9;
+        if (n == 9 || (n == 1 && c < 0xC2) || i + n >= s.size())
+            return false;
+        for (size_t k = 1; k <= n; ++k)
+            if ((static_cast<unsigned char>(s[i + k]) & 0xC0) != 0x80)
+                return false;
+        i += n + 1;
+    }
+    return true;
+}
+
+FicheroTemporal &FicheroTemporal::operator=(FicheroTemporal &&otro) noexcept {
+    if (this != &otro) {
+        if (!ruta_.empty())
+            std::remove(ruta_.c_str());
+        ruta_ = std::move(otro.ruta_);
+        otro.ruta_.clear();
+    }
+    return *this;
+}
+
+FicheroTemporal::~FicheroTemporal() {
+    if (!ruta_.empty())
+        std::remove(ruta_.c_str());
+}
+
+std::optional<FicheroTemporal> FicheroTemporal::con(const std::string &bytes,
+                                                    std::string &problema) {
+    const char *dir = std::getenv("TMPDIR");
+    std::string plantilla = std::string(dir && *dir && es_utf8(dir) ? dir : "/tmp") +
+                            "/zarnxml-XXXXXX";
+    Descriptor d{::mkstemp(plantilla.data())};
+    if (d.fd < 0) {
+        problema = std::string("cannot make a temporary copy: ") + std::strerror(errno);
+        return std::nullopt;
+    }
+    FicheroTemporal f;
+    f.ruta_ = plantilla;
+    for (size_t hecho = 0; hecho < bytes.size();) {
+        const ssize_t n = ::write(d.fd, bytes.data() + hecho, bytes.size() - hecho);
+        if (n < 0 && errno == EINTR)
+            continue;
+        if (n < 0) {
+            problema = std::string("cannot make a temporary copy: ") + std::strerror(errno);
+            return std::nullopt;
+        }
+        hecho += static_cast<size_t>(n);
+    }
+    return f;
+}
+
+std::optional<Documento> abre_documento(const std::string &nombre, bool con_bytes,
+                                        std::string &problema) {
+    Documento doc;
+    const bool entrada_estandar = nombre == "-";
+    doc.nombre = entrada_estandar ? "<stdin>" : nombre;
+    Descriptor d;
+    if (entrada_estandar)
+        d.fd = ::dup(STDIN_FILENO);
+    else
+        d.fd = ::open(nombre.c_str(), O_RDONLY | O_NOCTTY | O_CLOEXEC);
+    if (d.fd < 0) {
+        problema = std::strerror(errno);
+        return std::nullopt;
+    }
+    struct stat estado {};
+    if (::fstat(d.fd, &estado) != 0) {
+        problema = std::strerror(errno);
+        return std::nullopt;
+    }
+    if (S_ISDIR(estado.st_mode)) {
+        problema = std::strerror(EISDIR);
+        return std::nullopt;
+    }
+    // A device never ends (/dev/zero) or waits for a person: it is refused before any read.
+    // Standard input from a terminal is still read, to its end.
+    if (S_ISCHR(estado.st_mode) || S_ISBLK(estado.st_mode) || S_ISSOCK(estado.st_mode)) {
+        if (!entrada_estandar || !S_ISCHR(estado.st_mode) || !::isatty(d.fd)) {
+            problema = "not a regular file (a device or a socket)";
+            return std::nullopt;
+        }
+    }
+    // A regular file with a UTF-8 name is opened by the library itself; anything else is read
+    // to its end here and handed over as a temporary copy.
+    const bool directo = S_ISREG(estado.st_mode) && !entrada_estandar && es_utf8(nombre) &&
+                         nombre.find('\0') == std::string::npos;
+    if (con_bytes || !directo) {
+        if (!lee_todo(d.fd, doc.bytes, problema))
+            return std::nullopt;
+    }
+    if (directo) {
+        doc.ruta = a_utf16(nombre);
+    } else {
+        auto copia = FicheroTemporal::con(doc.bytes, problema);
+        if (!copia)
+            return std::nullopt;
+        doc.copia = std::move(*copia);
+        doc.ruta = a_utf16(doc.copia.ruta());
+        if (!con_bytes)
+            std::string().swap(doc.bytes);
+    }
+    return doc;
+}
+
+std::string diagnostico(const std::string &nombre, const std::string &mensaje) {
+    unsigned long linea = 0, columna = 0;
+    int leidos = 0;
+    if (std::sscanf(mensaje.c_str(), "Ln %lu, Col %lu%n", &linea, &columna, &leidos) == 2) {
+        std::string_view resto = std::string_view(mensaje).substr(static_cast<size_t>(leidos));
+        if (resto.starts_with(":"))
+            resto.remove_prefix(1);
+        if (resto.starts_with(" "))
+            resto.remove_prefix(1);
+        return nombre + ":" + std::to_string(linea) + ":" + std::to_string(columna) +
+               ": error: " + std::string(resto.empty() ? "Malformed markup" : resto);
+    }
+    return nombre + ": error: " + mensaje;
+}
+
+Arbol carga(const Documento &doc) {
+    zybool hay_error = FALSO;
+    CADENA mensaje = nullptr;
+    Arbol arbol(zarnxml_crea_de_fichero_u(doc.ruta.c_str(), "1", "0", &hay_error, &mensaje));
+    const Cadena dueno(mensaje);
+    if (hay_error) {
+        std::fprintf(stderr, "%s\n", diagnostico(doc.nombre, mensaje ? mensaje : "").c_str());
+        return nullptr;
+    }
+    return arbol;
+}
+
+} // namespace zarnxml_comando
