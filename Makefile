@@ -31,6 +31,9 @@ define need
 	fi
 endef
 
+# cmake --build runs make inside make: no "Entering directory" lines.
+MAKEFLAGS += --no-print-directory
+
 .PHONY: all build test demo bench fuzz fuzz-build fuzz-smoke tsan install clean deps
 
 all: build
@@ -48,8 +51,11 @@ test:
 	cd $(BUILD_TEST) && ASAN_OPTIONS=detect_leaks=1 UBSAN_OPTIONS=print_stacktrace=1:halt_on_error=1 \
 	  ctest --output-on-failure -j$(JOBS)
 
-demo: build
-	$(BUILD)/examples/zarnxml_demo $(BUILD)/demo
+# The build's own lines go to a log and show only when it fails, so that the demo speaks alone.
+demo:
+	@mkdir -p build && $(MAKE) --no-print-directory build >build/demo-build.log 2>&1 || \
+	  { cat build/demo-build.log; exit 1; }
+	@$(BUILD)/examples/zarnxml_demo $(BUILD)/demo
 
 bench:
 	$(call need,$(BASE_PKGS) $(BENCH_PKGS))

@@ -122,7 +122,7 @@ void escribe(const std::u16string &fichero) {
     std::printf("   blocks, properties, text with & < > and accents, numbers, a truth value,\n"
                 "   an array of doubles and two structures written by the caller's function\n");
 
-    titulo("2. zarnfxml_genera_fichero_salida writes the file");
+    titulo("2. zarnfxml_genera_fichero_salida writes the file (each tab shown as \"\xE2\x86\x92 \")");
     zarnfxml_genera_fichero_salida(xml, fichero.c_str());
     zarnfxml_destruye_xml_escritura(&xml);
     muestra_fichero(fichero);
@@ -239,7 +239,7 @@ void lee(const std::u16string &fichero) {
 }
 
 void documento_roto(const std::filesystem::path &dir) {
-    titulo("6. A broken document and the check's message");
+    titulo("6. A broken document, roto.xml, and the check's message (tabs shown as \"\xE2\x86\x92 \")");
     const std::u16string fichero = (dir / "roto.xml").u16string();
     zarnfxml_escr_fichero_xml_string("<proyecto>\n"
                                      "\t<nombre>Puente</nombre>\n"
@@ -254,7 +254,8 @@ void documento_roto(const std::filesystem::path &dir) {
 }
 
 void perfiles() {
-    titulo("7. The five write profiles, one small document each (lines joined by \" | \")");
+    titulo("7. The five write profiles, one small document each (lines joined by \" | \", a tab "
+          "shown as \"\xE2\x86\x92\", a Latin-1 byte as \\xE9)");
     struct Perfil {
         const char *nombre;
         zarnfxml_t *xml;
@@ -303,6 +304,8 @@ void perfiles() {
 int main(int argc, char **argv) {
     const std::filesystem::path dir = argc > 1 ? argv[1] : "demo";
     std::filesystem::create_directories(dir);
+    const std::filesystem::path donde = std::filesystem::absolute(dir);
+    std::printf("The documents of this demo go to %s\n", donde.string().c_str());
     const std::u16string fichero = (dir / "proyecto.xml").u16string();
     escribe(fichero);
     comprueba(fichero);
@@ -312,5 +315,8 @@ int main(int argc, char **argv) {
     documento_roto(dir);
     perfiles();
     titulo("8. Done: every writer, tree, reader, string and array made here was destroyed");
+    std::printf("   The documents are in %s: proyecto.xml and roto.xml.\n"
+                "   Try the command on them (built as build/release/tools/zarnxml): zarnxml check %s\n",
+                donde.string().c_str(), (donde / "roto.xml").string().c_str());
     return 0;
 }

@@ -145,6 +145,7 @@ Orden lee_orden(int argc, char **argv) {
 }
 
 void no_se_lee(const std::string &nombre, const std::string &problema) {
+    std::fflush(stdout); // in the order of the files
     std::fprintf(stderr, "zarnxml: %s: %s\n", nombre == "-" ? "<stdin>" : nombre.c_str(),
                  problema.c_str());
 }
