@@ -1,41 +1,59 @@
 #!/usr/bin/env bash
-# Builds the library without sanitizers, installs it into a temporary prefix, and builds the C11
-# example (which writes a document) and the C++ example (which reads it back) against the
-# installed package twice: through pkg-config and through find_package.
+# The installed package, as a user builds against it: installs the build tree that the tests
+# already built into a temporary prefix (no second build of the library), then builds the
+# examples through pkg-config with a run-time path, links the static library from C, builds the
+# consumer project examples/consumidor with find_package, and runs the installed command.
+#   prueba_instalacion.sh SOURCE_DIR BUILD_DIR [FLAGS]
+# FLAGS go to every compile and link (the sanitizers of the build tree, when it has them).
 set -euo pipefail
-src=$1
+src=$(cd "$1" && pwd)
+build=$(cd "$2" && pwd)
+flags=${3:-}
 work=$(mktemp -d)
 trap 'rm -rf "$work"' EXIT
+cd "$work"
 
-cmake -S "$src" -B "$work/build" -DCMAKE_BUILD_TYPE=Release -DZARNXML_TESTS=OFF >/dev/null
-cmake --build "$work/build" -j2 --target zarnxml zarnxml_static >/dev/null
-cmake --install "$work/build" --prefix "$work/prefix" >/dev/null
-
+cmake --install "$build" --prefix "$work/prefix" >/dev/null
 libdir=$(ls -d "$work/prefix"/lib*/ | head -n 1)
-export PKG_CONFIG_PATH="$libdir/pkgconfig"
-cc -std=c11 -Wall -Wextra -Werror -pedantic "$src/examples/escribe_ajustes.c" -o "$work/con_pkgconfig" \
-   $(pkg-config --cflags --libs zarnxml)
-LD_LIBRARY_PATH="$libdir" "$work/con_pkgconfig" "$work/a.xml" >/dev/null
-grep -q '<usuario>José &amp; María</usuario>' "$work/a.xml"
-c++ -std=c++20 -Wall -Wextra -Werror "$src/examples/lee_ajustes.cpp" -o "$work/lee_pkgconfig" \
-    $(pkg-config --cflags --libs zarnxml)
-LD_LIBRARY_PATH="$libdir" "$work/lee_pkgconfig" "$work/a.xml" | grep -q 'usuario José & María, ancho 1280'
+libdir=${libdir%/}
+test -f "$work/prefix/share/man/man1/zarnxml.1"
 
-mkdir -p "$work/consumidor"
-cat > "$work/consumidor/CMakeLists.txt" <<CMAKE
-cmake_minimum_required(VERSION 3.25)
-project(consumidor C CXX)
-find_package(zarnxml REQUIRED)
-add_executable(escribe_ajustes "$src/examples/escribe_ajustes.c")
-set_target_properties(escribe_ajustes PROPERTIES C_STANDARD 11 C_EXTENSIONS OFF)
-target_link_libraries(escribe_ajustes PRIVATE zarnxml::zarnxml)
-add_executable(lee_ajustes "$src/examples/lee_ajustes.cpp")
-set_target_properties(lee_ajustes PROPERTIES CXX_STANDARD 20)
-target_link_libraries(lee_ajustes PRIVATE zarnxml::zarnxml)
-CMAKE
-cmake -S "$work/consumidor" -B "$work/consumidor/build" -DCMAKE_PREFIX_PATH="$work/prefix" >/dev/null
-cmake --build "$work/consumidor/build" >/dev/null
-"$work/consumidor/build/escribe_ajustes" "$work/b.xml" >/dev/null
-cmp "$work/a.xml" "$work/b.xml"
-"$work/consumidor/build/lee_ajustes" "$work/b.xml" | grep -q 'escala 1.25, pantalla completa no'
-echo "installed package: pkg-config and find_package both build the C11 and the C++ example"
+# pkg-config, with the run-time path that the README gives: no LD_LIBRARY_PATH anywhere.
+export PKG_CONFIG_PATH="$libdir/pkgconfig"
+rpath="-Wl,-rpath,$(pkg-config --variable=libdir zarnxml)"
+# shellcheck disable=SC2046,SC2086
+cc -std=c11 -Wall -Wextra -Werror -pedantic $flags "$src/examples/escribe_ajustes.c" -o dinamico \
+   $(pkg-config --cflags --libs zarnxml) "$rpath"
+./dinamico a.xml >/dev/null
+grep -q '<usuario>José &amp; María</usuario>' a.xml
+# shellcheck disable=SC2046,SC2086
+c++ -std=c++20 -Wall -Wextra -Werror $flags "$src/examples/lee_ajustes.cpp" -o lee \
+    $(pkg-config --cflags --libs zarnxml) "$rpath"
+./lee a.xml | grep -q 'usuario José & María, ancho 1280'
+
+# The static library from C, with the C++ runtime that Libs.private names.
+# shellcheck disable=SC2046,SC2086
+cc -std=c11 $flags "$src/examples/escribe_ajustes.c" -o estatico $(pkg-config --cflags zarnxml) \
+   -L"$(pkg-config --variable=libdir zarnxml)" -Wl,-Bstatic -lzarnxml -Wl,-Bdynamic \
+   $(pkg-config --static --libs-only-l zarnxml | sed 's/-lzarnxml//')
+if readelf -d estatico | grep -q 'libzarnxml'; then
+    echo "the static link still needs libzarnxml.so" >&2
+    exit 1
+fi
+./estatico b.xml >/dev/null
+cmp a.xml b.xml
+
+# The consumer project of the README, found through CMAKE_PREFIX_PATH alone.
+cmake -S "$src/examples/consumidor" -B consumidor -DCMAKE_PREFIX_PATH="$work/prefix" \
+      -DCMAKE_C_FLAGS="$flags" -DCMAKE_CXX_FLAGS="$flags" -DCMAKE_EXE_LINKER_FLAGS="$flags" \
+      >/dev/null
+cmake --build consumidor -j2 >/dev/null
+consumidor/escribe_ajustes c.xml >/dev/null
+consumidor/escribe_ajustes_estatico d.xml >/dev/null
+cmp a.xml c.xml
+cmp a.xml d.xml
+consumidor/lee_ajustes c.xml | grep -q 'escala 1.25, pantalla completa no'
+
+# The installed command finds its library by itself.
+test "$("$work/prefix/bin/zarnxml" check a.xml)" = ok
+echo "installed package: pkg-config (shared with rpath, static from C), find_package and the command"
