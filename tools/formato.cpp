@@ -162,13 +162,53 @@ std::string codificacion_declarada(std::string_view b) {
     return bajo.substr(comilla + 1, cierre - comilla - 1);
 }
 
+// UTF-16 with its byte order mark, as UTF-8 (the mark too), so that the scans below see text.
+std::string utf16_a_utf8(std::string_view b) {
+    const bool le = b[0] == '\xFF';
+    auto unidad = [&](size_t i) -> char32_t {
+        const auto a = static_cast<unsigned char>(b[i]), z = static_cast<unsigned char>(b[i + 1]);
+        return le ? char32_t(a | z << 8) : char32_t(z | a << 8);
+    };
+    std::string s;
+    s.reserve(b.size());
+    for (size_t i = 0; i + 1 < b.size(); i += 2) {
+        char32_t c = unidad(i);
+        if (c >= 0xD800 && c < 0xDC00 && i + 3 < b.size() && unidad(i + 2) >= 0xDC00 &&
+            unidad(i + 2) < 0xE000) {
+            c = 0x10000 + ((c - 0xD800) << 10) + (unidad(i + 2) - 0xDC00);
+            i += 2;
+        }
+        if (c < 0x80) {
+            s += char(c);
+        } else if (c < 0x800) {
+            s += char(0xC0 | c >> 6);
+            s += char(0x80 | (c & 0x3F));
+        } else if (c < 0x10000) {
+            s += char(0xE0 | c >> 12);
+            s += char(0x80 | (c >> 6 & 0x3F));
+            s += char(0x80 | (c & 0x3F));
+        } else {
+            s += char(0xF0 | c >> 18);
+            s += char(0x80 | (c >> 12 & 0x3F));
+            s += char(0x80 | (c >> 6 & 0x3F));
+            s += char(0x80 | (c & 0x3F));
+        }
+    }
+    return s;
+}
+
 Lectura analiza(std::string_view b, bool con_perdida) {
     Lectura lectura;
-    if (b.starts_with("\xFF\xFE") || b.starts_with("\xFE\xFF"))
-        throw Rechazo{1, 1, "a UTF-16 document is not written again; convert it to UTF-8 first"};
+    std::string convertido;
+    const bool utf16 = b.starts_with("\xFF\xFE") || b.starts_with("\xFE\xFF");
+    if (utf16) {
+        convertido = utf16_a_utf8(b);
+        b = convertido;
+    }
     const std::string codificacion = codificacion_declarada(b);
-    lectura.iso = codificacion == "iso-8859-1";
-    const bool utf8 = codificacion.empty() || codificacion == "utf-8" || codificacion == "utf8";
+    lectura.iso = codificacion == "iso-8859-1" && !utf16;
+    const bool utf8 = codificacion.empty() || codificacion == "utf-8" || codificacion == "utf8" ||
+                      (utf16 && codificacion.starts_with("utf-16"));
     const bool ascii = codificacion == "us-ascii" || codificacion == "ascii";
     if (!con_perdida && !lectura.iso) {
         const size_t malo =
