@@ -53,6 +53,7 @@ test:
 
 # The build's own lines go to a log and show only when it fails, so that the demo speaks alone.
 demo:
+	@echo "Building the library and the demo (the build's output goes to build/demo-build.log)"
 	@mkdir -p build && $(MAKE) --no-print-directory build >build/demo-build.log 2>&1 || \
 	  { cat build/demo-build.log; exit 1; }
 	@$(BUILD)/examples/zarnxml_demo $(BUILD)/demo

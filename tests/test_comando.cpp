@@ -43,6 +43,7 @@ struct Comando : ::testing::Test {
         escribe_fichero(dir / "bien.xml", DOC);
         escribe_fichero(dir / "mal.xml", "<a>\n\t<b>1</b>\n</x>\n");
         escribe_fichero(dir / "corto.xml", "<a>\n");
+        escribe_fichero(dir / "doctype.xml", "<!DOCTYPE x [ ]>\n<x/>\n");
     }
 };
 
@@ -68,7 +69,8 @@ TEST_F(Comando, CheckHablaComoUnCompilador) {
         {"check bucle", "2|zarnxml: bucle: Too many levels of symbolic links\n"},
         {"check .", "2|zarnxml: .: Is a directory\n"},
         {"check /dev/zero mal.xml",
-         "2|zarnxml: /dev/zero: not a regular file (a device or a socket)\n" + mal},
+         "2|zarnxml: /dev/zero: a device or a socket, not a file: refused before reading\n" + mal},
+        {"check doctype.xml", "1|doctype.xml:1:13: error: Malformed markup (x)\n"},
         {"tree mal.xml", "1|" + mal},
     };
     for (const auto &[argumentos, salida] : casos)

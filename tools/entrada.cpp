@@ -133,7 +133,7 @@ std::optional<Documento> abre_documento(const std::string &nombre, bool con_byte
     // Standard input from a terminal is still read, to its end.
     if (S_ISCHR(estado.st_mode) || S_ISBLK(estado.st_mode) || S_ISSOCK(estado.st_mode)) {
         if (!entrada_estandar || !S_ISCHR(estado.st_mode) || !::isatty(d.fd)) {
-            problema = "not a regular file (a device or a socket)";
+            problema = "a device or a socket, not a file: refused before reading";
             return std::nullopt;
         }
     }
@@ -168,8 +168,12 @@ std::string diagnostico(const std::string &nombre, const std::string &mensaje) {
             resto.remove_prefix(1);
         if (resto.starts_with(" "))
             resto.remove_prefix(1);
+        // The library names a bad tag or property only by what it read: "(name)" or nothing.
+        std::string texto(resto);
+        if (resto.empty() || resto.starts_with("("))
+            texto = resto.empty() ? "Malformed markup" : "Malformed markup " + texto;
         return nombre + ":" + std::to_string(linea) + ":" + std::to_string(columna) +
-               ": error: " + std::string(resto.empty() ? "Malformed markup" : resto);
+               ": error: " + texto;
     }
     return nombre + ": error: " + mensaje;
 }
