@@ -394,7 +394,8 @@ bool cabe_en_campo(std::u16string_view d) {
 
 // The escaped text of a plain field, or nothing when only CDATA can carry it.
 std::optional<std::u16string> texto_de_campo(const Contexto &ctx, std::u16string_view d) {
-    if (!cabe_en_campo(d))
+    // Unescaped, "]]>" would end a CDATA section that is not there.
+    if (!cabe_en_campo(d) || (ctx.iso && d.find(u"]]>") != std::u16string_view::npos))
         return std::nullopt;
     std::u16string s;
     s.reserve(d.size() + d.size() / 8);
@@ -508,8 +509,8 @@ void graba_nodo(zarnfxml_t *xml, const Contexto &ctx, const zarnxml_nodo_t *nodo
         return;
     }
     if (const auto fallo = fallo_de_cdata(ctx, dato))
-        rechaza(ctx, "the text needs a CDATA section to keep its white space or its < and &, "
-                     "and " + *fallo);
+        rechaza(ctx, "this text needs a CDATA section (for white space that plain lines lose, "
+                     "or for what iso-8859-1 cannot escape), and " + *fallo);
     graba_inicio(xml, etiqueta, props);
     ArrCADENA lineas = arr_CreaCADENA(0);
     arr_AppendCADENA(lineas, en_salida(ctx, dato).c_str());
