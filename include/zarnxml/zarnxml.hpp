@@ -493,10 +493,15 @@ class lector {
         detalle::en_llamada g;
         zarnfxml_lee_fin_bloque(x());
     }
-    // Passes the block etiqueta whole, which must come next.
+    // Passes the block etiqueta whole, which must come next as a block.
     void salta(cadena_c etiqueta) {
         detalle::en_llamada g;
         zarnfxml_salta_etiqueta(x(), etiqueta.c_str());
+    }
+    // Passes the field etiqueta if it comes next, and says whether it did.
+    bool salta_campo(cadena_c etiqueta) {
+        detalle::en_llamada g;
+        return detalle::cierto(zarnfxml_salta_registro_campo(x(), etiqueta.c_str()));
     }
     // Whether the next element (block or field) bears etiqueta; any element for null.
     bool siguiente_es(cadena_c etiqueta = nullptr) {
@@ -662,7 +667,8 @@ struct propiedad_nodo {
 // std::u16string_view (lent by the tree; empty for a node with children):
 //   dato<T>     the node must be there, else error_interno "existe_nodo == CIERTO"
 //   dato_o<T>   its value, or the default when the node is missing or the datum does not read
-//               as T (a truth text for bool, a number in range for the integers)
+//               as T (bool: not a truth text; integers: a value out of range, where a text
+//               that is no number reads as 0)
 //   dato_si<T>  the same as an optional
 class nodo {
   public:
@@ -772,19 +778,24 @@ class nodo {
         const char *e = etiqueta.c_str();
         if constexpr (std::is_same_v<T, bool>) {
             zybool v = FALSO;
-            return opcion(zarnxml_existe_dato_hijo_bool(n_, e, &v), detalle::cierto(v));
+            const zybool hay = zarnxml_existe_dato_hijo_bool(n_, e, &v);
+            return opcion(hay, detalle::cierto(v));
         } else if constexpr (std::is_same_v<T, int32_t>) {
             int32_t v = 0;
-            return opcion(zarnxml_existe_dato_hijo_long(n_, e, &v), v);
+            const zybool hay = zarnxml_existe_dato_hijo_long(n_, e, &v);
+            return opcion(hay, v);
         } else if constexpr (std::is_same_v<T, uint32_t>) {
             uint32_t v = 0;
-            return opcion(zarnxml_existe_dato_hijo_ulong(n_, e, &v), v);
+            const zybool hay = zarnxml_existe_dato_hijo_ulong(n_, e, &v);
+            return opcion(hay, v);
         } else if constexpr (std::is_same_v<T, uint16_t>) {
             uint16_t v = 0;
-            return opcion(zarnxml_existe_dato_hijo_ushort(n_, e, &v), v);
+            const zybool hay = zarnxml_existe_dato_hijo_ushort(n_, e, &v);
+            return opcion(hay, v);
         } else if constexpr (std::is_same_v<T, double>) {
             double v = 0;
-            return opcion(zarnxml_existe_dato_hijo_double(n_, e, &v), v);
+            const zybool hay = zarnxml_existe_dato_hijo_double(n_, e, &v);
+            return opcion(hay, v);
         } else {
             const zarnxml_nodo_t *h = nullptr;
             if (!detalle::cierto(zarnxml_existe_nodo(n_, e, &h)))
@@ -837,6 +848,7 @@ class nodo {
     [[noreturn]] static void falta(const char *etiqueta = nullptr) {
         error_interno_msg("existe_nodo == CIERTO", __FILE__, __LINE__, etiqueta, 0);
     }
+    // Called once the C call has written v.
     template <class T> static std::optional<T> opcion(zybool hay, T v) {
         return detalle::cierto(hay) ? std::optional<T>(std::move(v)) : std::nullopt;
     }
@@ -861,13 +873,16 @@ class nodo {
     template <class T> static std::optional<T> dato_si_de(const zarnxml_nodo_t *n) {
         if constexpr (std::is_same_v<T, bool>) {
             zybool v = FALSO;
-            return opcion(zarnxml_es_dato_bool(n, &v), detalle::cierto(v));
+            const zybool hay = zarnxml_es_dato_bool(n, &v);
+            return opcion(hay, detalle::cierto(v));
         } else if constexpr (std::is_same_v<T, int32_t>) {
             int32_t v = 0;
-            return opcion(zarnxml_es_dato_long(n, &v), v);
+            const zybool hay = zarnxml_es_dato_long(n, &v);
+            return opcion(hay, v);
         } else if constexpr (std::is_same_v<T, uint32_t>) {
             uint32_t v = 0;
-            return opcion(zarnxml_es_dato_ulong(n, &v), v);
+            const zybool hay = zarnxml_es_dato_ulong(n, &v);
+            return opcion(hay, v);
         } else {
             return dato_de<T>(n);
         }
