@@ -218,6 +218,12 @@ TEST(CppEscritor, BytesExactos) {
     const std::string en_fichero((std::istreambuf_iterator<char>(in)), {});
     EXPECT_EQ(en_fichero.substr(0, en_fichero.find_last_not_of('\n') + 1), x.texto());
     EXPECT_EQ(x.texto().rfind(kCabecera, 0), 0u);
+    auto l = zarnxml::lector::de_texto(x.texto());
+    l.abre("a");
+    EXPECT_EQ(l.propiedad("id"), "r1");
+    EXPECT_EQ(l.lee<int32_t>("n"), 42);
+    EXPECT_EQ(l.lee<std::u16string>("t"), u"€ & ü");
+    l.cierra();
 }
 
 TEST(CppLector, LecturasYMiradasAdelante) {
@@ -235,7 +241,7 @@ TEST(CppLector, LecturasYMiradasAdelante) {
         EXPECT_EQ(l.lee<int32_t>("n"), 5);
         EXPECT_EQ(l.lee_si<std::string>("t"), "José");
         EXPECT_EQ(l.lee<bool>("b"), true);
-        EXPECT_EQ(l.lee<std::u16string>("x"), u"no");
+        EXPECT_EQ(l.lee<std::u16string_view>("x"), u"no");
         EXPECT_EQ(l.lee<double>("d"), 2.5);
         EXPECT_FALSE(l.abre_si("otro"));
         EXPECT_TRUE(l.abre_si("vacio"));
@@ -245,7 +251,7 @@ TEST(CppLector, LecturasYMiradasAdelante) {
         EXPECT_FALSE(l.salta_campo("j"));
         EXPECT_TRUE(l.salta_campo("i"));
         EXPECT_EQ(l.lee_o<std::string>("j", "-"), "3");
-        EXPECT_EQ(l.lee<std::string>("I"), "4");
+        EXPECT_EQ(l.lee<std::string_view>("I"), "4");
         l.cierra();
         l.cierra();
     }

@@ -454,8 +454,9 @@ class escritor {
 
 // The strict pull reader: every read names what comes next, and anything else throws
 // error_interno with the library's condition. lee<T> reads bool, int32_t, uint32_t, double,
-// std::string and std::u16string; lee_si<T> looks ahead and gives nullopt, reading nothing,
-// when the tag does not come next.
+// std::string and std::u16string, and texts with no copy as std::string_view and
+// std::u16string_view, lent until the next read of a view of the same kind; lee_si<T> looks
+// ahead and gives nullopt, reading nothing, when the tag does not come next.
 class lector {
   public:
     static lector de_fichero(const std::filesystem::path &fichero) {
@@ -568,14 +569,24 @@ class lector {
             return detalle::a_string(zarnfxml_lee_cadena(xml, etiqueta));
         else if constexpr (std::is_same_v<T, std::u16string>)
             return detalle::a_u16string(zarnfxml_lee_cadena_u(xml, etiqueta));
-        else
+        else if constexpr (std::is_same_v<T, std::u16string_view>) {
+            texto_u_.reset(zarnfxml_lee_cadena_u(xml, etiqueta));
+            return detalle::vista(texto_u_.get());
+        } else if constexpr (std::is_same_v<T, std::string_view>) {
+            texto_.reset(zarnfxml_lee_cadena(xml, etiqueta));
+            return detalle::vista(texto_.get());
+        } else
             static_assert(detalle::siempre_falso<T>::value,
-                          "lee<T>: bool, int32_t, uint32_t, double, std::string, std::u16string");
+                          "lee<T>: bool, int32_t, uint32_t, double, std::string, std::u16string, "
+                          "std::string_view, std::u16string_view");
     }
 
     // The lines of a text outlive the reader over them: declared first, freed last.
     detalle::lineas_propias lineas_;
     std::unique_ptr<zarnfxml_t, detalle::libera_lector> xml_;
+    // The last texts read as views, kept until the next of their kind.
+    detalle::cadena_u_propia texto_u_;
+    detalle::cadena_propia texto_;
 };
 
 // ---- Tree -------------------------------------------------------------------------------------
