@@ -20,6 +20,10 @@ grep -q '<usuario>José &amp; María</usuario>' "$work/a.xml"
 c++ -std=c++20 -Wall -Wextra -Werror "$src/examples/lee_ajustes.cpp" -o "$work/lee_pkgconfig" \
     $(pkg-config --cflags --libs zarnxml)
 LD_LIBRARY_PATH="$libdir" "$work/lee_pkgconfig" "$work/a.xml" | grep -q 'usuario José & María, ancho 1280'
+c++ -std=c++17 -Wall -Wextra -Werror "$src/examples/ajustes.cpp" -o "$work/ajustes_pkgconfig" \
+    $(pkg-config --cflags --libs zarnxml)
+LD_LIBRARY_PATH="$libdir" "$work/ajustes_pkgconfig" "$work/c.xml" | grep -q 'alto 720 (default)'
+cmp "$work/a.xml" "$work/c.xml"
 
 mkdir -p "$work/consumidor"
 cat > "$work/consumidor/CMakeLists.txt" <<CMAKE
@@ -32,10 +36,14 @@ target_link_libraries(escribe_ajustes PRIVATE zarnxml::zarnxml)
 add_executable(lee_ajustes "$src/examples/lee_ajustes.cpp")
 set_target_properties(lee_ajustes PROPERTIES CXX_STANDARD 20)
 target_link_libraries(lee_ajustes PRIVATE zarnxml::zarnxml)
+add_executable(ajustes "$src/examples/ajustes.cpp")
+set_target_properties(ajustes PROPERTIES CXX_STANDARD 17)
+target_link_libraries(ajustes PRIVATE zarnxml::zarnxml)
 CMAKE
 cmake -S "$work/consumidor" -B "$work/consumidor/build" -DCMAKE_PREFIX_PATH="$work/prefix" >/dev/null
 cmake --build "$work/consumidor/build" >/dev/null
 "$work/consumidor/build/escribe_ajustes" "$work/b.xml" >/dev/null
 cmp "$work/a.xml" "$work/b.xml"
 "$work/consumidor/build/lee_ajustes" "$work/b.xml" | grep -q 'escala 1.25, pantalla completa no'
-echo "installed package: pkg-config and find_package both build the C11 and the C++ example"
+"$work/consumidor/build/ajustes" "$work/d.xml" | grep -q 'usuario José & María'
+echo "installed package: pkg-config and find_package both build the C11 example and the two C++ examples"
