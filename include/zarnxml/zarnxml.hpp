@@ -847,6 +847,8 @@ class nodo {
     }
     propiedad_nodo propiedad(uint32_t i) const {
         detalle::en_llamada g;
+        if (!n_)
+            falta();
         const zarnxml_propiedad_t *p = zarnxml_propiedad(n_, i);
         return {detalle::vista(p->texto_propiedad), detalle::vista(p->dato_propiedad)};
     }
