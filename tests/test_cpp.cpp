@@ -216,10 +216,8 @@ TEST(CppComprueba, FallosConSuSitio) {
         ASSERT_TRUE(en_texto && en_fichero);
         EXPECT_EQ(en_texto->texto(), en_fichero->texto());
     }
-    const auto f = zarnxml::comprueba_texto(malos[0].first);
-    EXPECT_EQ(f->linea, 2u);
-    EXPECT_EQ(f->columna, 7u);
-    EXPECT_EQ(f->mensaje, "The end tag does not match the initial tag (b) (c)");
+    EXPECT_EQ(zarnxml::comprueba_texto(malos[0].first),
+              (zarnxml::fallo{2, 7, "The end tag does not match the initial tag (b) (c)"}));
 
     // A document that does not load throws its fault; the half-built tree is freed.
     const char *otra_raiz = "<a>\n  <b>1</b>\n</a>\n<c/>\n";

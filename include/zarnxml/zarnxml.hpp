@@ -110,6 +110,10 @@ struct fallo {
         }
         return f;
     }
+    friend bool operator==(const fallo &a, const fallo &b) {
+        return a.linea == b.linea && a.columna == b.columna && a.mensaje == b.mensaje;
+    }
+    friend bool operator!=(const fallo &a, const fallo &b) { return !(a == b); }
     // The message as the checks give it.
     std::string texto() const {
         return "Ln " + std::to_string(linea) + ", Col " + std::to_string(columna) + ": " + mensaje;
@@ -292,8 +296,9 @@ class propiedad {
 
 class escritor;
 
-// An open block of a writer: closes it when it goes out of scope, unless cerrar() did so
+// An open block of a writer: closes it when it goes out of scope, unless cierra() did so
 // before. While an exception passes the block stays open (the writer is then on its way out).
+// It lends its writer: a guard must not outlive the escritor that gave it.
 class [[nodiscard]] bloque {
   public:
     bloque(bloque &&o) noexcept
