@@ -14,6 +14,8 @@
 //   comparacion libxml2_walk FILE      libxml2 xmlTextReaderRead over every node, nothing else
 //   comparacion libxml2_pull FILE      the same walk, converting the same fields
 //   comparacion arbol FILE             zarnxml_crea_de_fichero_u, every record's fields read
+//   comparacion pull_cpp FILE          the pull job through the C++ interface (zarnxml.hpp)
+//   comparacion arbol_cpp FILE         the tree job through the C++ interface
 //   comparacion pugixml FILE           pugixml load_file and the same visits
 //   comparacion tinyxml2 FILE          tinyxml2 LoadFile and the same visits
 //   comparacion libxml2_dom FILE       libxml2 xmlReadFile and the same visits
@@ -24,6 +26,7 @@
 //   comparacion fwrite OUT FILE        the floor: FILE's bytes copied with fwrite in 1 MiB
 //                                      blocks (job_s counts the writing alone)
 #include <zarnxml/zarnxml.h>
+#include <zarnxml/zarnxml.hpp>
 
 #include <expat.h>
 #include <libxml/parser.h>
@@ -554,6 +557,50 @@ int tiny(const char *ruta) {
     return ok ? 0 : 1;
 }
 
+// The pull job through the C++ interface: the same reads, texts as views that the reader lends
+// (lee<std::u16string> would add a copy of each text).
+int pull_cpp(const char *ruta) {
+    auto xml = zarnxml::lector::de_fichero(ruta);
+    double suma = 0;
+    size_t letras = 0, ids = 0, n = 0;
+    xml.abre("raiz");
+    while (xml.abre_si("registro")) {
+        ++n;
+        if (const auto id = xml.propiedad_u("id"))
+            ids += id->size();
+        letras += xml.lee<std::u16string_view>("nombre").size();
+        suma += xml.lee<double>("importe");
+        suma += xml.lee<bool>("activo");
+        xml.abre("posicion");
+        suma += xml.lee<double>("x");
+        suma += xml.lee<double>("y");
+        xml.cierra();
+        letras += xml.lee<std::u16string_view>("nota").size();
+        xml.cierra();
+    }
+    xml.cierra();
+    std::printf("pull_cpp: ok %zu records %.1f %zu ids %zu\n", n, suma, letras, ids);
+    return 0;
+}
+
+// The tree job through the C++ interface: children in a range-for, texts as lent views.
+int arbol_cpp(const char *ruta) {
+    const auto arbol = zarnxml::arbol::de_fichero(ruta);
+    double suma = 0;
+    size_t letras = 0, n = 0;
+    for (const zarnxml::nodo r : arbol.raiz().hijos()) {
+        ++n;
+        letras += r.dato<std::u16string_view>("nombre").size();
+        suma += r.dato<double>("importe");
+        suma += r.dato<bool>("activo");
+        if (const zarnxml::nodo pos = r.hijo("posicion"))
+            suma += pos.dato<double>("x") + pos.dato<double>("y");
+        letras += r.dato<std::u16string_view>("nota").size();
+    }
+    std::printf("tree_cpp: ok %zu records %.1f %zu\n", n, suma, letras);
+    return 0;
+}
+
 } // namespace
 
 int main(int argc, char **argv) {
@@ -569,6 +616,8 @@ int main(int argc, char **argv) {
         {"libxml2_walk", libxml2_walk},
         {"libxml2_pull", libxml2_pull},
         {"arbol", arbol},
+        {"pull_cpp", pull_cpp},
+        {"arbol_cpp", arbol_cpp},
         {"pugixml", con_pugixml},
         {"tinyxml2", tiny},
         {"libxml2_dom", libxml2_dom}};

@@ -4,7 +4,13 @@
  * expect, through these functions. They never return: they call the process's handler, which
  * must end the process or throw a C++ exception. The default handler prints
  * "origen:linea: condicion (mensaje)" to standard error and calls abort(). If a handler
- * returns, the library aborts. The handler may be read from any thread. */
+ * returns, the library aborts. The handler may be read from any thread.
+ *
+ * A thread may also have a handler of its own, which takes precedence over the process's
+ * handler for the internal errors raised on that thread and on no other. Threads without one
+ * get the process's handler as before. The C++ interface (zarnxml.hpp) sets one for the length
+ * of each of its calls, so that its callers get exceptions while C callers on every thread,
+ * the same thread between two C++ calls included, keep the process's handler. */
 #ifndef ZARNXML_ZYASSERT_H
 #define ZARNXML_ZYASSERT_H
 
@@ -19,6 +25,10 @@ typedef void (*zyassert_manejador_t)(const char *condicion, const char *origen, 
 
 /* Installs a handler and returns the old one; NULL restores the default. */
 ZARN_API zyassert_manejador_t zyassert_instala_manejador(zyassert_manejador_t manejador);
+
+/* Installs a handler for the calling thread alone and returns the thread's old one (NULL when it
+ * had none); NULL removes it, so that the process's handler serves the thread again. */
+ZARN_API zyassert_manejador_t zyassert_instala_manejador_hilo(zyassert_manejador_t manejador);
 
 ZARN_NORETURN ZARN_API void error_interno(const char *condicion, const char *origen, uint32_t linea,
                                           int reservado);

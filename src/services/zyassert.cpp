@@ -21,9 +21,16 @@ void manejador_por_defecto(const char *condicion, const char *origen, uint32_t l
 // Read from any thread; installed rarely.
 std::atomic<zyassert_manejador_t> manejador{manejador_por_defecto};
 
+// The calling thread's own handler, if it has one; it goes before the process's. Set and read
+// on every call of the C++ interface, hence the cheapest TLS model.
+thread_local zyassert_manejador_t manejador_hilo [[gnu::tls_model("initial-exec")]] = nullptr;
+
 [[noreturn]] void llama(const char *condicion, const char *origen, uint32_t linea,
                         const char *mensaje) {
-    manejador.load(std::memory_order_acquire)(condicion, origen, linea, mensaje);
+    if (const zyassert_manejador_t propio = manejador_hilo)
+        propio(condicion, origen, linea, mensaje);
+    else
+        manejador.load(std::memory_order_acquire)(condicion, origen, linea, mensaje);
     // A handler that returns leaves the library nowhere to go.
     std::abort();
 }
@@ -34,6 +41,12 @@ extern "C" {
 
 ZARN_API zyassert_manejador_t zyassert_instala_manejador(zyassert_manejador_t nuevo) {
     return manejador.exchange(nuevo ? nuevo : manejador_por_defecto, std::memory_order_acq_rel);
+}
+
+ZARN_API zyassert_manejador_t zyassert_instala_manejador_hilo(zyassert_manejador_t nuevo) {
+    const zyassert_manejador_t antes = manejador_hilo;
+    manejador_hilo = nuevo;
+    return antes;
 }
 
 ZARN_API void error_interno(const char *condicion, const char *origen, uint32_t linea, int) {

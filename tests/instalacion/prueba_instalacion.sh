@@ -30,6 +30,11 @@ grep -q '<usuario>José &amp; María</usuario>' a.xml
 c++ -std=c++20 -Wall -Wextra -Werror $flags "$src/examples/lee_ajustes.cpp" -o lee \
     $(pkg-config --cflags --libs zarnxml) "$rpath"
 ./lee a.xml | grep -q 'usuario José & María, ancho 1280'
+# shellcheck disable=SC2046,SC2086
+c++ -std=c++17 -Wall -Wextra -Werror $flags "$src/examples/ajustes.cpp" -o ajustes \
+    $(pkg-config --cflags --libs zarnxml) "$rpath"
+./ajustes e.xml | grep -q 'alto 720 (default)'
+cmp a.xml e.xml
 
 # The static library from C, with the C++ runtime that Libs.private names.
 # shellcheck disable=SC2046,SC2086
@@ -53,7 +58,9 @@ consumidor/escribe_ajustes_estatico d.xml >/dev/null
 cmp a.xml c.xml
 cmp a.xml d.xml
 consumidor/lee_ajustes c.xml | grep -q 'escala 1.25, pantalla completa no'
+consumidor/ajustes f.xml | grep -q 'usuario José & María'
+cmp a.xml f.xml
 
 # The installed command finds its library by itself.
 test "$("$work/prefix/bin/zarnxml" check a.xml)" = ok
-echo "installed package: pkg-config (shared with rpath, static from C), find_package and the command"
+echo "installed package: pkg-config (shared with rpath, static from C, the C++ interface), find_package and the command"
