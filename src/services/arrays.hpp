@@ -2,8 +2,11 @@
 // vectors directly; strings in them are heap strings owned by the array.
 #pragma once
 
+#include <zarnxml/zarnrank.h>
 #include <zarnxml/zarntipos.h>
+#include <zarnxml/zarnvec.h>
 
+#include <memory>
 #include <vector>
 
 struct Punto2D {
@@ -35,3 +38,19 @@ struct ArrPuntero_s {
 struct ApunOrde_s {
     std::vector<void *> v;
 };
+
+namespace zarn {
+
+// An array owned until release() hands it on, freed if an internal error unwinds first. Pointer
+// arrays are freed without their elements, which are not the array's.
+struct DestruyeArr {
+    void operator()(ArrCADENA_s *a) const { arr_DestruyeCADENA(&a); }
+    void operator()(ArrCADENA_u_s *a) const { arr_DestruyeCADENA_u(&a); }
+    void operator()(ArrDouble_s *a) const { arr_DestruyeDouble(&a); }
+    void operator()(ArrPunto2D_s *a) const { arr_DestruyePunto2D(&a); }
+    void operator()(ArrPuntero_s *a) const { arr_DestruyeEstructurasConstConTipo(&a); }
+    void operator()(ApunOrde_s *a) const { apunorde_destruye(&a, nullptr); }
+};
+template <typename A> using ArrPropio = std::unique_ptr<A, DestruyeArr>;
+
+} // namespace zarn

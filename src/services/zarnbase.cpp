@@ -13,11 +13,6 @@ namespace {
 
 constexpr const char *ORIGEN = "zarnbase";
 
-struct DestruyeArr {
-    void operator()(ArrCADENA_s *a) const { arr_DestruyeCADENA(&a); }
-    void operator()(ArrCADENA_u_s *a) const { arr_DestruyeCADENA_u(&a); }
-};
-
 char *copia(std::string_view s) {
     return zarn::dup(s);
 }
@@ -27,7 +22,7 @@ char16_t *copia(std::u16string_view s) {
 
 // The array owns every string put in, so nothing leaks if a later line cannot be stored.
 template <typename A, typename C> A *lineas_de(std::basic_string_view<C> texto, bool una_vacia) {
-    std::unique_ptr<A, DestruyeArr> arr(std::make_unique<A>().release());
+    zarn::ArrPropio<A> arr(std::make_unique<A>().release());
     const auto anade = [&](std::basic_string_view<C> linea) {
         arr->v.push_back(nullptr);
         arr->v.back() = copia(linea);

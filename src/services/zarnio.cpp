@@ -42,17 +42,17 @@ Fichero abre(const char16_t *ruta, const char *modo, const char *origen, uint32_
 
 size_t lee_bytes(zarnio_fichero_s &fichero, void *destino, size_t n) {
     auto *d = static_cast<char *>(destino);
-    const size_t previos = std::min(n, fichero.pendientes());
-    if (previos) {
-        std::memcpy(d, fichero.lectura.get() + fichero.pos, previos);
-        fichero.pos += previos;
-    }
+    const size_t previos = fichero.lineas.toma(d, n);
     if (previos == n)
         return n;
-    const size_t leidos = std::fread(d + previos, 1, n - previos, fichero.f);
-    if (leidos < n - previos && std::ferror(fichero.f))
+    return previos + lee_bytes_directos(fichero, d + previos, n - previos);
+}
+
+size_t lee_bytes_directos(zarnio_fichero_s &fichero, void *destino, size_t n) {
+    const size_t leidos = std::fread(destino, 1, n, fichero.f);
+    if (leidos < n && std::ferror(fichero.f))
         ::error_interno_msg("fichero abierto", ORIGEN, __LINE__, fichero.ruta.c_str(), 0);
-    return previos + leidos;
+    return leidos;
 }
 
 void cierra_escrito(Fichero fichero, const char *origen, uint32_t linea) {

@@ -5,17 +5,17 @@
 
 using zarn::ORIGEN_STREAMING;
 
-std::unique_ptr<zarnfxml_conf_t>
+std::unique_ptr<i_conf_t>
 i_crea_conf(int32_t tipo_codificacion, std::u16string_view texto_zybool_true,
             std::u16string_view texto_zybool_false, std::u16string_view separador_items,
             zybool indenta_con_espacios, uint32_t num_espacios_indentacion) {
     // Braces: clang 14 has no aggregate initialisation from parentheses.
-    return std::make_unique<zarnfxml_conf_t>(zarnfxml_conf_t{
+    return std::make_unique<i_conf_t>(i_conf_t{
         tipo_codificacion, std::u16string(texto_zybool_true), std::u16string(texto_zybool_false),
         std::u16string(separador_items), indenta_con_espacios, num_espacios_indentacion});
 }
 
-std::unique_ptr<zarnfxml_conf_t> i_crea_conf_UTF_8() {
+std::unique_ptr<i_conf_t> i_crea_conf_UTF_8() {
     return i_crea_conf(i_CODIFICACION_UTF_8, u"1", u"0", u" ", FALSO, 4);
 }
 

@@ -18,7 +18,7 @@ enum i_tipo_codificacion_t : int32_t {
 };
 
 // The profile of a streaming object.
-struct zarnfxml_conf_t {
+struct i_conf_t {
     int32_t tipo_codificacion;
     std::u16string texto_zybool_true;
     std::u16string texto_zybool_false;
@@ -27,12 +27,12 @@ struct zarnfxml_conf_t {
     uint32_t num_espacios_indentacion;
 };
 
-std::unique_ptr<zarnfxml_conf_t>
+std::unique_ptr<i_conf_t>
 i_crea_conf(int32_t tipo_codificacion, std::u16string_view texto_zybool_true,
             std::u16string_view texto_zybool_false, std::u16string_view separador_items,
             zybool indenta_con_espacios, uint32_t num_espacios_indentacion);
 // The row of zarnfxml_crea_para_escritura_UTF_8, which the reader starts from.
-std::unique_ptr<zarnfxml_conf_t> i_crea_conf_UTF_8();
+std::unique_ptr<i_conf_t> i_crea_conf_UTF_8();
 
 // Name of the encoding in the declaration; an unknown value is a default error.
 const char *i_texto_codificacion(int32_t tipo_codificacion);
@@ -40,6 +40,10 @@ const char16_t *i_texto_codificacion_u(int32_t tipo_codificacion);
 // Sets *tipo_codificacion to tipo if nombre names it (case ignored).
 void i_actualiza_tipo_codificacion(int32_t tipo, const char16_t *nombre,
                                    int32_t *tipo_codificacion);
+
+// A function of the caller that an operation needs: texto is the condition that names it.
+#define I_ASSERT_FUNC(func, texto)                                                                 \
+    ZARN_ASSERT_TEXTO((func) != nullptr, texto, zarn::ORIGEN_STREAMING)
 
 // The two kinds of object behind zarnfxml_t, told apart by a private tag so that a writer given
 // to a read operation (or the reverse) ends in an internal error.

@@ -48,7 +48,7 @@ ArrCADENA_s *i_almacen_lineas::lista() {
     return lista_.get();
 }
 
-i_xml_escritura::i_xml_escritura(std::unique_ptr<zarnfxml_conf_t> c)
+i_xml_escritura::i_xml_escritura(std::unique_ptr<i_conf_t> c)
     : zarnfxml_s(i_clase_objeto::escritor), conf(std::move(c)) {}
 
 i_xml_escritura *i_escritor(zarnfxml_t *xml, uint32_t linea_fuente) {

@@ -53,9 +53,9 @@ private:
 };
 
 struct i_xml_escritura : zarnfxml_s {
-    i_xml_escritura(std::unique_ptr<zarnfxml_conf_t> c);
+    i_xml_escritura(std::unique_ptr<i_conf_t> c);
 
-    std::unique_ptr<zarnfxml_conf_t> conf;
+    std::unique_ptr<i_conf_t> conf;
     // The finished lines of the body, in output order.
     i_almacen_lineas lineas;
     // The tags of the open blocks, outermost first; their count is the indentation level.

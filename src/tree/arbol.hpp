@@ -111,6 +111,13 @@ void i_destruye_configuracion(zarnxml_configuracion_t **configuracion);
 zarnxml_nodo_t *i_crea_nodo_raiz(const char *texto_true, const char *texto_false);
 // A blank node of an existing tree, allocated alone, owning nothing.
 zarnxml_nodo_t *i_crea_nodo_vacio(zarnxml_configuracion_t *configuracion);
+// Frees a node allocated alone (with the tree's record if it owns it); a node inside a tree is
+// the tree's and is left alone.
+void i_destruye_nodo(zarnxml_nodo_t *nodo) noexcept;
+struct i_destruye_nodo_t {
+    void operator()(zarnxml_nodo_t *nodo) const noexcept { i_destruye_nodo(nodo); }
+};
+using i_nodo_propio = std::unique_ptr<zarnxml_nodo_t, i_destruye_nodo_t>;
 // Whether the node is blank: the empty tag, no properties, no datum, no children.
 bool i_es_nodo_en_blanco(const zarnxml_nodo_t *nodo);
 

@@ -12,16 +12,6 @@ namespace {
 
 constexpr const char *ORIGEN = zarn::ORIGEN_ARBOL;
 
-struct destruye_nodo {
-    void operator()(zarnxml_nodo_t *nodo) const { zarnxml_destruye(&nodo); }
-};
-using nodo_ptr = std::unique_ptr<zarnxml_nodo_t, destruye_nodo>;
-
-struct destruye_lineas {
-    void operator()(ArrCADENA lineas) const { arr_DestruyeCADENA(&lineas); }
-};
-using lineas_ptr = std::unique_ptr<ArrCADENA_s, destruye_lineas>;
-
 // A list that the loader owns is freed behind the reader as it goes: the reader never comes
 // back to a line before the one that it holds.
 class liberador_lineas {
@@ -52,7 +42,7 @@ CADENA construye(i_xml_lectura *xml, zarnxml_nodo_t *raiz, liberador_lineas *lib
     std::string mensaje_segundo;
     while (!hay_fallo && !i_lectura_terminada(xml)) {
         const int32_t tipo = i_lee_registro(xml, CIERTO);
-        const zarnfxml_registro_t *registro = &xml->registro;
+        const i_registro_t *registro = &xml->registro;
         switch (tipo) {
         case i_REGISTRO_INICIO_BLOQUE:
         case i_REGISTRO_CAMPO:
@@ -113,8 +103,8 @@ zarnxml_nodo_t *i_crea_de_lineas(ArrCADENA *lineas_xml, const char *texto_true,
                                  const char *texto_false, zybool *hay_error, CADENA *mensaje_error,
                                  zybool dato_literal) {
     ZARN_ASSERT_NO_NULL(lineas_xml, ORIGEN);
-    lineas_ptr lineas(std::exchange(*lineas_xml, nullptr));
-    nodo_ptr raiz(i_crea_nodo_raiz(texto_true, texto_false));
+    zarn::ArrPropio<ArrCADENA_s> lineas(std::exchange(*lineas_xml, nullptr));
+    i_nodo_propio raiz(i_crea_nodo_raiz(texto_true, texto_false));
     CADENA mensaje = nullptr;
     if (lineas) {
         auto xml = i_crea_para_lectura_de_lineas(lineas.get(), dato_literal);
@@ -133,7 +123,7 @@ extern "C" {
 ZARN_API zarnxml_nodo_t *zarnxml_crea_de_fichero_u(const char16_t *nombre_fichero,
                                                    const char *texto_true, const char *texto_false,
                                                    zybool *hay_error, CADENA *mensaje_error) {
-    nodo_ptr raiz(i_crea_nodo_raiz(texto_true, texto_false));
+    i_nodo_propio raiz(i_crea_nodo_raiz(texto_true, texto_false));
     auto xml = i_crea_para_lectura_de_fichero_u(nombre_fichero, FALSO);
     CADENA mensaje = construye(xml.get(), raiz.get(), nullptr);
     xml.reset();

@@ -206,12 +206,8 @@ void i_constructor_arbol::descarta() {
 
 // ---- Destruction -----------------------------------------------------------------------------
 
-extern "C" {
-
-ZARN_API void zarnxml_destruye(zarnxml_nodo_t **xml) {
-    ZARN_ASSERT_NO_NULL(xml, ORIGEN);
-    ZARN_ASSERT_NO_NULL(*xml, ORIGEN);
-    std::unique_ptr<zarnxml_nodo_s> nodo(std::exchange(*xml, nullptr));
+void i_destruye_nodo(zarnxml_nodo_t *xml) noexcept {
+    std::unique_ptr<zarnxml_nodo_s> nodo(xml);
     if (!nodo->tiene(zarnxml_nodo_s::INDEPENDIENTE)) {
         // A node inside a tree: its storage is the tree's.
         nodo.release();
@@ -221,6 +217,14 @@ ZARN_API void zarnxml_destruye(zarnxml_nodo_t **xml) {
         i_destruye_configuracion(&nodo->configuracion);
     else
         nodo->configuracion = nullptr;
+}
+
+extern "C" {
+
+ZARN_API void zarnxml_destruye(zarnxml_nodo_t **xml) {
+    ZARN_ASSERT_NO_NULL(xml, ORIGEN);
+    ZARN_ASSERT_NO_NULL(*xml, ORIGEN);
+    i_destruye_nodo(std::exchange(*xml, nullptr));
 }
 
 ZARN_API void zarnxml_destruye_array_const_nodos(ArrPuntero *nodos) {

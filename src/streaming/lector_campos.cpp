@@ -7,7 +7,7 @@ using zarn::ORIGEN_STREAMING;
 namespace {
 
 void i_lee_campo_con(i_xml_lectura *xml, const char *etiqueta, zybool admite_campo_vacio) {
-    const int32_t tipo_registro = i_lee_registro(xml, admite_campo_vacio);
+    const i_tipo_registro_t tipo_registro = i_lee_registro(xml, admite_campo_vacio);
     ZARN_ASSERT_TEXTO(tipo_registro == i_REGISTRO_CAMPO, "tipo_registro == i_REGISTRO_CAMPO",
                       ORIGEN_STREAMING);
     const zybool es_etiqueta_igual = i_es_etiqueta_registro_igual(xml, etiqueta);

@@ -8,7 +8,6 @@ using zarn::ORIGEN_STREAMING;
 
 namespace {
 
-#define I_ASSERT_FUNC(func, texto) ZARN_ASSERT_TEXTO((func) != nullptr, texto, ORIGEN_STREAMING)
 constexpr const char *FUNC_NO_NULL = "(func_graba_xml_item) != NULL";
 constexpr const char *FUNC_1EXTRA_NO_NULL = "(func_graba_xml_item_1extra) != NULL";
 

@@ -48,7 +48,7 @@ private:
 template <typename A, typename F>
 A *i_lee_items(i_xml_lectura *xml, const char *etiqueta, int32_t tipo_numeracion_array, A *vacio,
                F &&lee_item) {
-    i_arr_propio<A> arr(vacio);
+    zarn::ArrPropio<A> arr(vacio);
     const bool con_bloque = i_con_bloque_numeracion_array(tipo_numeracion_array) == CIERTO;
     if (con_bloque && !i_se_lee_inicio_bloque(xml, etiqueta))
         return arr.release();
@@ -81,7 +81,7 @@ ZARN_API ArrCADENA_u zarnfxml_lee_arr_cadena_u(zarnfxml_t *xml, const char *etiq
 ZARN_API ArrDouble zarnfxml_lee_arr_double(zarnfxml_t *xml, const char *etiqueta) {
     i_xml_lectura *x = I_LECTOR(xml);
     i_lee_campo_admite_vacio(x, etiqueta);
-    i_arr_propio<ArrDouble_s> arr(arr_CreaDouble(0));
+    zarn::ArrPropio<ArrDouble_s> arr(arr_CreaDouble(0));
     i_tokens tokens(i_dato_campo(x), x->conf->separador_items);
     std::u16string auxiliar;
     std::u16string_view token;
@@ -101,7 +101,7 @@ ZARN_API ArrPunto2D zarnfxml_lee_arr_puntos2D(zarnfxml_t *xml, const char *etiqu
     std::u16string auxiliar;
     const uint32_t num_elems = cambtipo_double_a_ulong(partes.siguiente_double(auxiliar));
     ZARN_ASSERT_TEXTO(num_elems < USHRT_MAX, "num_elems < USHRT_MAX", ORIGEN_STREAMING);
-    i_arr_propio<ArrPunto2D_s> arr(arr_CreaPunto2D(num_elems));
+    zarn::ArrPropio<ArrPunto2D_s> arr(arr_CreaPunto2D(num_elems));
     std::u16string_view texto_puntos;
     if (num_elems == 0 || !partes.siguiente(texto_puntos))
         return arr.release();

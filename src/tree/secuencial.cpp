@@ -10,11 +10,6 @@ namespace {
 
 constexpr const char *ORIGEN = zarn::ORIGEN_ARBOL;
 
-struct destruye_nodo {
-    void operator()(zarnxml_nodo_t *nodo) const { zarnxml_destruye(&nodo); }
-};
-using nodo_ptr = std::unique_ptr<zarnxml_nodo_t, destruye_nodo>;
-
 // An array of found nodes; the nodes stay the tree's.
 struct destruye_nodos {
     void operator()(ArrPuntero nodos) const { zarnxml_destruye_array_const_nodos(&nodos); }
@@ -120,7 +115,7 @@ ArrPuntero lee_nodos(const ArrPuntero_s *nodos, func_lee_nodo_xml func) {
 zarnxml_lectura_t *i_crea_lectura_de_arbol(zarnxml_nodo_t **xml_raiz) {
     ZARN_ASSERT_NO_NULL(xml_raiz, ORIGEN);
     ZARN_ASSERT_NO_NULL(*xml_raiz, ORIGEN);
-    nodo_ptr nodo_vacio(i_crea_nodo_vacio((*xml_raiz)->configuracion));
+    i_nodo_propio nodo_vacio(i_crea_nodo_vacio((*xml_raiz)->configuracion));
     auto xml = std::make_unique<zarnxml_lectura_t>();
     xml->xml_raiz = std::exchange(*xml_raiz, nullptr);
     xml->nodo_vacio = nodo_vacio.release();

@@ -115,7 +115,7 @@ void recorre(i_xml_lectura *xml, forma<FICHERO> &f, void *contexto1, void *conte
     pila.push_back({std::string(), std::string(), CIERTO, resultado_inicial});
     while (!i_lectura_terminada(xml)) {
         const int32_t tipo = i_lee_registro(xml, CIERTO);
-        const zarnfxml_registro_t *registro = &xml->registro;
+        const i_registro_t *registro = &xml->registro;
         switch (tipo) {
         case i_REGISTRO_INICIO_BLOQUE:
         case i_REGISTRO_CAMPO: {
