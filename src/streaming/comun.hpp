@@ -81,3 +81,14 @@ enum i_tipo_numeracion_array_t : int32_t {
 // value makes a line per item, and whether those lines stand between enclosing tags.
 zybool i_con_lista_numeracion_array(int32_t tipo_numeracion_array);
 zybool i_con_bloque_numeracion_array(int32_t tipo_numeracion_array);
+
+// Numbers from texts (lector_conversiones.cpp), behind zarnfxml_atof and its kin: "NaN"
+// anywhere in a text, in any case, gives 0, and a comma is a decimal point.
+double i_atof(const char *texto);
+double i_atof_u(const char16_t *texto);
+int32_t i_atol(const char *texto);
+int32_t i_atol_u(const char16_t *texto);
+uint32_t i_atoul(const char *texto);
+uint32_t i_atoul_u(const char16_t *texto);
+uint16_t i_atous(const char *texto);
+uint16_t i_atous_u(const char16_t *texto);

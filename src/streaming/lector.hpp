@@ -200,9 +200,10 @@ struct i_fuente_t {
     ArrCADENA lineas = nullptr;     // list source; element 0 is the first line
     zybool destruye_lineas = FALSO; // whether the reader frees lineas
     zarn::Fichero fichero;          // file source, owned
-    zybool fichero_ancho = FALSO;   // the file is UTF-16 (read whole into lineas, see lector_fuente.cpp)
-    const char *linea_actual = nullptr;            // the line last delivered, not owned
-    uint32_t ind_linea_actual = 0xFFFFFFFFu;       // its index; the start value means none yet
+    zybool fichero_ancho =
+        FALSO; // the file is UTF-16 (read whole into lineas, see lector_fuente.cpp)
+    const char *linea_actual = nullptr;      // the line last delivered, not owned
+    uint32_t ind_linea_actual = 0xFFFFFFFFu; // its index; the start value means none yet
 };
 
 struct i_xml_lectura : zarnfxml_s {
@@ -215,7 +216,7 @@ struct i_xml_lectura : zarnfxml_s {
     uint32_t ind_columna = 0; // next byte in that line, from 0
     std::unique_ptr<i_conf_t> conf;
     std::vector<std::string> etiquetas_abiertas; // the lexer's open tags, outermost first
-    i_registro_t registro;                // the current record
+    i_registro_t registro;                       // the current record
     zybool error_especial = FALSO;               // a check found a fault above the lexer
     std::string mensaje_error_especial;          // its message (meaningful with error_especial)
     void *item_asociado = nullptr;
@@ -337,8 +338,9 @@ zybool i_es_xml_correcto(i_xml_lectura *xml, const char *etiqueta_raiz, CADENA *
 // The look-ahead: whether the next piece, behind a declaration, has the type tipo1 or tipo2,
 // bears `etiqueta` (any tag when null) and, when texto_propiedad is given, has that property
 // with the value dato_propiedad (case ignored). The pieces taken are given back.
-zybool i_es_siguiente_pieza(i_xml_lectura *xml, i_tipo_pieza_t tipo1, i_tipo_pieza_t tipo2, const char *etiqueta,
-                            const char *texto_propiedad, const char16_t *dato_propiedad);
+zybool i_es_siguiente_pieza(i_xml_lectura *xml, i_tipo_pieza_t tipo1, i_tipo_pieza_t tipo2,
+                            const char *etiqueta, const char *texto_propiedad,
+                            const char16_t *dato_propiedad);
 // The plain look-ahead for a start tag, of a block or of a field.
 zybool i_es_siguiente_inicio_bloque(i_xml_lectura *xml, const char *etiqueta);
 // Reads a block start that bears `etiqueta`; "se_lee" form: only if it comes next.
@@ -366,5 +368,20 @@ inline const std::u16string &i_dato_campo(const i_xml_lectura *xml) {
     return i_dato_registro(&i_registro(xml)).texto();
 }
 
-// ---- Arrays being read (lector_arrays.cpp, lector_estructuras.cpp) ------------------------------
+// ---- The operations behind the C functions of the same names ------------------------------------
 
+// Each zarnfxml_X of the reader is i_X here: code inside the library calls these, never the C
+// functions, which only forward.
+ArrCADENA_u i_lee_arr_cadena_u(zarnfxml_t *xml, const char *etiqueta);
+ArrDouble i_lee_arr_double(zarnfxml_t *xml, const char *etiqueta);
+CADENA_u i_lee_cadena_u(zarnfxml_t *xml, const char *etiqueta);
+double i_lee_double(zarnfxml_t *xml, const char *etiqueta);
+int32_t i_lee_long(zarnfxml_t *xml, const char *etiqueta);
+uint32_t i_lee_ulong(zarnfxml_t *xml, const char *etiqueta);
+void i_lee_definicion_comentario(zarnfxml_t *xml, CADENA *etiqueta);
+void i_lee_inicio_bloque_con_nivel_etiquetado(zarnfxml_t *xml, const char *etiqueta,
+                                              uint32_t *nivel_etiquetado_lineas_bloque);
+void i_lee_inicio_bloque_desconocido(zarnfxml_t *xml, CADENA *etiqueta);
+zybool i_se_lee_inicio_bloque_con_nivel_etiquetado(zarnfxml_t *xml, const char *etiqueta,
+                                                   uint32_t *nivel_etiquetado_lineas_bloque);
+ArrCADENA i_lee_lineas_fichero(const char16_t *nombre_fichero);

@@ -46,12 +46,12 @@ int32_t i_dato_a_long(const i_xml_lectura *xml) {
 }
 
 uint32_t i_dato_a_ulong(const i_xml_lectura *xml) {
-    return cambtipo_double_a_ulong(zarnfxml_atof_u(i_dato_campo(xml).c_str()));
+    return cambtipo_double_a_ulong(i_atof_u(i_dato_campo(xml).c_str()));
 }
 
 double i_dato_a_double(const i_xml_lectura *xml) {
     const i_dato_t &d = i_dato(xml);
-    return d.es_ascii_llano() ? zarnfxml_atof(d.bruto().c_str()) : zarnfxml_atof_u(d.c_str());
+    return d.es_ascii_llano() ? i_atof(d.bruto().c_str()) : i_atof_u(d.c_str());
 }
 
 // A file opened for reading, closed at the end of the scope however the scope ends.
@@ -84,6 +84,31 @@ zybool i_lee_campo_si_existe(i_xml_lectura *xml, const char *etiqueta) {
     return CIERTO;
 }
 
+CADENA_u i_lee_cadena_u(zarnfxml_t *xml, const char *etiqueta) {
+    i_xml_lectura *x = I_LECTOR(xml);
+    i_lee_campo_admite_vacio(x, etiqueta);
+    const i_dato_t &d = i_dato(x);
+    return d.es_ascii_llano() ? zarn::dup_utf16(d.bruto()) : zarn::dup_u(d.texto());
+}
+
+double i_lee_double(zarnfxml_t *xml, const char *etiqueta) {
+    i_xml_lectura *x = I_LECTOR(xml);
+    i_lee_campo(x, etiqueta);
+    return i_dato_a_double(x);
+}
+
+int32_t i_lee_long(zarnfxml_t *xml, const char *etiqueta) {
+    i_xml_lectura *x = I_LECTOR(xml);
+    i_lee_campo(x, etiqueta);
+    return i_dato_a_long(x);
+}
+
+uint32_t i_lee_ulong(zarnfxml_t *xml, const char *etiqueta) {
+    i_xml_lectura *x = I_LECTOR(xml);
+    i_lee_campo(x, etiqueta);
+    return i_dato_a_ulong(x);
+}
+
 extern "C" {
 
 ZARN_API zybool zarnfxml_lee_bool(zarnfxml_t *xml, const char *etiqueta) {
@@ -98,9 +123,7 @@ ZARN_API zybool zarnfxml_lee_bool_opcional(zarnfxml_t *xml, const char *etiqueta
 }
 
 ZARN_API int32_t zarnfxml_lee_long(zarnfxml_t *xml, const char *etiqueta) {
-    i_xml_lectura *x = I_LECTOR(xml);
-    i_lee_campo(x, etiqueta);
-    return i_dato_a_long(x);
+    return i_lee_long(xml, etiqueta);
 }
 
 ZARN_API int32_t zarnfxml_lee_long_opcional(zarnfxml_t *xml, const char *etiqueta,
@@ -110,9 +133,7 @@ ZARN_API int32_t zarnfxml_lee_long_opcional(zarnfxml_t *xml, const char *etiquet
 }
 
 ZARN_API uint32_t zarnfxml_lee_ulong(zarnfxml_t *xml, const char *etiqueta) {
-    i_xml_lectura *x = I_LECTOR(xml);
-    i_lee_campo(x, etiqueta);
-    return i_dato_a_ulong(x);
+    return i_lee_ulong(xml, etiqueta);
 }
 
 ZARN_API uint32_t zarnfxml_lee_ulong_opcional(zarnfxml_t *xml, const char *etiqueta) {
@@ -121,14 +142,12 @@ ZARN_API uint32_t zarnfxml_lee_ulong_opcional(zarnfxml_t *xml, const char *etiqu
 }
 
 ZARN_API uint32_t zarnfxml_lee_ulong_con_ulong_max_cero(zarnfxml_t *xml, const char *etiqueta) {
-    const uint32_t v = zarnfxml_lee_ulong(xml, etiqueta);
+    const uint32_t v = i_lee_ulong(xml, etiqueta);
     return v == 0 ? 0xFFFFFFFFu : v - 1;
 }
 
 ZARN_API double zarnfxml_lee_double(zarnfxml_t *xml, const char *etiqueta) {
-    i_xml_lectura *x = I_LECTOR(xml);
-    i_lee_campo(x, etiqueta);
-    return i_dato_a_double(x);
+    return i_lee_double(xml, etiqueta);
 }
 
 ZARN_API double zarnfxml_lee_double_opcional(zarnfxml_t *xml, const char *etiqueta) {
@@ -144,14 +163,11 @@ ZARN_API CADENA zarnfxml_lee_cadena(zarnfxml_t *xml, const char *etiqueta) {
 }
 
 ZARN_API CADENA_u zarnfxml_lee_cadena_u(zarnfxml_t *xml, const char *etiqueta) {
-    i_xml_lectura *x = I_LECTOR(xml);
-    i_lee_campo_admite_vacio(x, etiqueta);
-    const i_dato_t &d = i_dato(x);
-    return d.es_ascii_llano() ? zarn::dup_utf16(d.bruto()) : zarn::dup_u(d.texto());
+    return i_lee_cadena_u(xml, etiqueta);
 }
 
 ZARN_API int64_t zarnfxml_lee_fecha(zarnfxml_t *xml, const char *etiqueta) {
-    return cambtipo_long_a_time_t(zarnfxml_lee_long(xml, etiqueta));
+    return cambtipo_long_a_time_t(i_lee_long(xml, etiqueta));
 }
 
 ZARN_API zybool zarnfxml_salta_registro_campo(zarnfxml_t *xml, const char *etiqueta) {

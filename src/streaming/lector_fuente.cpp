@@ -45,7 +45,7 @@ std::unique_ptr<i_xml_lectura> i_crea_para_lectura_de_fichero_u(const char16_t *
         // A UTF-16 file cannot be cut into 8-bit lines as it is read: it is read whole into
         // UTF-8 lines, which the reader owns, and served as a list.
         f.tipo_fuente = i_FUENTE_LINEAS;
-        f.lineas = zarnfxml_lee_lineas_fichero(nombre_fichero);
+        f.lineas = i_lee_lineas_fichero(nombre_fichero);
         f.destruye_lineas = CIERTO;
         return xml;
     }
@@ -175,6 +175,21 @@ void i_aplica_definicion_fichero_xml(const i_pieza_t *pieza, i_conf_t *conf) {
 
 // ---- Public interface ------------------------------------------------------------------------
 
+ArrCADENA i_lee_lineas_fichero(const char16_t *nombre_fichero) {
+    ZARN_ASSERT_NO_NULL(nombre_fichero, ORIGEN_STREAMING);
+    if (zarnfile_es_fichero_unicode(nombre_fichero)) {
+        ArrCADENA_u anchas = lc_LeeFicheroTxt_unicode(nombre_fichero);
+        ArrCADENA lineas = unicode_array_salida_ANSI(anchas);
+        arr_DestruyeCADENA_u(&anchas);
+        return lineas;
+    }
+    zarn::Fichero fichero = zarn::abre(nombre_fichero, "rb", ORIGEN_STREAMING, __LINE__);
+    ArrCADENA lineas = arr_CreaCADENA(0);
+    while (const char *linea = fichero->lineas.siguiente(*fichero, ZTXT_MAX_LINEA))
+        lineas->v.push_back(zarn::dup(linea));
+    return lineas;
+}
+
 extern "C" {
 
 ZARN_API zarnfxml_t *zarnfxml_crea_para_lectura_de_fichero(const char *nombre_fichero) {
@@ -200,18 +215,7 @@ ZARN_API void zarnfxml_destruye_xml_lectura(zarnfxml_t **xml) {
 }
 
 ZARN_API ArrCADENA zarnfxml_lee_lineas_fichero(const char16_t *nombre_fichero) {
-    ZARN_ASSERT_NO_NULL(nombre_fichero, ORIGEN_STREAMING);
-    if (zarnfile_es_fichero_unicode(nombre_fichero)) {
-        ArrCADENA_u anchas = lc_LeeFicheroTxt_unicode(nombre_fichero);
-        ArrCADENA lineas = unicode_array_salida_ANSI(anchas);
-        arr_DestruyeCADENA_u(&anchas);
-        return lineas;
-    }
-    zarn::Fichero fichero = zarn::abre(nombre_fichero, "rb", ORIGEN_STREAMING, __LINE__);
-    ArrCADENA lineas = arr_CreaCADENA(0);
-    while (const char *linea = fichero->lineas.siguiente(*fichero, ZTXT_MAX_LINEA))
-        lineas->v.push_back(zarn::dup(linea));
-    return lineas;
+    return i_lee_lineas_fichero(nombre_fichero);
 }
 
 } // extern "C"

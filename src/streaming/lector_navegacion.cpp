@@ -14,7 +14,8 @@ namespace {
 
 // ---- Small helpers ---------------------------------------------------------------------------
 
-void i_asserta_tipo_registro(i_tipo_registro_t tipo_registro, i_tipo_registro_t esperado, const char *texto) {
+void i_asserta_tipo_registro(i_tipo_registro_t tipo_registro, i_tipo_registro_t esperado,
+                             const char *texto) {
     ZARN_ASSERT_TEXTO(tipo_registro == esperado, texto, ORIGEN_STREAMING);
 }
 
@@ -153,8 +154,9 @@ bool i_en_inicio_bloque_con_contenido(const i_xml_lectura *xml) {
 
 // ---- Internal operations ---------------------------------------------------------------------
 
-zybool i_es_siguiente_pieza(i_xml_lectura *xml, i_tipo_pieza_t tipo1, i_tipo_pieza_t tipo2, const char *etiqueta,
-                            const char *texto_propiedad, const char16_t *dato_propiedad) {
+zybool i_es_siguiente_pieza(i_xml_lectura *xml, i_tipo_pieza_t tipo1, i_tipo_pieza_t tipo2,
+                            const char *etiqueta, const char *texto_propiedad,
+                            const char16_t *dato_propiedad) {
     if (i_nada_puede_seguir(xml))
         return FALSO;
     int leidas = 1;
@@ -270,6 +272,39 @@ void i_salta_hasta_fin_bloque(i_xml_lectura *xml, uint32_t nivel_etiquetado_line
 
 // ---- Public interface ------------------------------------------------------------------------
 
+void i_lee_definicion_comentario(zarnfxml_t *xml, CADENA *etiqueta) {
+    i_xml_lectura *x = I_LECTOR(xml);
+    const i_tipo_registro_t tipo_registro = i_lee_registro(x, FALSO);
+    i_asserta_tipo_registro(tipo_registro, i_REGISTRO_DEFINICION_COMENTARIO,
+                            "tipo_registro == i_REGISTRO_DEFINICION_COMENTARIO");
+    i_copia_etiqueta_registro(x, etiqueta);
+}
+
+void i_lee_inicio_bloque_con_nivel_etiquetado(zarnfxml_t *xml, const char *etiqueta,
+                                              uint32_t *nivel_etiquetado_lineas_bloque) {
+    const zybool se_lee =
+        i_se_lee_inicio_bloque_con_nivel_etiquetado(xml, etiqueta, nivel_etiquetado_lineas_bloque);
+    ZARN_ASSERT_TEXTO(se_lee == CIERTO, "se_lee == CIERTO", ORIGEN_STREAMING);
+}
+
+void i_lee_inicio_bloque_desconocido(zarnfxml_t *xml, CADENA *etiqueta) {
+    i_xml_lectura *x = I_LECTOR(xml);
+    const i_tipo_registro_t tipo_registro = i_lee_registro(x, FALSO);
+    i_asserta_tipo_registro(tipo_registro, i_REGISTRO_INICIO_BLOQUE,
+                            "tipo_registro == i_REGISTRO_INICIO_BLOQUE");
+    i_copia_etiqueta_registro(x, etiqueta);
+}
+
+zybool i_se_lee_inicio_bloque_con_nivel_etiquetado(zarnfxml_t *xml, const char *etiqueta,
+                                                   uint32_t *nivel_etiquetado_lineas_bloque) {
+    i_xml_lectura *x = I_LECTOR(xml);
+    ZARN_ASSERT_NO_NULL(nivel_etiquetado_lineas_bloque, ORIGEN_STREAMING);
+    if (!i_se_lee_inicio_bloque(x, etiqueta))
+        return FALSO;
+    *nivel_etiquetado_lineas_bloque = x->registro.nivel_etiquetado + 1;
+    return CIERTO;
+}
+
 extern "C" {
 
 ZARN_API void zarnfxml_lee_inicio_bloque(zarnfxml_t *xml, const char *etiqueta) {
@@ -282,34 +317,24 @@ ZARN_API zybool zarnfxml_se_lee_inicio_bloque(zarnfxml_t *xml, const char *etiqu
 
 ZARN_API zybool zarnfxml_se_lee_inicio_bloque_con_nivel_etiquetado(
     zarnfxml_t *xml, const char *etiqueta, uint32_t *nivel_etiquetado_lineas_bloque) {
-    i_xml_lectura *x = I_LECTOR(xml);
-    ZARN_ASSERT_NO_NULL(nivel_etiquetado_lineas_bloque, ORIGEN_STREAMING);
-    if (!i_se_lee_inicio_bloque(x, etiqueta))
-        return FALSO;
-    *nivel_etiquetado_lineas_bloque = x->registro.nivel_etiquetado + 1;
-    return CIERTO;
+    return i_se_lee_inicio_bloque_con_nivel_etiquetado(xml, etiqueta,
+                                                       nivel_etiquetado_lineas_bloque);
 }
 
 ZARN_API void
 zarnfxml_lee_inicio_bloque_con_nivel_etiquetado(zarnfxml_t *xml, const char *etiqueta,
                                                 uint32_t *nivel_etiquetado_lineas_bloque) {
-    const zybool se_lee = zarnfxml_se_lee_inicio_bloque_con_nivel_etiquetado(
-        xml, etiqueta, nivel_etiquetado_lineas_bloque);
-    ZARN_ASSERT_TEXTO(se_lee == CIERTO, "se_lee == CIERTO", ORIGEN_STREAMING);
+    i_lee_inicio_bloque_con_nivel_etiquetado(xml, etiqueta, nivel_etiquetado_lineas_bloque);
 }
 
 ZARN_API void zarnfxml_lee_inicio_bloque_desconocido(zarnfxml_t *xml, CADENA *etiqueta) {
-    i_xml_lectura *x = I_LECTOR(xml);
-    const i_tipo_registro_t tipo_registro = i_lee_registro(x, FALSO);
-    i_asserta_tipo_registro(tipo_registro, i_REGISTRO_INICIO_BLOQUE,
-                            "tipo_registro == i_REGISTRO_INICIO_BLOQUE");
-    i_copia_etiqueta_registro(x, etiqueta);
+    i_lee_inicio_bloque_desconocido(xml, etiqueta);
 }
 
 ZARN_API zybool zarnfxml_se_lee_inicio_bloque_desconocido(zarnfxml_t *xml, CADENA *etiqueta) {
     if (!i_es_siguiente_inicio_bloque(I_LECTOR(xml), nullptr))
         return FALSO;
-    zarnfxml_lee_inicio_bloque_desconocido(xml, etiqueta);
+    i_lee_inicio_bloque_desconocido(xml, etiqueta);
     return CIERTO;
 }
 
@@ -319,17 +344,13 @@ ZARN_API zybool zarnfxml_etiqueta_siguiente_es_inicio_bloque(zarnfxml_t *xml,
 }
 
 ZARN_API void zarnfxml_lee_definicion_comentario(zarnfxml_t *xml, CADENA *etiqueta) {
-    i_xml_lectura *x = I_LECTOR(xml);
-    const i_tipo_registro_t tipo_registro = i_lee_registro(x, FALSO);
-    i_asserta_tipo_registro(tipo_registro, i_REGISTRO_DEFINICION_COMENTARIO,
-                            "tipo_registro == i_REGISTRO_DEFINICION_COMENTARIO");
-    i_copia_etiqueta_registro(x, etiqueta);
+    i_lee_definicion_comentario(xml, etiqueta);
 }
 
 ZARN_API zybool zarnfxml_se_lee_definicion_comentario(zarnfxml_t *xml, CADENA *etiqueta) {
     if (!i_siguiente_es_definicion_comentario(I_LECTOR(xml)))
         return FALSO;
-    zarnfxml_lee_definicion_comentario(xml, etiqueta);
+    i_lee_definicion_comentario(xml, etiqueta);
     return CIERTO;
 }
 
@@ -350,14 +371,14 @@ ZARN_API void zarnfxml_salta_hasta_fin_bloque(zarnfxml_t *xml,
 
 ZARN_API void zarnfxml_salta_etiqueta(zarnfxml_t *xml, const char *etiqueta) {
     uint32_t nivel = 0;
-    zarnfxml_lee_inicio_bloque_con_nivel_etiquetado(xml, etiqueta, &nivel);
-    zarnfxml_salta_hasta_fin_bloque(xml, nivel);
+    i_lee_inicio_bloque_con_nivel_etiquetado(xml, etiqueta, &nivel);
+    i_salta_hasta_fin_bloque(I_LECTOR(xml), nivel, i_uso_xml_bloque());
 }
 
 ZARN_API void zarnfxml_salta_etiqueta_si_existe(zarnfxml_t *xml, const char *etiqueta) {
     uint32_t nivel = 0;
-    if (zarnfxml_se_lee_inicio_bloque_con_nivel_etiquetado(xml, etiqueta, &nivel))
-        zarnfxml_salta_hasta_fin_bloque(xml, nivel);
+    if (i_se_lee_inicio_bloque_con_nivel_etiquetado(xml, etiqueta, &nivel))
+        i_salta_hasta_fin_bloque(I_LECTOR(xml), nivel, i_uso_xml_bloque());
 }
 
 ZARN_API void
@@ -465,12 +486,12 @@ ZARN_API CADENA_u zarnfxml_get_cadena_propiedad_inicio_bloque_u(zarnfxml_t *xml,
 
 ZARN_API double zarnfxml_get_double_propiedad_inicio_bloque(zarnfxml_t *xml,
                                                             const char *texto_propiedad) {
-    return zarnfxml_atof_u(i_dato_propiedad_requerida(I_LECTOR(xml), texto_propiedad).c_str());
+    return i_atof_u(i_dato_propiedad_requerida(I_LECTOR(xml), texto_propiedad).c_str());
 }
 
 ZARN_API uint32_t zarnfxml_get_ulong_propiedad_inicio_bloque(zarnfxml_t *xml,
                                                              const char *texto_propiedad) {
-    return zarnfxml_atoul_u(i_dato_propiedad_requerida(I_LECTOR(xml), texto_propiedad).c_str());
+    return i_atoul_u(i_dato_propiedad_requerida(I_LECTOR(xml), texto_propiedad).c_str());
 }
 
 ZARN_API CADENA zarnfxml_get_indice_propiedad_inicio_bloque(zarnfxml_t *xml, uint32_t indice) {

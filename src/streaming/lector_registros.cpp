@@ -30,8 +30,7 @@ i_tipo_registro_t i_tipo_registro_de_pieza(i_tipo_pieza_t tipo_pieza) {
 // The field record of a start piece and, if there is one, the datum piece behind it. With
 // toma, the record takes over the pieces' properties and datum instead of copying them: only for
 // pieces that nothing will look at again.
-void i_registro_campo(i_xml_lectura *xml, i_pieza_t &inicio, i_pieza_t *dato,
-                      bool toma) {
+void i_registro_campo(i_xml_lectura *xml, i_pieza_t &inicio, i_pieza_t *dato, bool toma) {
     i_registro_t &r = xml->registro;
     r.reinicia(i_REGISTRO_CAMPO, inicio.nivel_etiquetado);
     r.etiqueta.assign(inicio.etiqueta);

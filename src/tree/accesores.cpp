@@ -103,14 +103,14 @@ bool i_es_dato_bool(const char16_t *dato, const zarnxml_configuracion_t *conf, z
 ArrDouble_s *i_lista_double(std::u16string_view texto, std::u16string_view separadores) {
     auto lista = std::make_unique<ArrDouble_s>();
     recorre_tokens(texto, separadores,
-                   [&](const char16_t *token) { lista->v.push_back(zarnfxml_atof_u(token)); });
+                   [&](const char16_t *token) { lista->v.push_back(i_atof_u(token)); });
     return lista.release();
 }
 
 ArrULong_s *i_lista_ulong(std::u16string_view texto, std::u16string_view separadores) {
     auto lista = std::make_unique<ArrULong_s>();
     recorre_tokens(texto, separadores,
-                   [&](const char16_t *token) { lista->v.push_back(zarnfxml_atoul_u(token)); });
+                   [&](const char16_t *token) { lista->v.push_back(i_atoul_u(token)); });
     return lista.release();
 }
 
@@ -137,6 +137,103 @@ zybool i_existe_propiedad(const zarnxml_nodo_t *nodo, const char *texto_propieda
     return CIERTO;
 }
 
+double i_get_dato_double(const zarnxml_nodo_t *nodo) {
+    ZARN_ASSERT_NO_NULL(nodo, ORIGEN);
+    return i_atof_u(i_dato(nodo));
+}
+
+uint32_t i_get_dato_ulong(const zarnxml_nodo_t *nodo) {
+    ZARN_ASSERT_NO_NULL(nodo, ORIGEN);
+    return i_atoul_u(i_dato(nodo));
+}
+
+int32_t i_get_dato_long(const zarnxml_nodo_t *nodo) {
+    ZARN_ASSERT_NO_NULL(nodo, ORIGEN);
+    return i_atol_u(i_dato(nodo));
+}
+
+zybool i_get_dato_bool(const zarnxml_nodo_t *nodo) {
+    ZARN_ASSERT_NO_NULL(nodo, ORIGEN);
+    return dato_bool_obligatorio(nodo);
+}
+
+CADENA i_get_dato_cadena(const zarnxml_nodo_t *nodo) {
+    ZARN_ASSERT_NO_NULL(nodo, ORIGEN);
+    return zarn::dup_utf8(vista_dato(nodo));
+}
+
+zybool i_existe_propiedad_cadena(const zarnxml_nodo_t *nodo, const char *texto_propiedad,
+                                 CADENA *valor) {
+    ZARN_ASSERT_NO_NULL(nodo, ORIGEN);
+    conf_de(nodo);
+    return i_existe_propiedad(nodo, texto_propiedad, valor, [](const zarnxml_propiedad_t *p) {
+        return zarn::dup_utf8(zarn::vista(p->dato_propiedad));
+    });
+}
+
+zybool i_existe_propiedad_cadena_u(const zarnxml_nodo_t *nodo, const char *texto_propiedad,
+                                   CADENA_u *valor) {
+    ZARN_ASSERT_NO_NULL(nodo, ORIGEN);
+    conf_de(nodo);
+    return i_existe_propiedad(nodo, texto_propiedad, valor, [](const zarnxml_propiedad_t *p) {
+        return zarn::dup_u(zarn::vista(p->dato_propiedad));
+    });
+}
+
+zybool i_existe_propiedad_bool(const zarnxml_nodo_t *nodo, const char *texto_propiedad,
+                               zybool *valor) {
+    ZARN_ASSERT_NO_NULL(nodo, ORIGEN);
+    const zarnxml_configuracion_t *conf = conf_de(nodo);
+    const zarnxml_propiedad_t *p = i_busca_propiedad(nodo, texto_propiedad);
+    return zb(p && i_es_dato_bool(p->dato_propiedad, conf, valor));
+}
+
+zybool i_existe_dato_hijo_long(const zarnxml_nodo_t *nodo, const char *etiqueta, int32_t *valor) {
+    return i_existe_dato_hijo(nodo, etiqueta, valor, [](const zarnxml_nodo_t *hijo) {
+        return *i_dato(hijo) ? i_atol_u(i_dato(hijo)) : LONG_VACIO;
+    });
+}
+
+zybool i_existe_dato_hijo_ulong(const zarnxml_nodo_t *nodo, const char *etiqueta, uint32_t *valor) {
+    return i_existe_dato_hijo(nodo, etiqueta, valor, [](const zarnxml_nodo_t *hijo) {
+        return *i_dato(hijo) ? i_atoul_u(i_dato(hijo)) : ULONG_VACIO;
+    });
+}
+
+zybool i_existe_dato_hijo_bool(const zarnxml_nodo_t *nodo, const char *etiqueta, zybool *valor) {
+    const zarnxml_nodo_t *hijo = hijo_opcional(nodo, etiqueta);
+    return zb(hijo && i_es_dato_bool(i_dato(hijo), conf_de(hijo), valor));
+}
+
+zybool i_existe_dato_hijo_ArrULong(const zarnxml_nodo_t *nodo, const char *etiqueta,
+                                   ArrULong *valor) {
+    const zarnxml_nodo_t *hijo = hijo_opcional(nodo, etiqueta);
+    if (!hijo)
+        return FALSO;
+    const zarnxml_configuracion_t *conf = conf_de(hijo);
+    if (valor)
+        *valor = i_lista_ulong(vista_dato(hijo), conf->separador_items);
+    return CIERTO;
+}
+
+int32_t i_get_dato_hijo_long_opcional(const zarnxml_nodo_t *nodo, const char *etiqueta,
+                                      int32_t valor_defecto) {
+    int32_t valor = valor_defecto;
+    i_existe_dato_hijo_long(nodo, etiqueta, &valor);
+    return valor;
+}
+
+int32_t i_get_dato_hijo_long(const zarnxml_nodo_t *nodo, const char *etiqueta) {
+    return i_atol_u(i_dato(hijo_obligatorio(nodo, etiqueta)));
+}
+
+zybool i_get_dato_hijo_bool_opcional(const zarnxml_nodo_t *nodo, const char *etiqueta,
+                                     zybool valor_defecto) {
+    zybool valor = valor_defecto;
+    i_existe_dato_hijo_bool(nodo, etiqueta, &valor);
+    return valor;
+}
+
 extern "C" {
 
 // ---- The node's own datum --------------------------------------------------------------------
@@ -147,28 +244,23 @@ ZARN_API const char16_t *zarnxml_get_dato_cadena_u(const zarnxml_nodo_t *nodo) {
 }
 
 ZARN_API CADENA zarnxml_get_dato_cadena(const zarnxml_nodo_t *nodo) {
-    ZARN_ASSERT_NO_NULL(nodo, ORIGEN);
-    return zarn::dup_utf8(vista_dato(nodo));
+    return i_get_dato_cadena(nodo);
 }
 
 ZARN_API int32_t zarnxml_get_dato_long(const zarnxml_nodo_t *nodo) {
-    ZARN_ASSERT_NO_NULL(nodo, ORIGEN);
-    return zarnfxml_atol_u(i_dato(nodo));
+    return i_get_dato_long(nodo);
 }
 
 ZARN_API uint32_t zarnxml_get_dato_ulong(const zarnxml_nodo_t *nodo) {
-    ZARN_ASSERT_NO_NULL(nodo, ORIGEN);
-    return zarnfxml_atoul_u(i_dato(nodo));
+    return i_get_dato_ulong(nodo);
 }
 
 ZARN_API double zarnxml_get_dato_double(const zarnxml_nodo_t *nodo) {
-    ZARN_ASSERT_NO_NULL(nodo, ORIGEN);
-    return zarnfxml_atof_u(i_dato(nodo));
+    return i_get_dato_double(nodo);
 }
 
 ZARN_API zybool zarnxml_get_dato_bool(const zarnxml_nodo_t *nodo) {
-    ZARN_ASSERT_NO_NULL(nodo, ORIGEN);
-    return dato_bool_obligatorio(nodo);
+    return i_get_dato_bool(nodo);
 }
 
 ZARN_API ArrDouble zarnxml_get_dato_ArrDouble(const zarnxml_nodo_t *nodo) {
@@ -206,7 +298,7 @@ ZARN_API zybool zarnxml_es_dato_bool(const zarnxml_nodo_t *nodo, zybool *valor) 
 
 ZARN_API zybool zarnxml_es_dato_long(const zarnxml_nodo_t *nodo, int32_t *valor) {
     ZARN_ASSERT_NO_NULL(nodo, ORIGEN);
-    const double v = zarnfxml_atof_u(i_dato(nodo));
+    const double v = i_atof_u(i_dato(nodo));
     if (!cambtipo_se_puede_double_a_long(v))
         return FALSO;
     if (valor)
@@ -216,7 +308,7 @@ ZARN_API zybool zarnxml_es_dato_long(const zarnxml_nodo_t *nodo, int32_t *valor)
 
 ZARN_API zybool zarnxml_es_dato_ulong(const zarnxml_nodo_t *nodo, uint32_t *valor) {
     ZARN_ASSERT_NO_NULL(nodo, ORIGEN);
-    const double v = zarnfxml_atof_u(i_dato(nodo));
+    const double v = i_atof_u(i_dato(nodo));
     if (!cambtipo_se_puede_double_a_ulong(v))
         return FALSO;
     if (valor)
@@ -237,23 +329,23 @@ ZARN_API CADENA zarnxml_get_dato_hijo_cadena_ansi(const zarnxml_nodo_t *nodo,
 }
 
 ZARN_API int32_t zarnxml_get_dato_hijo_long(const zarnxml_nodo_t *nodo, const char *etiqueta) {
-    return zarnfxml_atol_u(i_dato(hijo_obligatorio(nodo, etiqueta)));
+    return i_get_dato_hijo_long(nodo, etiqueta);
 }
 
 ZARN_API uint32_t zarnxml_get_dato_hijo_ulong(const zarnxml_nodo_t *nodo, const char *etiqueta) {
-    return zarnfxml_atoul_u(i_dato(hijo_obligatorio(nodo, etiqueta)));
+    return i_atoul_u(i_dato(hijo_obligatorio(nodo, etiqueta)));
 }
 
 ZARN_API uint16_t zarnxml_get_dato_hijo_ushort(const zarnxml_nodo_t *nodo, const char *etiqueta) {
-    return zarnfxml_atous_u(i_dato(hijo_obligatorio(nodo, etiqueta)));
+    return i_atous_u(i_dato(hijo_obligatorio(nodo, etiqueta)));
 }
 
 ZARN_API double zarnxml_get_dato_hijo_double(const zarnxml_nodo_t *nodo, const char *etiqueta) {
-    return zarnfxml_atof_u(i_dato(hijo_obligatorio(nodo, etiqueta)));
+    return i_atof_u(i_dato(hijo_obligatorio(nodo, etiqueta)));
 }
 
 ZARN_API int64_t zarnxml_get_dato_hijo_fecha(const zarnxml_nodo_t *nodo, const char *etiqueta) {
-    return zarnxml_get_dato_hijo_long(nodo, etiqueta);
+    return i_get_dato_hijo_long(nodo, etiqueta);
 }
 
 ZARN_API int64_t zarnxml_get_dato_hijo_fecha_64(const zarnxml_nodo_t *nodo, const char *etiqueta) {
@@ -290,36 +382,31 @@ ZARN_API zybool zarnxml_existe_dato_hijo_cadena(const zarnxml_nodo_t *nodo, cons
 
 ZARN_API zybool zarnxml_existe_dato_hijo_long(const zarnxml_nodo_t *nodo, const char *etiqueta,
                                               int32_t *valor) {
-    return i_existe_dato_hijo(nodo, etiqueta, valor, [](const zarnxml_nodo_t *hijo) {
-        return *i_dato(hijo) ? zarnfxml_atol_u(i_dato(hijo)) : LONG_VACIO;
-    });
+    return i_existe_dato_hijo_long(nodo, etiqueta, valor);
 }
 
 ZARN_API zybool zarnxml_existe_dato_hijo_ulong(const zarnxml_nodo_t *nodo, const char *etiqueta,
                                                uint32_t *valor) {
-    return i_existe_dato_hijo(nodo, etiqueta, valor, [](const zarnxml_nodo_t *hijo) {
-        return *i_dato(hijo) ? zarnfxml_atoul_u(i_dato(hijo)) : ULONG_VACIO;
-    });
+    return i_existe_dato_hijo_ulong(nodo, etiqueta, valor);
 }
 
 ZARN_API zybool zarnxml_existe_dato_hijo_ushort(const zarnxml_nodo_t *nodo, const char *etiqueta,
                                                 uint16_t *valor) {
     return i_existe_dato_hijo(nodo, etiqueta, valor, [](const zarnxml_nodo_t *hijo) {
-        return *i_dato(hijo) ? zarnfxml_atous_u(i_dato(hijo)) : USHORT_VACIO;
+        return *i_dato(hijo) ? i_atous_u(i_dato(hijo)) : USHORT_VACIO;
     });
 }
 
 ZARN_API zybool zarnxml_existe_dato_hijo_double(const zarnxml_nodo_t *nodo, const char *etiqueta,
                                                 double *valor) {
-    return i_existe_dato_hijo(nodo, etiqueta, valor, [](const zarnxml_nodo_t *hijo) {
-        return zarnfxml_atof_u(i_dato(hijo));
-    });
+    return i_existe_dato_hijo(nodo, etiqueta, valor,
+                              [](const zarnxml_nodo_t *hijo) { return i_atof_u(i_dato(hijo)); });
 }
 
 ZARN_API zybool zarnxml_existe_dato_hijo_fecha(const zarnxml_nodo_t *nodo, const char *etiqueta,
                                                int64_t *valor) {
     int32_t v = 0;
-    if (!zarnxml_existe_dato_hijo_long(nodo, etiqueta, valor ? &v : nullptr))
+    if (!i_existe_dato_hijo_long(nodo, etiqueta, valor ? &v : nullptr))
         return FALSO;
     if (valor)
         *valor = v;
@@ -328,8 +415,7 @@ ZARN_API zybool zarnxml_existe_dato_hijo_fecha(const zarnxml_nodo_t *nodo, const
 
 ZARN_API zybool zarnxml_existe_dato_hijo_bool(const zarnxml_nodo_t *nodo, const char *etiqueta,
                                               zybool *valor) {
-    const zarnxml_nodo_t *hijo = hijo_opcional(nodo, etiqueta);
-    return zb(hijo && i_es_dato_bool(i_dato(hijo), conf_de(hijo), valor));
+    return i_existe_dato_hijo_bool(nodo, etiqueta, valor);
 }
 
 ZARN_API zybool zarnxml_existe_dato_hijo_ArrDouble(const zarnxml_nodo_t *nodo, const char *etiqueta,
@@ -345,48 +431,37 @@ ZARN_API zybool zarnxml_existe_dato_hijo_ArrDouble(const zarnxml_nodo_t *nodo, c
 
 ZARN_API zybool zarnxml_existe_dato_hijo_ArrULong(const zarnxml_nodo_t *nodo, const char *etiqueta,
                                                   ArrULong *valor) {
-    const zarnxml_nodo_t *hijo = hijo_opcional(nodo, etiqueta);
-    if (!hijo)
-        return FALSO;
-    const zarnxml_configuracion_t *conf = conf_de(hijo);
-    if (valor)
-        *valor = i_lista_ulong(vista_dato(hijo), conf->separador_items);
-    return CIERTO;
+    return i_existe_dato_hijo_ArrULong(nodo, etiqueta, valor);
 }
 
 // ---- A child's datum: the child may be missing, with a default --------------------------------
 
 ZARN_API int32_t zarnxml_get_dato_hijo_long_opcional(const zarnxml_nodo_t *nodo,
                                                      const char *etiqueta, int32_t valor_defecto) {
-    int32_t valor = valor_defecto;
-    zarnxml_existe_dato_hijo_long(nodo, etiqueta, &valor);
-    return valor;
+    return i_get_dato_hijo_long_opcional(nodo, etiqueta, valor_defecto);
 }
 
 ZARN_API uint32_t zarnxml_get_dato_hijo_ulong_opcional(const zarnxml_nodo_t *nodo,
                                                        const char *etiqueta,
                                                        uint32_t valor_defecto) {
     uint32_t valor = valor_defecto;
-    zarnxml_existe_dato_hijo_ulong(nodo, etiqueta, &valor);
+    i_existe_dato_hijo_ulong(nodo, etiqueta, &valor);
     return valor;
 }
 
 ZARN_API int64_t zarnxml_get_dato_hijo_fecha_opcional(const zarnxml_nodo_t *nodo,
                                                       const char *etiqueta, int64_t valor_defecto) {
-    return zarnxml_get_dato_hijo_long_opcional(nodo, etiqueta,
-                                               cambtipo_time_t_a_long(valor_defecto));
+    return i_get_dato_hijo_long_opcional(nodo, etiqueta, cambtipo_time_t_a_long(valor_defecto));
 }
 
 ZARN_API zybool zarnxml_get_dato_hijo_bool_opcional(const zarnxml_nodo_t *nodo,
                                                     const char *etiqueta, zybool valor_defecto) {
-    zybool valor = valor_defecto;
-    zarnxml_existe_dato_hijo_bool(nodo, etiqueta, &valor);
-    return valor;
+    return i_get_dato_hijo_bool_opcional(nodo, etiqueta, valor_defecto);
 }
 
 ZARN_API zybool zarnxml_existe_dato_hijo_bool_opcional(const zarnxml_nodo_t *nodo,
                                                        const char *etiqueta, zybool valor_defecto) {
-    return zarnxml_get_dato_hijo_bool_opcional(nodo, etiqueta, valor_defecto);
+    return i_get_dato_hijo_bool_opcional(nodo, etiqueta, valor_defecto);
 }
 
 ZARN_API CADENA_u zarnxml_get_dato_hijo_cadena_opcional(const zarnxml_nodo_t *nodo,
@@ -398,7 +473,7 @@ ZARN_API CADENA_u zarnxml_get_dato_hijo_cadena_opcional(const zarnxml_nodo_t *no
 ZARN_API ArrULong zarnxml_get_dato_hijo_ArrULong_opcional(const zarnxml_nodo_t *nodo,
                                                           const char *etiqueta) {
     ArrULong valor = nullptr;
-    if (!zarnxml_existe_dato_hijo_ArrULong(nodo, etiqueta, &valor))
+    if (!i_existe_dato_hijo_ArrULong(nodo, etiqueta, &valor))
         valor = arr_CreaULong(0);
     return valor;
 }
@@ -417,27 +492,19 @@ ZARN_API ArrCADENA_u zarnxml_get_ArrCadenaU_hijos(const zarnxml_nodo_t *nodo,
 
 ZARN_API zybool zarnxml_existe_propiedad_cadena(const zarnxml_nodo_t *nodo,
                                                 const char *texto_propiedad, CADENA *valor) {
-    ZARN_ASSERT_NO_NULL(nodo, ORIGEN);
-    conf_de(nodo);
-    return i_existe_propiedad(nodo, texto_propiedad, valor, [](const zarnxml_propiedad_t *p) {
-        return zarn::dup_utf8(zarn::vista(p->dato_propiedad));
-    });
+    return i_existe_propiedad_cadena(nodo, texto_propiedad, valor);
 }
 
 ZARN_API zybool zarnxml_existe_propiedad_cadena_u(const zarnxml_nodo_t *nodo,
                                                   const char *texto_propiedad, CADENA_u *valor) {
-    ZARN_ASSERT_NO_NULL(nodo, ORIGEN);
-    conf_de(nodo);
-    return i_existe_propiedad(nodo, texto_propiedad, valor, [](const zarnxml_propiedad_t *p) {
-        return zarn::dup_u(zarn::vista(p->dato_propiedad));
-    });
+    return i_existe_propiedad_cadena_u(nodo, texto_propiedad, valor);
 }
 
 ZARN_API zybool zarnxml_existe_propiedad_double(const zarnxml_nodo_t *nodo,
                                                 const char *texto_propiedad, double *valor) {
     ZARN_ASSERT_NO_NULL(nodo, ORIGEN);
     return i_existe_propiedad(nodo, texto_propiedad, valor, [](const zarnxml_propiedad_t *p) {
-        return zarnfxml_atof_u(p->dato_propiedad);
+        return i_atof_u(p->dato_propiedad);
     });
 }
 
@@ -445,16 +512,13 @@ ZARN_API zybool zarnxml_existe_propiedad_ulong(const zarnxml_nodo_t *nodo,
                                                const char *texto_propiedad, uint32_t *valor) {
     ZARN_ASSERT_NO_NULL(nodo, ORIGEN);
     return i_existe_propiedad(nodo, texto_propiedad, valor, [](const zarnxml_propiedad_t *p) {
-        return zarnfxml_atoul_u(p->dato_propiedad);
+        return i_atoul_u(p->dato_propiedad);
     });
 }
 
 ZARN_API zybool zarnxml_existe_propiedad_bool(const zarnxml_nodo_t *nodo,
                                               const char *texto_propiedad, zybool *valor) {
-    ZARN_ASSERT_NO_NULL(nodo, ORIGEN);
-    const zarnxml_configuracion_t *conf = conf_de(nodo);
-    const zarnxml_propiedad_t *p = i_busca_propiedad(nodo, texto_propiedad);
-    return zb(p && i_es_dato_bool(p->dato_propiedad, conf, valor));
+    return i_existe_propiedad_bool(nodo, texto_propiedad, valor);
 }
 
 // ---- Through a sequential reader -----------------------------------------------------------
@@ -462,19 +526,19 @@ ZARN_API zybool zarnxml_existe_propiedad_bool(const zarnxml_nodo_t *nodo,
 ZARN_API zybool zarnxml_in_existe_propiedad_bool(const zarnxml_lectura_t *xml,
                                                  const char *texto_propiedad, zybool *valor) {
     ZARN_ASSERT_NO_NULL(xml, ORIGEN);
-    return zarnxml_existe_propiedad_bool(xml->nodo_actual, texto_propiedad, valor);
+    return i_existe_propiedad_bool(xml->nodo_actual, texto_propiedad, valor);
 }
 
 ZARN_API zybool zarnxml_in_existe_propiedad_cadena(const zarnxml_lectura_t *xml,
                                                    const char *texto_propiedad, CADENA *valor) {
     ZARN_ASSERT_NO_NULL(xml, ORIGEN);
-    return zarnxml_existe_propiedad_cadena(xml->nodo_actual, texto_propiedad, valor);
+    return i_existe_propiedad_cadena(xml->nodo_actual, texto_propiedad, valor);
 }
 
 ZARN_API zybool zarnxml_in_existe_propiedad_cadena_u(const zarnxml_lectura_t *xml,
                                                      const char *texto_propiedad, CADENA_u *valor) {
     ZARN_ASSERT_NO_NULL(xml, ORIGEN);
-    return zarnxml_existe_propiedad_cadena_u(xml->nodo_actual, texto_propiedad, valor);
+    return i_existe_propiedad_cadena_u(xml->nodo_actual, texto_propiedad, valor);
 }
 
 } // extern "C"

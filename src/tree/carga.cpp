@@ -118,17 +118,23 @@ zarnxml_nodo_t *i_crea_de_lineas(ArrCADENA *lineas_xml, const char *texto_true,
 
 } // namespace
 
-extern "C" {
-
-ZARN_API zarnxml_nodo_t *zarnxml_crea_de_fichero_u(const char16_t *nombre_fichero,
-                                                   const char *texto_true, const char *texto_false,
-                                                   zybool *hay_error, CADENA *mensaje_error) {
+zarnxml_nodo_t *i_crea_de_fichero_u(const char16_t *nombre_fichero, const char *texto_true,
+                                    const char *texto_false, zybool *hay_error,
+                                    CADENA *mensaje_error) {
     i_nodo_propio raiz(i_crea_nodo_raiz(texto_true, texto_false));
     auto xml = i_crea_para_lectura_de_fichero_u(nombre_fichero, FALSO);
     CADENA mensaje = construye(xml.get(), raiz.get(), nullptr);
     xml.reset();
     informa(mensaje, hay_error, mensaje_error);
     return raiz.release();
+}
+
+extern "C" {
+
+ZARN_API zarnxml_nodo_t *zarnxml_crea_de_fichero_u(const char16_t *nombre_fichero,
+                                                   const char *texto_true, const char *texto_false,
+                                                   zybool *hay_error, CADENA *mensaje_error) {
+    return i_crea_de_fichero_u(nombre_fichero, texto_true, texto_false, hay_error, mensaje_error);
 }
 
 ZARN_API zarnxml_nodo_t *zarnxml_crea_de_lineas(ArrCADENA *lineas_xml, const char *texto_true,
