@@ -51,10 +51,6 @@ namespace {
 
 constexpr const char *ORIGEN = "zarnstr";
 
-zybool zb(bool b) {
-    return b ? CIERTO : FALSO;
-}
-
 // Grows a heap string to room for n bytes and the terminator.
 char *agranda(char *p, size_t n) {
     void *r = std::realloc(p, n + 1);
@@ -234,39 +230,39 @@ ZARN_API uint32_t cad_longitud_cadena(const char *s) {
 ZARN_API zybool cad_cadenas_iguales(const char *a, const char *b) {
     ZARN_ASSERT_NO_NULL(a, ORIGEN);
     ZARN_ASSERT_NO_NULL(b, ORIGEN);
-    return zb(std::strcmp(a, b) == 0);
+    return zarn::zb(std::strcmp(a, b) == 0);
 }
 
 ZARN_API zybool cad_cadenas_iguales_may_o_min(const char *a, const char *b) {
     ZARN_ASSERT_NO_NULL(a, ORIGEN);
     ZARN_ASSERT_NO_NULL(b, ORIGEN);
-    return zb(zarn::iguales_may_o_min(std::string_view(a), std::string_view(b)));
+    return zarn::zb(zarn::iguales_may_o_min(std::string_view(a), std::string_view(b)));
 }
 
 ZARN_API zybool cad_es_cadena_vacia(const char *s) {
     ZARN_ASSERT_NO_NULL(s, ORIGEN);
-    return zb(*s == '\0');
+    return zarn::zb(*s == '\0');
 }
 
 ZARN_API zybool cad_es_cadena_en_blanco(const char *s) {
     ZARN_ASSERT_NO_NULL(s, ORIGEN);
-    return zb(std::string_view(s).find_first_not_of(" \t\r\n") == std::string_view::npos);
+    return zarn::zb(std::string_view(s).find_first_not_of(" \t\r\n") == std::string_view::npos);
 }
 
 ZARN_API zybool zarnstr_hay_texto(const char *s) {
-    return zb(s && *s);
+    return zarn::zb(s && *s);
 }
 
 ZARN_API zybool cad_es_subcadena(const char *texto, const char *parte) {
     ZARN_ASSERT_NO_NULL(texto, ORIGEN);
     ZARN_ASSERT_NO_NULL(parte, ORIGEN);
-    return zb(std::strstr(texto, parte) != nullptr);
+    return zarn::zb(std::strstr(texto, parte) != nullptr);
 }
 
 ZARN_API zybool cad_es_subcadena_may_min(const char *texto, const char *parte) {
     ZARN_ASSERT_NO_NULL(texto, ORIGEN);
     ZARN_ASSERT_NO_NULL(parte, ORIGEN);
-    return zb(zarn::contiene_may_o_min(zarn::utf8_a_utf16(texto), zarn::utf8_a_utf16(parte)));
+    return zarn::zb(zarn::contiene_may_o_min(zarn::utf8_a_utf16(texto), zarn::utf8_a_utf16(parte)));
 }
 
 ZARN_API double cad_atof(const char *s) {

@@ -21,6 +21,13 @@ inline constexpr const char *ORIGEN_STREAMING = "zarnfxml (ZARNXML.DLL)";
 inline constexpr const char *ORIGEN_ARBOL = "zarnxml (ZARNXML.DLL)";
 
 // Every failed check goes through the installed handler; these never return.
+//
+// The condition texts that the handler receives are part of the interface: handlers and their
+// users match on them, so they keep the words that they have always had, even where these name
+// variables that the code no longer has. Never correct one. Where a condition, as written, is its
+// own text, ZARN_ASSERT spells the text from it, so that the two cannot drift apart; elsewhere
+// ZARN_ASSERT_TEXTO gives the text that the interface has.
+#define ZARN_ASSERT(cond, origen) ZARN_ASSERT_TEXTO(cond, #cond, origen)
 #define ZARN_ASSERT_TEXTO(cond, texto, origen)                                                     \
     do {                                                                                           \
         if (!(cond)) [[unlikely]]                                                                  \
@@ -30,6 +37,13 @@ inline constexpr const char *ORIGEN_ARBOL = "zarnxml (ZARNXML.DLL)";
 #define ZARN_ASSERT_NO_NULL(p, origen) ZARN_ASSERT_TEXTO((p) != nullptr, "(" #p ") != NULL", origen)
 #define ZARN_DEFAULT_ERROR(origen)                                                                 \
     ::error_interno_default_error(nullptr, nullptr, (origen), static_cast<uint32_t>(__LINE__), 0)
+
+// ---- Truth values ----------------------------------------------------------------------------
+
+// Inside, truth is bool; zybool is the C interface's, made here at the edge.
+constexpr zybool zb(bool b) noexcept {
+    return b ? CIERTO : FALSO;
+}
 
 // ---- Variadic arguments --------------------------------------------------------------------
 

@@ -21,6 +21,6 @@ ZARN_API zybool zarnfile_es_fichero_unicode(const char16_t *ruta) {
     std::fclose(f);
     const bool unicode =
         leidos == 2 && ((bom[0] == 0xFF && bom[1] == 0xFE) || (bom[0] == 0xFE && bom[1] == 0xFF));
-    return unicode ? CIERTO : FALSO;
+    return zarn::zb(unicode);
 }
 }

@@ -1,5 +1,7 @@
 // Number conversions: doubles are truncated toward zero and saturate at the limits of the
 // target type; NaN gives 0.
+#include "services/servicios.hpp"
+
 #include <zarnxml/zarnmath.h>
 
 #include <algorithm>
@@ -35,10 +37,10 @@ ZARN_API uint32_t cambtipo_double_a_ulong(double valor) {
 }
 
 ZARN_API zybool cambtipo_se_puede_double_a_long(double valor) {
-    return cabe<int32_t>(valor) ? CIERTO : FALSO;
+    return zarn::zb(cabe<int32_t>(valor));
 }
 ZARN_API zybool cambtipo_se_puede_double_a_ulong(double valor) {
-    return cabe<uint32_t>(valor) ? CIERTO : FALSO;
+    return zarn::zb(cabe<uint32_t>(valor));
 }
 
 ZARN_API int64_t cambtipo_long_a_time_t(int32_t valor) {

@@ -200,7 +200,7 @@ extern "C" {
 ZARN_API char *ztxt_lee_linea(zarnio_fichero_t *fichero, char *buffer, uint32_t max) {
     ZARN_ASSERT_NO_NULL(fichero, ORIGEN);
     ZARN_ASSERT_NO_NULL(buffer, ORIGEN);
-    ZARN_ASSERT_TEXTO(max > 0, "max > 0", ORIGEN);
+    ZARN_ASSERT(max > 0, ORIGEN);
     const char *linea = fichero->lineas.siguiente(*fichero, max);
     if (!linea)
         return nullptr;

@@ -267,7 +267,7 @@ void i_graba_cadena_u(zarnfxml_t *handle, const char *etiqueta, const char16_t *
 void i_graba_fin_bloque(zarnfxml_t *handle) {
     i_xml_escritura *xml = I_ESCRITOR(handle);
     const size_t num_etiquetas_abiertas = xml->etiquetas_abiertas.size();
-    ZARN_ASSERT_TEXTO(num_etiquetas_abiertas > 0, "num_etiquetas_abiertas > 0", ORIGEN_STREAMING);
+    ZARN_ASSERT(num_etiquetas_abiertas > 0, ORIGEN_STREAMING);
     // The tag leaves the stack before the line is made, so that the end tag stands at the
     // level of its start tag.
     std::string etiqueta = std::move(xml->etiquetas_abiertas.back());

@@ -120,9 +120,7 @@ void i_graba_lineas_array(i_xml_escritura *xml, const char *etiqueta, size_t n,
 int32_t i_numeracion_de_cadenas(int32_t tipo_numeracion_array) {
     if (tipo_numeracion_array == i_NUMERACION_ARRAY_NINGUNA)
         tipo_numeracion_array = i_NUMERACION_ARRAY_BLOQUE_LINEAS;
-    ZARN_ASSERT_TEXTO(i_con_lista_numeracion_array(tipo_numeracion_array) == CIERTO,
-                      "i_con_lista_numeracion_array(tipo_numeracion_array) == CIERTO",
-                      ORIGEN_STREAMING);
+    ZARN_ASSERT(i_con_lista_numeracion_array(tipo_numeracion_array) == CIERTO, ORIGEN_STREAMING);
     return tipo_numeracion_array;
 }
 

@@ -48,7 +48,7 @@ ZARN_API void zarnfxml_graba_bool(zarnfxml_t *handle, const char *etiqueta, zybo
     i_xml_escritura *xml = I_ESCRITOR(handle);
     ZARN_ASSERT_NO_NULL(xml->conf, ORIGEN_STREAMING);
     if (valor != CIERTO)
-        ZARN_ASSERT_TEXTO(valor == FALSO, "valor == FALSO", ORIGEN_STREAMING);
+        ZARN_ASSERT(valor == FALSO, ORIGEN_STREAMING);
     const std::u16string &texto =
         valor == CIERTO ? xml->conf->texto_zybool_true : xml->conf->texto_zybool_false;
     const int32_t tipo = xml->conf->tipo_codificacion;

@@ -329,8 +329,39 @@ zybool i_existe_propiedad_con_dato(const i_propiedades_t &propiedades, const cha
 
 // ---- Checks (lector_comprobacion.cpp) -----------------------------------------------------------
 
-// Runs a reader to its end or to its first fault. On a fault gives FALSO and, if mensaje_error
-// is given, a new message there.
+// The one loop over the records of a whole document, under the checks, the tree load and the
+// walk. It reads to the end of the document or to its first fault and hands every element record
+// (block start, field, block end) to f(tipo, registro), which answers false to stop, having
+// marked its own fault with i_asigna_error_especial. A datum outside a field has no place in a
+// document: it is the fault "Unexpected word". Gives true for a good document; otherwise false and,
+// when mensaje is given, a new copy of the fault's message there.
+template <typename F>
+bool i_recorre_registros(i_xml_lectura *xml, zybool admite_campo_vacio, F &&f, CADENA *mensaje) {
+    while (!i_lectura_terminada(xml)) {
+        const i_tipo_registro_t tipo = i_lee_registro(xml, admite_campo_vacio);
+        switch (tipo) {
+        case i_REGISTRO_INICIO_BLOQUE:
+        case i_REGISTRO_CAMPO:
+        case i_REGISTRO_FIN_BLOQUE:
+            if (!f(tipo, static_cast<const i_registro_t &>(xml->registro)))
+                return !i_hay_error_lectura(xml, mensaje);
+            break;
+        case i_REGISTRO_DATO:
+            i_asigna_error_especial(xml, i_mensaje_error("Unexpected word", nullptr, nullptr,
+                                                         xml->ind_linea, xml->ind_columna));
+            return !i_hay_error_lectura(xml, mensaje);
+        case i_REGISTRO_DEFINICION_COMENTARIO:
+        case i_REGISTRO_FIN_FICHERO:
+        case i_REGISTRO_ERROR:
+        case i_REGISTRO_NINGUNO:
+            break;
+        }
+    }
+    return !i_hay_error_lectura(xml, mensaje);
+}
+
+// The check: the document is good and, when etiqueta_raiz has text, its first block bears that
+// tag (case ignored). On a fault gives FALSO and, if mensaje_error is given, a new message there.
 zybool i_es_xml_correcto(i_xml_lectura *xml, const char *etiqueta_raiz, CADENA *mensaje_error);
 
 // ---- Navigation and field reads (lector_navegacion.cpp, lector_campos.cpp) ----------------------

@@ -108,7 +108,7 @@ ZARN_API ArrPunto2D zarnfxml_lee_arr_puntos2D(zarnfxml_t *xml, const char *etiqu
     i_tokens partes(i_dato_campo(x), u":");
     std::u16string auxiliar;
     const uint32_t num_elems = cambtipo_double_a_ulong(partes.siguiente_double(auxiliar));
-    ZARN_ASSERT_TEXTO(num_elems < USHRT_MAX, "num_elems < USHRT_MAX", ORIGEN_STREAMING);
+    ZARN_ASSERT(num_elems < USHRT_MAX, ORIGEN_STREAMING);
     zarn::ArrPropio<ArrPunto2D_s> arr(arr_CreaPunto2D(num_elems));
     std::u16string_view texto_puntos;
     if (num_elems == 0 || !partes.siguiente(texto_puntos))

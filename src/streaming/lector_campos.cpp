@@ -8,10 +8,9 @@ namespace {
 
 void i_lee_campo_con(i_xml_lectura *xml, const char *etiqueta, zybool admite_campo_vacio) {
     const i_tipo_registro_t tipo_registro = i_lee_registro(xml, admite_campo_vacio);
-    ZARN_ASSERT_TEXTO(tipo_registro == i_REGISTRO_CAMPO, "tipo_registro == i_REGISTRO_CAMPO",
-                      ORIGEN_STREAMING);
+    ZARN_ASSERT(tipo_registro == i_REGISTRO_CAMPO, ORIGEN_STREAMING);
     const zybool es_etiqueta_igual = i_es_etiqueta_registro_igual(xml, etiqueta);
-    ZARN_ASSERT_TEXTO(es_etiqueta_igual == CIERTO, "es_etiqueta_igual == CIERTO", ORIGEN_STREAMING);
+    ZARN_ASSERT(es_etiqueta_igual == CIERTO, ORIGEN_STREAMING);
 }
 
 const i_dato_t &i_dato(const i_xml_lectura *xml) {

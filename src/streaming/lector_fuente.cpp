@@ -161,8 +161,7 @@ const std::u16string &i_dato_t::texto() const {
 void i_aplica_definicion_fichero_xml(const i_pieza_t *pieza, i_conf_t *conf) {
     ZARN_ASSERT_NO_NULL(pieza, ORIGEN_STREAMING);
     ZARN_ASSERT_TEXTO(conf != nullptr, "(tipo_codificacion) != NULL", ORIGEN_STREAMING);
-    ZARN_ASSERT_TEXTO(pieza->tipo_pieza == i_PIEZA_DEFINICION_FICHERO_XML,
-                      "pieza->tipo_pieza == i_PIEZA_DEFINICION_FICHERO_XML", ORIGEN_STREAMING);
+    ZARN_ASSERT(pieza->tipo_pieza == i_PIEZA_DEFINICION_FICHERO_XML, ORIGEN_STREAMING);
     for (const i_propiedad_lectura_t &p : pieza->propiedades) {
         if (!zarn::iguales_may_o_min(std::string_view(p.texto_propiedad), "encoding"))
             continue;

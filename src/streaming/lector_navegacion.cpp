@@ -43,7 +43,7 @@ bool i_nada_puede_seguir(const i_xml_lectura *xml) {
 zybool i_siguiente_es_definicion_comentario(i_xml_lectura *xml) {
     if (i_nada_puede_seguir(xml))
         return FALSO;
-    const zybool es = i_lee_pieza(xml).tipo_pieza == i_PIEZA_DEFINICION_COMENTARIO ? CIERTO : FALSO;
+    const zybool es = zarn::zb(i_lee_pieza(xml).tipo_pieza == i_PIEZA_DEFINICION_COMENTARIO);
     i_devuelve_pieza(xml);
     return es;
 }
@@ -58,8 +58,8 @@ const i_propiedad_lectura_t *i_propiedad_registro(const i_xml_lectura *xml,
 const std::u16string &i_dato_propiedad_requerida(const i_xml_lectura *xml,
                                                  const char *texto_propiedad) {
     const i_propiedad_lectura_t *p = i_propiedad_registro(xml, texto_propiedad);
-    const zybool existe_propiedad = p ? CIERTO : FALSO;
-    ZARN_ASSERT_TEXTO(existe_propiedad == CIERTO, "existe_propiedad == CIERTO", ORIGEN_STREAMING);
+    const zybool existe_propiedad = zarn::zb(p != nullptr);
+    ZARN_ASSERT(existe_propiedad == CIERTO, ORIGEN_STREAMING);
     return p->dato_propiedad.texto();
 }
 
@@ -97,7 +97,7 @@ bool i_linea_siguiente_es_hijo(const i_xml_lectura *xml) {
 void i_descarta_hijo_pendiente(i_xml_lectura *xml) {
     const zybool desapila =
         i_desapila_etiqueta(xml->etiquetas_abiertas, xml->pendiente(0).etiqueta, nullptr, nullptr);
-    ZARN_ASSERT_TEXTO(desapila == CIERTO, "desapila == CIERTO", ORIGEN_STREAMING);
+    ZARN_ASSERT(desapila == CIERTO, ORIGEN_STREAMING);
     i_descarta_pendientes(xml);
 }
 
@@ -124,7 +124,7 @@ void i_salta_bloque_por_lineas(i_xml_lectura *xml) {
     i_salta_lineas_hasta_fin_etiqueta(xml, p.etiqueta);
     const zybool desapila =
         i_desapila_etiqueta(xml->etiquetas_abiertas, p.etiqueta, nullptr, nullptr);
-    ZARN_ASSERT_TEXTO(desapila == CIERTO, "desapila == CIERTO", ORIGEN_STREAMING);
+    ZARN_ASSERT(desapila == CIERTO, ORIGEN_STREAMING);
     p.tipo_pieza = i_PIEZA_FIN_BLOQUE;
     p.propiedades.clear();
 }
@@ -173,7 +173,7 @@ zybool i_es_siguiente_pieza(i_xml_lectura *xml, i_tipo_pieza_t tipo1, i_tipo_pie
                                          dato_propiedad ? dato_propiedad : u"") == CIERTO;
     for (; leidas > 0; --leidas)
         i_devuelve_pieza(xml);
-    return es ? CIERTO : FALSO;
+    return zarn::zb(es);
 }
 
 zybool i_es_siguiente_inicio_bloque(i_xml_lectura *xml, const char *etiqueta) {
@@ -186,7 +186,7 @@ void i_lee_inicio_bloque(i_xml_lectura *xml, const char *etiqueta) {
     i_asserta_tipo_registro(tipo_registro, i_REGISTRO_INICIO_BLOQUE,
                             "tipo_registro == i_REGISTRO_INICIO_BLOQUE");
     const zybool es_etiqueta_igual = i_es_etiqueta_registro_igual(xml, etiqueta);
-    ZARN_ASSERT_TEXTO(es_etiqueta_igual == CIERTO, "es_etiqueta_igual == CIERTO", ORIGEN_STREAMING);
+    ZARN_ASSERT(es_etiqueta_igual == CIERTO, ORIGEN_STREAMING);
 }
 
 zybool i_se_lee_inicio_bloque(i_xml_lectura *xml, const char *etiqueta) {
@@ -200,8 +200,7 @@ void i_lee_fin_bloque_con_comprobacion(i_xml_lectura *xml, const char *etiqueta)
     const i_tipo_registro_t tipo_registro = i_lee_registro(xml, FALSO);
     i_asserta_tipo_registro(tipo_registro, i_REGISTRO_FIN_BLOQUE,
                             "tipo_registro == i_REGISTRO_FIN_BLOQUE");
-    ZARN_ASSERT_TEXTO(i_es_etiqueta_registro_igual(xml, etiqueta) == CIERTO,
-                      "i_es_etiqueta_registro_igual(xml, etiqueta) == CIERTO", ORIGEN_STREAMING);
+    ZARN_ASSERT(i_es_etiqueta_registro_igual(xml, etiqueta) == CIERTO, ORIGEN_STREAMING);
 }
 
 bool i_uso_xml_bloque() {
@@ -221,8 +220,7 @@ void i_salta_hasta_fin_bloque(i_xml_lectura *xml, uint32_t nivel_etiquetado_line
                               bool por_lineas) {
     ZARN_ASSERT_NO_NULL(xml, ORIGEN_STREAMING);
     const i_registro_t &registro = i_registro(xml);
-    ZARN_ASSERT_TEXTO(nivel_etiquetado_lineas_bloque > 0, "nivel_etiquetado_lineas_bloque > 0",
-                      ORIGEN_STREAMING);
+    ZARN_ASSERT(nivel_etiquetado_lineas_bloque > 0, ORIGEN_STREAMING);
     const uint32_t l = nivel_etiquetado_lineas_bloque;
     const uint32_t n = registro.nivel_etiquetado;
     switch (registro.tipo_registro) {
@@ -284,7 +282,7 @@ void i_lee_inicio_bloque_con_nivel_etiquetado(zarnfxml_t *xml, const char *etiqu
                                               uint32_t *nivel_etiquetado_lineas_bloque) {
     const zybool se_lee =
         i_se_lee_inicio_bloque_con_nivel_etiquetado(xml, etiqueta, nivel_etiquetado_lineas_bloque);
-    ZARN_ASSERT_TEXTO(se_lee == CIERTO, "se_lee == CIERTO", ORIGEN_STREAMING);
+    ZARN_ASSERT(se_lee == CIERTO, ORIGEN_STREAMING);
 }
 
 void i_lee_inicio_bloque_desconocido(zarnfxml_t *xml, CADENA *etiqueta) {

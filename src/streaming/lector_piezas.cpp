@@ -351,7 +351,7 @@ void Lexico::lee_inicio_bloque(i_pieza_t &pieza) {
         avanza(2);
         const zybool desapila =
             i_desapila_etiqueta(x_.etiquetas_abiertas, pieza.etiqueta, nullptr, nullptr);
-        ZARN_ASSERT_TEXTO(desapila == CIERTO, "desapila == CIERTO", ORIGEN_STREAMING);
+        ZARN_ASSERT(desapila == CIERTO, ORIGEN_STREAMING);
         pieza.tipo_pieza = i_PIEZA_INICIO_Y_FIN_BLOQUE;
         return;
     }
@@ -480,9 +480,7 @@ i_pieza_t &i_lee_pieza(i_xml_lectura *xml) {
 void i_devuelve_pieza(i_xml_lectura *xml) {
     ZARN_ASSERT_NO_NULL(xml, ORIGEN_STREAMING);
     // The current piece and those given back must stay in the ring while the next are lexed.
-    ZARN_ASSERT_TEXTO(xml->cursor > 0 && xml->num_pendientes() + 2 < i_NUM_PIEZAS,
-                      "xml->cursor > 0 && xml->num_pendientes() + 2 < i_NUM_PIEZAS",
-                      ORIGEN_STREAMING);
+    ZARN_ASSERT(xml->cursor > 0 && xml->num_pendientes() + 2 < i_NUM_PIEZAS, ORIGEN_STREAMING);
     --xml->cursor;
 }
 

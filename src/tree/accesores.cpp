@@ -14,10 +14,6 @@ constexpr int32_t LONG_VACIO = 0x7FFFFFFF;
 constexpr uint32_t ULONG_VACIO = 0xFFFFFFFFu;
 constexpr uint16_t USHORT_VACIO = 0xFFFF;
 
-inline zybool zb(bool b) {
-    return b ? CIERTO : FALSO;
-}
-
 const zarnxml_configuracion_t *conf_de(const zarnxml_nodo_t *nodo) {
     ZARN_ASSERT_NO_NULL(nodo->configuracion, ORIGEN);
     return nodo->configuracion;
@@ -185,7 +181,7 @@ zybool i_existe_propiedad_bool(const zarnxml_nodo_t *nodo, const char *texto_pro
     ZARN_ASSERT_NO_NULL(nodo, ORIGEN);
     const zarnxml_configuracion_t *conf = conf_de(nodo);
     const zarnxml_propiedad_t *p = i_busca_propiedad(nodo, texto_propiedad);
-    return zb(p && i_es_dato_bool(p->dato_propiedad, conf, valor));
+    return zarn::zb(p && i_es_dato_bool(p->dato_propiedad, conf, valor));
 }
 
 zybool i_existe_dato_hijo_long(const zarnxml_nodo_t *nodo, const char *etiqueta, int32_t *valor) {
@@ -202,7 +198,7 @@ zybool i_existe_dato_hijo_ulong(const zarnxml_nodo_t *nodo, const char *etiqueta
 
 zybool i_existe_dato_hijo_bool(const zarnxml_nodo_t *nodo, const char *etiqueta, zybool *valor) {
     const zarnxml_nodo_t *hijo = hijo_opcional(nodo, etiqueta);
-    return zb(hijo && i_es_dato_bool(i_dato(hijo), conf_de(hijo), valor));
+    return zarn::zb(hijo && i_es_dato_bool(i_dato(hijo), conf_de(hijo), valor));
 }
 
 zybool i_existe_dato_hijo_ArrULong(const zarnxml_nodo_t *nodo, const char *etiqueta,
@@ -293,7 +289,7 @@ ZARN_API ArrPunto2D zarnxml_get_dato_ArrPunto2D(const zarnxml_nodo_t *nodo,
 
 ZARN_API zybool zarnxml_es_dato_bool(const zarnxml_nodo_t *nodo, zybool *valor) {
     ZARN_ASSERT_NO_NULL(nodo, ORIGEN);
-    return zb(i_es_dato_bool(i_dato(nodo), conf_de(nodo), valor));
+    return zarn::zb(i_es_dato_bool(i_dato(nodo), conf_de(nodo), valor));
 }
 
 ZARN_API zybool zarnxml_es_dato_long(const zarnxml_nodo_t *nodo, int32_t *valor) {

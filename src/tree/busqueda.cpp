@@ -41,7 +41,7 @@ zybool busca_hijos(const zarnxml_nodo_t *nodo, const char *etiqueta, const char 
                                   hay = true;
                                   return false;
                               });
-        return hay ? CIERTO : FALSO;
+        return zarn::zb(hay);
     }
     std::unique_ptr<ArrPuntero_s> encontrados;
     recorre_coincidencias(nodo, etiqueta, texto_propiedad, dato_propiedad,
@@ -142,7 +142,7 @@ bool i_tiene_propiedad_con_dato(const zarnxml_nodo_t *nodo, const char *texto_pr
 
 zybool i_existe_nodo(const zarnxml_nodo_t *nodo, const char *etiqueta,
                      const zarnxml_nodo_t **nodo_hijo) {
-    return i_existe_hijo_unico(nodo, etiqueta, nodo_hijo) ? CIERTO : FALSO;
+    return zarn::zb(i_existe_hijo_unico(nodo, etiqueta, nodo_hijo));
 }
 
 zybool i_existen_nodos(const zarnxml_nodo_t *nodo, const char *etiqueta,
@@ -178,7 +178,7 @@ zybool i_existe_nodo_ex(const zarnxml_nodo_t *nodo, const char *etiqueta,
 
 zybool i_etiqueta_nodo_igual(const zarnxml_nodo_t *nodo, const char *etiqueta) {
     ZARN_ASSERT_NO_NULL(nodo, ORIGEN);
-    return i_etiqueta_igual(nodo->etiqueta, etiqueta) ? CIERTO : FALSO;
+    return zarn::zb(i_etiqueta_igual(nodo->etiqueta, etiqueta));
 }
 
 extern "C" {
@@ -190,7 +190,7 @@ ZARN_API const char *zarnxml_get_etiqueta(const zarnxml_nodo_t *nodo) {
 
 ZARN_API zybool zarnxml_hay_datos(const zarnxml_nodo_t *xml) {
     ZARN_ASSERT_NO_NULL(xml, ORIGEN);
-    return xml->etiqueta[0] != '\0' ? CIERTO : FALSO;
+    return zarn::zb(xml->etiqueta[0] != '\0');
 }
 
 ZARN_API ArrPuntero zarnxml_nodos_hijos(const zarnxml_nodo_t *nodo) {

@@ -128,7 +128,7 @@ i_constructor_arbol::i_constructor_arbol(zarnxml_nodo_t *raiz) : raiz_(raiz) {
     ZARN_ASSERT_NO_NULL(raiz, ORIGEN);
     conf_ = raiz->configuracion;
     ZARN_ASSERT_NO_NULL(conf_, ORIGEN);
-    ZARN_ASSERT_TEXTO(i_es_nodo_en_blanco(raiz), "i_es_nodo_en_blanco(raiz)", ORIGEN);
+    ZARN_ASSERT(i_es_nodo_en_blanco(raiz), ORIGEN);
 }
 
 zarnxml_nodo_s i_constructor_arbol::nodo(std::string_view etiqueta,

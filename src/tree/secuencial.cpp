@@ -13,10 +13,6 @@ constexpr const char *ORIGEN = zarn::ORIGEN_ARBOL;
 // An array of found nodes; the nodes stay the tree's.
 using nodos_ptr = zarn::ArrPropio<ArrPuntero_s>;
 
-inline zybool zb(bool b) {
-    return b ? CIERTO : FALSO;
-}
-
 // The one child etiqueta of the node where the reader stands, or null.
 const zarnxml_nodo_t *hijo(const zarnxml_lectura_t *xml, const char *etiqueta) {
     ZARN_ASSERT_NO_NULL(xml, ORIGEN);
@@ -48,7 +44,7 @@ void desapila_nodo(zarnxml_lectura_t *xml) {
 
 // Leaves the node that an operation opened; the caller's function must have closed all else.
 void desapila_nodo_actual(zarnxml_lectura_t *xml, const zarnxml_nodo_t *nodo) {
-    ZARN_ASSERT_TEXTO(xml->nodo_actual == nodo, "xml->nodo_actual == nodo", ORIGEN);
+    ZARN_ASSERT(xml->nodo_actual == nodo, ORIGEN);
     desapila_nodo(xml);
 }
 
@@ -236,7 +232,7 @@ ZARN_API zybool zarnxml_se_lee_double(zarnxml_lectura_t *xml, const char *etique
     const zarnxml_nodo_t *nodo = hijo(xml, etiqueta);
     if (nodo && valor)
         *valor = i_get_dato_double(nodo);
-    return zb(nodo != nullptr);
+    return zarn::zb(nodo != nullptr);
 }
 
 ZARN_API zybool zarnxml_se_lee_cadena_u(zarnxml_lectura_t *xml, const char *etiqueta,
@@ -244,7 +240,7 @@ ZARN_API zybool zarnxml_se_lee_cadena_u(zarnxml_lectura_t *xml, const char *etiq
     const zarnxml_nodo_t *nodo = hijo(xml, etiqueta);
     if (dato)
         *dato = nodo ? zarn::dup_u(i_dato(nodo)) : nullptr;
-    return zb(nodo != nullptr);
+    return zarn::zb(nodo != nullptr);
 }
 
 // ---- Numbered arrays of doubles --------------------------------------------------------------
