@@ -121,6 +121,21 @@ std::string formatea(const char *f, va_list ap) {
 
 } // namespace
 
+double i_cad_atof(const char *s) {
+    ZARN_ASSERT_NO_NULL(s, ORIGEN);
+    return zarn::texto_a_double(s);
+}
+
+CADENA i_creacadena(size_t n) {
+    char *r = zarn::reserva(n);
+    r[0] = '\0';
+    return r;
+}
+
+zybool i_zarnstr_hay_texto(const char *s) {
+    return zarn::zb(s && *s);
+}
+
 extern "C" {
 
 ZARN_API CADENA cad_copia_cadena(const char *s) {
@@ -203,9 +218,7 @@ ZARN_API CADENA cad_subcadena_inicial_size_t(const char *s, size_t n) {
 }
 
 ZARN_API CADENA creacadena(size_t n) {
-    char *r = zarn::reserva(n);
-    r[0] = '\0';
-    return r;
+    return i_creacadena(n);
 }
 
 ZARN_API CADENA creacadena_con_caracter(size_t n, char c) {
@@ -250,7 +263,7 @@ ZARN_API zybool cad_es_cadena_en_blanco(const char *s) {
 }
 
 ZARN_API zybool zarnstr_hay_texto(const char *s) {
-    return zarn::zb(s && *s);
+    return i_zarnstr_hay_texto(s);
 }
 
 ZARN_API zybool cad_es_subcadena(const char *texto, const char *parte) {
@@ -266,8 +279,7 @@ ZARN_API zybool cad_es_subcadena_may_min(const char *texto, const char *parte) {
 }
 
 ZARN_API double cad_atof(const char *s) {
-    ZARN_ASSERT_NO_NULL(s, ORIGEN);
-    return zarn::texto_a_double(s);
+    return i_cad_atof(s);
 }
 
 ZARN_API CADENA nousar_formatea(const char *formato, ...) {

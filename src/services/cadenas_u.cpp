@@ -72,6 +72,23 @@ std::u16string formatea(const char16_t *f, va_list ap) {
 
 } // namespace
 
+double i_widestr_nousar_atof(const char16_t *s, const char *origen, uint32_t linea) {
+    ZARN_NO_NULL_LLAMADA(s);
+    return zarn::texto_a_double(ascii_inicial(s));
+}
+
+int64_t i_widestr_nousar_atoi64(const char16_t *s, const char *origen, uint32_t linea) {
+    ZARN_NO_NULL_LLAMADA(s);
+    return zarn::texto_a_int64(ascii_inicial(s));
+}
+
+int32_t i_widestr_nousar_atol(const char16_t *s, const char *origen, uint32_t linea) {
+    ZARN_NO_NULL_LLAMADA(s);
+    using lim = std::numeric_limits<int32_t>;
+    return static_cast<int32_t>(
+        std::clamp<int64_t>(zarn::texto_a_int64(ascii_inicial(s)), lim::min(), lim::max()));
+}
+
 extern "C" {
 
 ZARN_API CADENA_u widestr_nousar_copia(const char16_t *s, const char *origen, uint32_t linea) {
@@ -192,20 +209,15 @@ ZARN_API zybool widestr_nousar_es_subcadena_may_o_min(const char16_t *texto, con
 }
 
 ZARN_API double widestr_nousar_atof(const char16_t *s, const char *origen, uint32_t linea) {
-    ZARN_NO_NULL_LLAMADA(s);
-    return zarn::texto_a_double(ascii_inicial(s));
+    return i_widestr_nousar_atof(s, origen, linea);
 }
 
 ZARN_API int32_t widestr_nousar_atol(const char16_t *s, const char *origen, uint32_t linea) {
-    ZARN_NO_NULL_LLAMADA(s);
-    using lim = std::numeric_limits<int32_t>;
-    return static_cast<int32_t>(
-        std::clamp<int64_t>(zarn::texto_a_int64(ascii_inicial(s)), lim::min(), lim::max()));
+    return i_widestr_nousar_atol(s, origen, linea);
 }
 
 ZARN_API int64_t widestr_nousar_atoi64(const char16_t *s, const char *origen, uint32_t linea) {
-    ZARN_NO_NULL_LLAMADA(s);
-    return zarn::texto_a_int64(ascii_inicial(s));
+    return i_widestr_nousar_atoi64(s, origen, linea);
 }
 
 ZARN_API CADENA_u copiaforu_nousar_formatea(const char16_t *formato, ...) {

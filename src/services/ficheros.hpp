@@ -132,3 +132,18 @@ ArrCADENA lista_lineas(std::string_view texto);
 ArrCADENA_u lista_lineas_u(std::u16string_view texto);
 
 } // namespace zarn
+// ---- The operations behind the C functions of the same names (files) ----------------------------
+
+// Each C function X of the services is i_X here; the writer, the reader and the tree call these,
+// never the C functions, which only forward.
+void i_zdir_crea_directorios_fichero_UNICODE(const char16_t *ruta);
+ArrCADENA_u i_lc_LeeFicheroTxt_unicode(const char16_t *ruta);
+void i_ztxt_escr_string_sin_salto_de_linea(const char *texto, zarnio_fichero_t *fichero);
+zarnio_fichero_t *i_f_lc_fopen_u(const char16_t *ruta, const char16_t *modo, const char *origen,
+                                 uint32_t linea);
+void i_f_lc_fread_sin_error(void *buffer, size_t tamanyo, size_t num, zarnio_fichero_t *fichero);
+fichmem *i_fichmem_crea_original(uint8_t **buffer, uint32_t tamanyo);
+void i_lc_fclose(zarnio_fichero_t **fichero);
+void i_lc_fclose_al_final(zarnio_fichero_t **fichero);
+double i_lc_tamanyo_fichero(zarnio_fichero_t *fichero);
+zybool i_zarnfile_es_fichero_unicode(const char16_t *ruta);

@@ -47,17 +47,25 @@ ArrCADENA_u lista_lineas_u(std::u16string_view texto) {
 
 } // namespace zarn
 
-extern "C" {
-
-// An empty text is one empty line.
-ZARN_API ArrCADENA cad_obten_lista_lineas(const char *texto) {
+ArrCADENA i_cad_obten_lista_lineas(const char *texto) {
     ZARN_ASSERT_NO_NULL(texto, ORIGEN);
     return lineas_de<ArrCADENA_s>(std::string_view(texto), true);
 }
 
-ZARN_API ArrCADENA_u cad_obten_lista_lineas_u(const char16_t *texto) {
+ArrCADENA_u i_cad_obten_lista_lineas_u(const char16_t *texto) {
     ZARN_ASSERT_NO_NULL(texto, ORIGEN);
     return lineas_de<ArrCADENA_u_s>(std::u16string_view(texto), true);
+}
+
+extern "C" {
+
+// An empty text is one empty line.
+ZARN_API ArrCADENA cad_obten_lista_lineas(const char *texto) {
+    return i_cad_obten_lista_lineas(texto);
+}
+
+ZARN_API ArrCADENA_u cad_obten_lista_lineas_u(const char16_t *texto) {
+    return i_cad_obten_lista_lineas_u(texto);
 }
 
 ZARN_API CADENA arraystr_union_de_textos_separados_por_salto_de_linea(ArrCADENA lineas) {

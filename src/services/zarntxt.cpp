@@ -195,6 +195,21 @@ void SalidaLineas::cierra() {
 
 } // namespace zarn
 
+ArrCADENA_u i_lc_LeeFicheroTxt_unicode(const char16_t *ruta) {
+    std::string bytes;
+    {
+        zarn::Fichero fi = zarn::abre(ruta, "rb", ORIGEN, __LINE__);
+        bytes = lee_todo(*fi);
+    }
+    return zarn::lista_lineas_u(utf16_de_bytes(bytes));
+}
+
+void i_ztxt_escr_string_sin_salto_de_linea(const char *texto, zarnio_fichero_t *fichero) {
+    ZARN_ASSERT_NO_NULL(texto, ORIGEN);
+    ZARN_ASSERT_NO_NULL(fichero, ORIGEN);
+    std::fwrite(texto, 1, std::strlen(texto), fichero->f);
+}
+
 extern "C" {
 
 ZARN_API char *ztxt_lee_linea(zarnio_fichero_t *fichero, char *buffer, uint32_t max) {
@@ -208,18 +223,11 @@ ZARN_API char *ztxt_lee_linea(zarnio_fichero_t *fichero, char *buffer, uint32_t 
 }
 
 ZARN_API void ztxt_escr_string_sin_salto_de_linea(const char *texto, zarnio_fichero_t *fichero) {
-    ZARN_ASSERT_NO_NULL(texto, ORIGEN);
-    ZARN_ASSERT_NO_NULL(fichero, ORIGEN);
-    std::fwrite(texto, 1, std::strlen(texto), fichero->f);
+    i_ztxt_escr_string_sin_salto_de_linea(texto, fichero);
 }
 
 ZARN_API ArrCADENA_u lc_LeeFicheroTxt_unicode(const char16_t *ruta) {
-    std::string bytes;
-    {
-        zarn::Fichero fi = zarn::abre(ruta, "rb", ORIGEN, __LINE__);
-        bytes = lee_todo(*fi);
-    }
-    return zarn::lista_lineas_u(utf16_de_bytes(bytes));
+    return i_lc_LeeFicheroTxt_unicode(ruta);
 }
 
 ZARN_API void lc_Graba_Array_FicheroTxt_u(ArrCADENA lineas, const char16_t *ruta) {

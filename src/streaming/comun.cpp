@@ -59,17 +59,17 @@ void i_actualiza_tipo_codificacion(int32_t tipo, const char16_t *nombre,
 
 zarnfxml_propiedad_t *i_crea_propiedad(CADENA *texto_propiedad, CADENA_u *dato_propiedad) {
     auto *p =
-        static_cast<zarnfxml_propiedad_t *>(zarnspy_nousar_malloc(sizeof(zarnfxml_propiedad_t)));
+        static_cast<zarnfxml_propiedad_t *>(i_zarnspy_nousar_malloc(sizeof(zarnfxml_propiedad_t)));
     p->texto_propiedad = static_cast<CADENA>(
-        zarnspy_nousar_asigna_doble_puntero_no_null(reinterpret_cast<void **>(texto_propiedad)));
+        i_zarnspy_nousar_asigna_doble_puntero_no_null(reinterpret_cast<void **>(texto_propiedad)));
     p->dato_propiedad = static_cast<CADENA_u>(
-        zarnspy_nousar_asigna_doble_puntero_no_null(reinterpret_cast<void **>(dato_propiedad)));
+        i_zarnspy_nousar_asigna_doble_puntero_no_null(reinterpret_cast<void **>(dato_propiedad)));
     return p;
 }
 
 zarnfxml_propiedad_t *i_crea_propiedad(std::string_view texto, std::u16string_view dato) {
     auto *p =
-        static_cast<zarnfxml_propiedad_t *>(zarnspy_nousar_malloc(sizeof(zarnfxml_propiedad_t)));
+        static_cast<zarnfxml_propiedad_t *>(i_zarnspy_nousar_malloc(sizeof(zarnfxml_propiedad_t)));
     p->texto_propiedad = zarn::dup(texto);
     p->dato_propiedad = zarn::dup_u(dato);
     return p;

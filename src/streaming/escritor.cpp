@@ -229,7 +229,7 @@ void i_genera_fichero(zarnfxml_t *handle, const char16_t *nombre_fichero, bool c
     ZARN_ASSERT_TEXTO(xml->etiquetas_abiertas.empty(),
                       "arr_NumElemsCADENA(xml->etiquetas_abiertas) == 0", ORIGEN_STREAMING);
     if (crear)
-        zdir_crea_directorios_fichero_UNICODE(nombre_fichero);
+        i_zdir_crea_directorios_fichero_UNICODE(nombre_fichero);
     zarn::SalidaLineas salida(nombre_fichero, crear ? "wb" : "ab");
     salida.linea(i_linea_cabecera_xml(xml));
     xml->lineas.recorre_tramos([&](const char *p, size_t n) { salida.lineas_terminadas(p, n); });

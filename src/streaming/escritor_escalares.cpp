@@ -73,7 +73,7 @@ ZARN_API void zarnfxml_graba_ulong_con_ulong_max_cero(zarnfxml_t *xml, const cha
 }
 
 ZARN_API void zarnfxml_graba_fecha(zarnfxml_t *xml, const char *etiqueta, int64_t fecha) {
-    i_graba_long(xml, etiqueta, cambtipo_time_t_a_long(fecha));
+    i_graba_long(xml, etiqueta, i_cambtipo_time_t_a_long(fecha));
 }
 
 ZARN_API void zarnfxml_graba_fecha64(zarnfxml_t *xml, const char *etiqueta, int64_t fecha) {
@@ -145,12 +145,12 @@ ZARN_API void zarnfxml_graba_ulong_con_propiedad(zarnfxml_t *handle, const char 
 
 ZARN_API CADENA_u zarnfxml_double_a_texto_con_todos_decimales(double valor, uint32_t ancho,
                                                               uint32_t decimales) {
-    return convers_texto_ex(nullptr, valor, ancho, decimales, FALSO, FALSO);
+    return zarn::dup_utf16(zarn::double_a_texto(valor, ancho, decimales, false));
 }
 
 ZARN_API CADENA_u zarnfxml_double_a_texto_sin_decimales_si_no_tiene(double valor, uint32_t ancho,
                                                                     uint32_t decimales) {
-    return convers_texto_ex(nullptr, valor, ancho, decimales, CIERTO, FALSO);
+    return zarn::dup_utf16(zarn::double_a_texto(valor, ancho, decimales, true));
 }
 
 ZARN_API CADENA_u zarnfxml_doubles_a_texto_sin_decimales_si_no_tiene(ArrDouble valores,

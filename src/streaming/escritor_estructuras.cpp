@@ -193,8 +193,8 @@ ZARN_API void zarnfxml_nousar_graba_apunorde(zarnfxml_t *xml, ApunOrde arr,
                                              func_graba_xml_item func) {
     I_ASSERT_FUNC(func, FUNC_NO_NULL);
     ZARN_ASSERT_NO_NULL(arr, ORIGEN_STREAMING);
-    const uint32_t n = apunorde_nousar_numelems(arr);
+    const uint32_t n = i_apunorde_nousar_numelems(arr);
     for (uint32_t i = 0; i < n; ++i)
-        func(apunorde_nousar_get(arr, i), xml);
+        func(i_apunorde_nousar_get(arr, i), xml);
 }
 }

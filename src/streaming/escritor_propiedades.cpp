@@ -71,7 +71,7 @@ void i_texto_propiedades(std::string &l, ArrPuntero propiedades, int32_t tipo) {
 }
 
 void i_destruye_propiedades(ArrPuntero *propiedades) {
-    arr_DestruyeEstructurasConTipo(propiedades, i_destruye_propiedad_void);
+    i_arr_DestruyeEstructurasConTipo(propiedades, i_destruye_propiedad_void);
 }
 
 // The block start or self-closing block of a list, which it consumes.

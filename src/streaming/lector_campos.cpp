@@ -41,11 +41,11 @@ zybool i_dato_registro_a_bool(const i_xml_lectura *xml) {
 }
 
 int32_t i_dato_a_long(const i_xml_lectura *xml) {
-    return widestr_nousar_atol(i_dato_campo(xml).c_str(), ORIGEN_STREAMING, __LINE__);
+    return i_widestr_nousar_atol(i_dato_campo(xml).c_str(), ORIGEN_STREAMING, __LINE__);
 }
 
 uint32_t i_dato_a_ulong(const i_xml_lectura *xml) {
-    return cambtipo_double_a_ulong(i_atof_u(i_dato_campo(xml).c_str()));
+    return i_cambtipo_double_a_ulong(i_atof_u(i_dato_campo(xml).c_str()));
 }
 
 double i_dato_a_double(const i_xml_lectura *xml) {
@@ -57,10 +57,10 @@ double i_dato_a_double(const i_xml_lectura *xml) {
 struct i_fichero_lectura {
     zarnio_fichero_t *f;
     explicit i_fichero_lectura(const char16_t *nombre)
-        : f(f_lc_fopen_u(nombre, u"rb", ORIGEN_STREAMING, __LINE__)) {}
+        : f(i_f_lc_fopen_u(nombre, u"rb", ORIGEN_STREAMING, __LINE__)) {}
     ~i_fichero_lectura() {
         if (f)
-            lc_fclose(&f);
+            i_lc_fclose(&f);
     }
     i_fichero_lectura(const i_fichero_lectura &) = delete;
     i_fichero_lectura &operator=(const i_fichero_lectura &) = delete;
@@ -166,7 +166,7 @@ ZARN_API CADENA_u zarnfxml_lee_cadena_u(zarnfxml_t *xml, const char *etiqueta) {
 }
 
 ZARN_API int64_t zarnfxml_lee_fecha(zarnfxml_t *xml, const char *etiqueta) {
-    return cambtipo_long_a_time_t(i_lee_long(xml, etiqueta));
+    return i_cambtipo_long_a_time_t(i_lee_long(xml, etiqueta));
 }
 
 ZARN_API zybool zarnfxml_salta_registro_campo(zarnfxml_t *xml, const char *etiqueta) {
@@ -190,11 +190,11 @@ ZARN_API zybool zarnfxml_bool(zarnfxml_t *xml_in, const char16_t *texto) {
 ZARN_API CADENA zarnfxml_lee_fichero_xml_string(const char16_t *nombre_fichero) {
     ZARN_ASSERT_NO_NULL(nombre_fichero, ORIGEN_STREAMING);
     i_fichero_lectura fichero(nombre_fichero);
-    const auto tamanyo = static_cast<uint64_t>(lc_tamanyo_fichero(fichero.f));
-    std::unique_ptr<char, void (*)(void *)> bloque(creacadena(tamanyo), zarn::libera);
+    const auto tamanyo = static_cast<uint64_t>(i_lc_tamanyo_fichero(fichero.f));
+    std::unique_ptr<char, void (*)(void *)> bloque(i_creacadena(tamanyo), zarn::libera);
     bloque.get()[tamanyo] = '\0';
     if (tamanyo != 0)
-        f_lc_fread_sin_error(bloque.get(), tamanyo, 1, fichero.f);
+        i_f_lc_fread_sin_error(bloque.get(), tamanyo, 1, fichero.f);
     return bloque.release();
 }
 

@@ -6,7 +6,7 @@ using zarn::ORIGEN_STREAMING;
 
 zybool i_es_xml_correcto(i_xml_lectura *xml, const char *etiqueta_raiz, CADENA *mensaje_error) {
     ZARN_ASSERT_NO_NULL(xml, ORIGEN_STREAMING);
-    const bool compara_raiz = zarnstr_hay_texto(etiqueta_raiz) != FALSO;
+    const bool compara_raiz = i_zarnstr_hay_texto(etiqueta_raiz) != FALSO;
     bool visto_bloque = false;
     const auto raiz = [&](i_tipo_registro_t tipo, const i_registro_t &registro) {
         if (tipo != i_REGISTRO_INICIO_BLOQUE || visto_bloque)

@@ -20,7 +20,7 @@ constexpr const char *LINEA_VACIA = "";
 
 i_fuente_t::~i_fuente_t() {
     if (destruye_lineas && lineas)
-        arr_DestruyeCADENA(&lineas);
+        i_arr_DestruyeCADENA(&lineas);
 }
 
 i_xml_lectura::i_xml_lectura() : zarnfxml_s(i_clase_objeto::lector), conf(i_crea_conf_UTF_8()) {}
@@ -40,7 +40,7 @@ std::unique_ptr<i_xml_lectura> i_crea_para_lectura_de_fichero_u(const char16_t *
     xml->dato_literal = dato_literal;
     i_fuente_t &f = xml->fuente;
     f.tipo_fuente = i_FUENTE_FICHERO;
-    f.fichero_ancho = zarnfile_es_fichero_unicode(nombre_fichero);
+    f.fichero_ancho = i_zarnfile_es_fichero_unicode(nombre_fichero);
     if (f.fichero_ancho) {
         // A UTF-16 file cannot be cut into 8-bit lines as it is read: it is read whole into
         // UTF-8 lines, which the reader owns, and served as a list.
@@ -176,14 +176,14 @@ void i_aplica_definicion_fichero_xml(const i_pieza_t *pieza, i_conf_t *conf) {
 
 ArrCADENA i_lee_lineas_fichero(const char16_t *nombre_fichero) {
     ZARN_ASSERT_NO_NULL(nombre_fichero, ORIGEN_STREAMING);
-    if (zarnfile_es_fichero_unicode(nombre_fichero)) {
-        ArrCADENA_u anchas = lc_LeeFicheroTxt_unicode(nombre_fichero);
-        ArrCADENA lineas = unicode_array_salida_ANSI(anchas);
-        arr_DestruyeCADENA_u(&anchas);
+    if (i_zarnfile_es_fichero_unicode(nombre_fichero)) {
+        ArrCADENA_u anchas = i_lc_LeeFicheroTxt_unicode(nombre_fichero);
+        ArrCADENA lineas = i_unicode_array_salida_ANSI(anchas);
+        i_arr_DestruyeCADENA_u(&anchas);
         return lineas;
     }
     zarn::Fichero fichero = zarn::abre(nombre_fichero, "rb", ORIGEN_STREAMING, __LINE__);
-    ArrCADENA lineas = arr_CreaCADENA(0);
+    ArrCADENA lineas = i_arr_CreaCADENA(0);
     while (const char *linea = fichero->lineas.siguiente(*fichero, ZTXT_MAX_LINEA))
         lineas->v.push_back(zarn::dup(linea));
     return lineas;

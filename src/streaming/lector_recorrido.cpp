@@ -177,8 +177,9 @@ ZARN_API CADENA zarnfxml_texto_etiqueta_con_propiedades(const char *etiqueta,
                                                         ArrCADENA textos_propiedades,
                                                         ArrCADENA datos_propiedades) {
     ZARN_ASSERT_NO_NULL(etiqueta, ORIGEN);
-    const uint32_t num_propiedades = arr_NumElemsCADENA(textos_propiedades);
-    ZARN_ASSERT(num_propiedades == arr_NumElemsCADENA(datos_propiedades), ORIGEN);
+    const uint32_t num_propiedades = i_arr_NumElemsCADENA(textos_propiedades);
+    ZARN_ASSERT_TEXTO(num_propiedades == i_arr_NumElemsCADENA(datos_propiedades),
+                      "num_propiedades == arr_NumElemsCADENA(datos_propiedades)", ORIGEN);
     std::string texto = etiqueta;
     for (uint32_t i = 0; i < num_propiedades; ++i)
         anade_propiedad_texto(texto, zarn::vista(textos_propiedades->v[i]),

@@ -73,8 +73,8 @@ fichmem *fichmem_de(const zarnxml_nodo_t *nodo) {
     const size_t fin = texto.find_last_not_of(" \t\r\n");
     texto.resize(fin == std::string::npos ? 0 : fin + 1);
     uint32_t tamanyo = 0;
-    uint8_t *buffer = zarnstrhex_nousar_cadena_Base64_a_buffer(texto.c_str(), &tamanyo);
-    return fichmem_crea_original(&buffer, tamanyo);
+    uint8_t *buffer = i_zarnstrhex_nousar_cadena_Base64_a_buffer(texto.c_str(), &tamanyo);
+    return i_fichmem_crea_original(&buffer, tamanyo);
 }
 
 } // namespace
@@ -277,7 +277,7 @@ ZARN_API ArrPunto2D zarnxml_get_dato_ArrPunto2D(const zarnxml_nodo_t *nodo,
     bool hay_x = false;
     double x = 0.0;
     recorre_tokens(vista_dato(nodo), zarn::vista(separadores), [&](const char16_t *token) {
-        const double v = widestr_nousar_atof(token, ORIGEN, static_cast<uint32_t>(__LINE__));
+        const double v = i_widestr_nousar_atof(token, ORIGEN, static_cast<uint32_t>(__LINE__));
         if (hay_x)
             puntos->v.push_back({x, v});
         else
@@ -295,20 +295,20 @@ ZARN_API zybool zarnxml_es_dato_bool(const zarnxml_nodo_t *nodo, zybool *valor) 
 ZARN_API zybool zarnxml_es_dato_long(const zarnxml_nodo_t *nodo, int32_t *valor) {
     ZARN_ASSERT_NO_NULL(nodo, ORIGEN);
     const double v = i_atof_u(i_dato(nodo));
-    if (!cambtipo_se_puede_double_a_long(v))
+    if (!i_cambtipo_se_puede_double_a_long(v))
         return FALSO;
     if (valor)
-        *valor = cambtipo_double_a_long(v);
+        *valor = i_cambtipo_double_a_long(v);
     return CIERTO;
 }
 
 ZARN_API zybool zarnxml_es_dato_ulong(const zarnxml_nodo_t *nodo, uint32_t *valor) {
     ZARN_ASSERT_NO_NULL(nodo, ORIGEN);
     const double v = i_atof_u(i_dato(nodo));
-    if (!cambtipo_se_puede_double_a_ulong(v))
+    if (!i_cambtipo_se_puede_double_a_ulong(v))
         return FALSO;
     if (valor)
-        *valor = cambtipo_double_a_ulong(v);
+        *valor = i_cambtipo_double_a_ulong(v);
     return CIERTO;
 }
 
@@ -345,8 +345,8 @@ ZARN_API int64_t zarnxml_get_dato_hijo_fecha(const zarnxml_nodo_t *nodo, const c
 }
 
 ZARN_API int64_t zarnxml_get_dato_hijo_fecha_64(const zarnxml_nodo_t *nodo, const char *etiqueta) {
-    return widestr_nousar_atoi64(i_dato(hijo_obligatorio(nodo, etiqueta)), ORIGEN,
-                                 static_cast<uint32_t>(__LINE__));
+    return i_widestr_nousar_atoi64(i_dato(hijo_obligatorio(nodo, etiqueta)), ORIGEN,
+                                   static_cast<uint32_t>(__LINE__));
 }
 
 ZARN_API zybool zarnxml_get_dato_hijo_bool(const zarnxml_nodo_t *nodo, const char *etiqueta) {
@@ -447,7 +447,7 @@ ZARN_API uint32_t zarnxml_get_dato_hijo_ulong_opcional(const zarnxml_nodo_t *nod
 
 ZARN_API int64_t zarnxml_get_dato_hijo_fecha_opcional(const zarnxml_nodo_t *nodo,
                                                       const char *etiqueta, int64_t valor_defecto) {
-    return i_get_dato_hijo_long_opcional(nodo, etiqueta, cambtipo_time_t_a_long(valor_defecto));
+    return i_get_dato_hijo_long_opcional(nodo, etiqueta, i_cambtipo_time_t_a_long(valor_defecto));
 }
 
 ZARN_API zybool zarnxml_get_dato_hijo_bool_opcional(const zarnxml_nodo_t *nodo,
@@ -470,17 +470,17 @@ ZARN_API ArrULong zarnxml_get_dato_hijo_ArrULong_opcional(const zarnxml_nodo_t *
                                                           const char *etiqueta) {
     ArrULong valor = nullptr;
     if (!i_existe_dato_hijo_ArrULong(nodo, etiqueta, &valor))
-        valor = arr_CreaULong(0);
+        valor = i_arr_CreaULong(0);
     return valor;
 }
 
 ZARN_API ArrCADENA_u zarnxml_get_ArrCadenaU_hijos(const zarnxml_nodo_t *nodo,
                                                   const char *etiqueta) {
     ZARN_ASSERT_NO_NULL(nodo, ORIGEN);
-    ArrCADENA_u datos = arr_CreaCADENA_u(0);
+    ArrCADENA_u datos = i_arr_CreaCADENA_u(0);
     for (uint32_t i = 0; i < nodo->num_hijos; ++i)
         if (i_etiqueta_igual(nodo->hijos()[i].etiqueta, etiqueta))
-            arr_AppendCADENA_u(datos, i_dato(&nodo->hijos()[i]));
+            i_arr_AppendCADENA_u(datos, i_dato(&nodo->hijos()[i]));
     return datos;
 }
 

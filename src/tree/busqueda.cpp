@@ -268,25 +268,25 @@ ZARN_API zybool zarnxml_existe_nodo_ruta_ex(const zarnxml_nodo_t *xml, ArrCADENA
                                             ArrCADENA_u datos_propiedades, ArrULong indices,
                                             const zarnxml_nodo_t **nodo_hijo) {
     ZARN_ASSERT_NO_NULL(xml, ORIGEN);
-    const uint32_t num = arr_NumElemsCADENA(ruta);
+    const uint32_t num = i_arr_NumElemsCADENA(ruta);
     if (num == 0)
         return FALSO;
     const zarnxml_nodo_t *nodo_padre = xml;
-    if (!i_etiqueta_igual(arr_GetCADENA(ruta, 0), nodo_padre->etiqueta))
+    if (!i_etiqueta_igual(i_arr_GetCADENA(ruta, 0), nodo_padre->etiqueta))
         return FALSO;
     for (uint32_t i = 1; i < num; ++i) {
         const char *texto_propiedad = nullptr;
         const char16_t *dato_propiedad = nullptr;
         if (textos_propiedades) {
-            const char *texto = arr_GetCADENA(textos_propiedades, i);
-            if (zarnstr_hay_texto(texto)) {
+            const char *texto = i_arr_GetCADENA(textos_propiedades, i);
+            if (i_zarnstr_hay_texto(texto)) {
                 texto_propiedad = texto;
-                dato_propiedad = arr_GetCADENA_u(datos_propiedades, i);
+                dato_propiedad = i_arr_GetCADENA_u(datos_propiedades, i);
             }
         }
-        const uint32_t indice = indices ? arr_GetULong(indices, i) : 0;
+        const uint32_t indice = indices ? i_arr_GetULong(indices, i) : 0;
         const zarnxml_nodo_t *hijo = nullptr;
-        if (!i_existe_nodo_ex(nodo_padre, arr_GetCADENA(ruta, i), texto_propiedad, dato_propiedad,
+        if (!i_existe_nodo_ex(nodo_padre, i_arr_GetCADENA(ruta, i), texto_propiedad, dato_propiedad,
                               indice, &hijo))
             return FALSO;
         nodo_padre = hijo;
@@ -303,14 +303,14 @@ ZARN_API zybool zarnxml_existen_nodos_recursivamente(const zarnxml_nodo_t *nodo,
     ZARN_ASSERT_NO_NULL(nodos_encontrados, ORIGEN);
     // The array is the caller's from the start, so that it stays reachable if the search ends
     // in an internal error.
-    ArrPuntero encontrados = arr_CreaPunteroConTipo(0);
+    ArrPuntero encontrados = i_arr_CreaPunteroConTipo(0);
     *nodos_encontrados = encontrados;
     busca_recursivamente(nodo, etiqueta, [&](const zarnxml_nodo_t *hijo) {
         encontrados->v.push_back(const_cast<zarnxml_nodo_t *>(hijo));
     });
     if (!encontrados->v.empty())
         return CIERTO;
-    arr_DestruyeEstructurasConstConTipo(nodos_encontrados);
+    i_arr_DestruyeEstructurasConstConTipo(nodos_encontrados);
     return FALSO;
 }
 

@@ -229,7 +229,7 @@ ZARN_API void zarnxml_destruye(zarnxml_nodo_t **xml) {
 
 ZARN_API void zarnxml_destruye_array_const_nodos(ArrPuntero *nodos) {
     ZARN_ASSERT_NO_NULL(nodos, ORIGEN);
-    arr_DestruyeEstructurasConstConTipo(nodos);
+    i_arr_DestruyeEstructurasConstConTipo(nodos);
 }
 
 } // extern "C"

@@ -252,19 +252,19 @@ ZARN_API ArrDouble zarnxml_lee_arr_double_numerados(zarnxml_lectura_t *xml, cons
     case ZARNFXML_NUMERACION_ARRAY_NINGUNA: {
         const zarnxml_nodo_t *nodo = hijo(xml, etiqueta);
         return nodo ? i_lista_double(i_dato(nodo), nodo->configuracion->separador_items)
-                    : arr_CreaDouble(0);
+                    : i_arr_CreaDouble(0);
     }
     case ZARNFXML_NUMERACION_ARRAY_BLOQUE_LINEAS: {
         // One number to a line; the blanks around it are indentation of a literal datum.
         const zarnxml_nodo_t *nodo = hijo(xml, etiqueta);
-        return nodo ? i_lista_double(i_dato(nodo), u"\n\r\t ") : arr_CreaDouble(0);
+        return nodo ? i_lista_double(i_dato(nodo), u"\n\r\t ") : i_arr_CreaDouble(0);
     }
     case ZARNFXML_NUMERACION_ARRAY_BLOQUE_CAMPOS:
     case ZARNFXML_NUMERACION_ARRAY_BLOQUE_DESDE_0:
     case ZARNFXML_NUMERACION_ARRAY_BLOQUE_DESDE_1: {
         const zarnxml_nodo_t *bloque = hijo(xml, etiqueta);
         if (!bloque)
-            return arr_CreaDouble(0);
+            return i_arr_CreaDouble(0);
         apila_nodo(xml, bloque, CIERTO);
         ArrDouble valores = doubles_de_nodos(hijos(bloque, etiqueta).get());
         desapila_nodo_actual(xml, bloque);
@@ -335,7 +335,7 @@ ZARN_API ArrPuntero zarnxml_nousar_lee_dato_array_estructura_como_lista(const za
     const zarnxml_nodo_t *bloque = nullptr;
     const zarnxml_nodo_t *lista = nullptr;
     if (!i_existe_nodo(nodo, etiqueta, &bloque) || !i_existe_nodo(bloque, "list", &lista))
-        return arr_CreaPunteroConTipo(0);
+        return i_arr_CreaPunteroConTipo(0);
     return lee_nodos(hijos(lista, "item").get(), func);
 }
 
