@@ -22,9 +22,11 @@ i_tipo_registro_t i_tipo_registro_de_pieza(i_tipo_pieza_t tipo_pieza) {
         return i_REGISTRO_FIN_FICHERO;
     case i_PIEZA_ERROR:
         return i_REGISTRO_ERROR;
-    default:
-        ZARN_DEFAULT_ERROR(ORIGEN_STREAMING);
+    case i_PIEZA_DEFINICION_FICHERO_XML:
+    case i_PIEZA_NINGUNA:
+        break;
     }
+    ZARN_DEFAULT_ERROR(ORIGEN_STREAMING);
 }
 
 // The field record of a start piece and, if there is one, the datum piece behind it. With
@@ -155,9 +157,11 @@ zybool i_lectura_terminada(const i_xml_lectura *xml) {
     case i_PIEZA_FIN_FICHERO:
     case i_PIEZA_ERROR:
         return CIERTO;
-    default:
-        ZARN_DEFAULT_ERROR(ORIGEN_STREAMING);
+    case i_PIEZA_DEFINICION_FICHERO_XML:
+    case i_PIEZA_NINGUNA:
+        break;
     }
+    ZARN_DEFAULT_ERROR(ORIGEN_STREAMING);
 }
 
 void i_asigna_error_especial(i_xml_lectura *xml, std::string mensaje) {
@@ -208,9 +212,13 @@ const std::string &i_etiqueta_registro(const i_registro_t *registro) {
         return registro->etiqueta;
     case i_REGISTRO_FIN_BLOQUE:
         return registro->etiqueta;
-    default:
-        ZARN_DEFAULT_ERROR(ORIGEN_STREAMING);
+    case i_REGISTRO_DATO:
+    case i_REGISTRO_FIN_FICHERO:
+    case i_REGISTRO_ERROR:
+    case i_REGISTRO_NINGUNO:
+        break;
     }
+    ZARN_DEFAULT_ERROR(ORIGEN_STREAMING);
 }
 
 const i_propiedades_t &i_propiedades_registro(const i_registro_t *registro) {
@@ -220,9 +228,14 @@ const i_propiedades_t &i_propiedades_registro(const i_registro_t *registro) {
     case i_REGISTRO_CAMPO:
     case i_REGISTRO_DEFINICION_COMENTARIO:
         return registro->propiedades;
-    default:
-        ZARN_DEFAULT_ERROR(ORIGEN_STREAMING);
+    case i_REGISTRO_DATO:
+    case i_REGISTRO_FIN_BLOQUE:
+    case i_REGISTRO_FIN_FICHERO:
+    case i_REGISTRO_ERROR:
+    case i_REGISTRO_NINGUNO:
+        break;
     }
+    ZARN_DEFAULT_ERROR(ORIGEN_STREAMING);
 }
 
 const i_dato_t &i_dato_registro(const i_registro_t *registro) {
@@ -231,9 +244,15 @@ const i_dato_t &i_dato_registro(const i_registro_t *registro) {
     case i_REGISTRO_CAMPO:
     case i_REGISTRO_DATO:
         return registro->dato;
-    default:
-        ZARN_DEFAULT_ERROR(ORIGEN_STREAMING);
+    case i_REGISTRO_INICIO_BLOQUE:
+    case i_REGISTRO_FIN_BLOQUE:
+    case i_REGISTRO_DEFINICION_COMENTARIO:
+    case i_REGISTRO_FIN_FICHERO:
+    case i_REGISTRO_ERROR:
+    case i_REGISTRO_NINGUNO:
+        break;
     }
+    ZARN_DEFAULT_ERROR(ORIGEN_STREAMING);
 }
 
 zybool i_es_etiqueta_registro_igual(const i_xml_lectura *xml, const char *etiqueta) {
