@@ -27,6 +27,17 @@ void i_graba_item_en_bloque(zarnfxml_t *xml, const void *item, func_graba_xml_it
     i_graba_fin_bloque(xml);
 }
 
+// Calls graba(item) for each element of an array of the caller's structures; a null array writes
+// nothing. The count is taken once, before the first call.
+template <typename F> void i_graba_cada(ArrPuntero arr, func_graba_xml_item func, F &&graba) {
+    if (arr == nullptr)
+        return;
+    I_ASSERT_FUNC(func, FUNC_NO_NULL);
+    const size_t n = arr->v.size();
+    for (size_t i = 0; i < n; ++i)
+        graba(arr->v[i]);
+}
+
 } // namespace
 
 void i_nousar_graba_estructura_opcional_con_etiqueta_y_propiedad1(
@@ -151,25 +162,19 @@ ZARN_API void zarnfxml_nousar_graba_arr_punterosST_con_etiqueta(zarnfxml_t *xml,
 ZARN_API void zarnfxml_nousar_graba_arr_punterosST_con_etiqueta_y_propiedad1(
     zarnfxml_t *xml, const char *etiqueta, const char *texto_propiedad, const char *dato_propiedad,
     ArrPuntero arr, func_graba_xml_item func) {
-    if (arr == nullptr)
-        return;
-    I_ASSERT_FUNC(func, FUNC_NO_NULL);
-    const size_t n = arr->v.size();
-    for (size_t i = 0; i < n; ++i)
-        i_nousar_graba_estructura_opcional_con_etiqueta_y_propiedad1(
-            xml, etiqueta, texto_propiedad, dato_propiedad, arr->v[i], func);
+    i_graba_cada(arr, func, [&](void *item) {
+        i_nousar_graba_estructura_opcional_con_etiqueta_y_propiedad1(xml, etiqueta, texto_propiedad,
+                                                                     dato_propiedad, item, func);
+    });
 }
 
 ZARN_API void zarnfxml_nousar_graba_arr_punterosST_con_etiqueta_y_valor_propiedad1(
     zarnfxml_t *xml, const char *etiqueta, const char *texto_propiedad, uint32_t valor,
     ArrPuntero arr, func_graba_xml_item func) {
-    if (arr == nullptr)
-        return;
-    I_ASSERT_FUNC(func, FUNC_NO_NULL);
-    const size_t n = arr->v.size();
-    for (size_t i = 0; i < n; ++i)
+    i_graba_cada(arr, func, [&](void *item) {
         i_nousar_graba_estructura_opcional_con_etiqueta_y_valor_propiedad1(
-            xml, etiqueta, texto_propiedad, valor, arr->v[i], func);
+            xml, etiqueta, texto_propiedad, valor, item, func);
+    });
 }
 
 ZARN_API void zarnfxml_nousar_graba_arr_punterosST_como_lista_elementos_1extra(

@@ -158,22 +158,27 @@ CADENA i_get_dato_cadena(const zarnxml_nodo_t *nodo) {
     return zarn::dup_utf8(vista_dato(nodo));
 }
 
-zybool i_existe_propiedad_cadena(const zarnxml_nodo_t *nodo, const char *texto_propiedad,
-                                 CADENA *valor) {
+// The text of a property, copied by copia(std::u16string_view) into the caller's string.
+template <typename T, typename Copia>
+zybool i_existe_propiedad_texto(const zarnxml_nodo_t *nodo, const char *texto_propiedad, T *valor,
+                                Copia &&copia) {
     ZARN_ASSERT_NO_NULL(nodo, ORIGEN);
     conf_de(nodo);
-    return i_existe_propiedad(nodo, texto_propiedad, valor, [](const zarnxml_propiedad_t *p) {
-        return zarn::dup_utf8(zarn::vista(p->dato_propiedad));
+    return i_existe_propiedad(nodo, texto_propiedad, valor, [&](const zarnxml_propiedad_t *p) {
+        return copia(zarn::vista(p->dato_propiedad));
     });
+}
+
+zybool i_existe_propiedad_cadena(const zarnxml_nodo_t *nodo, const char *texto_propiedad,
+                                 CADENA *valor) {
+    return i_existe_propiedad_texto(nodo, texto_propiedad, valor,
+                                    [](std::u16string_view d) { return zarn::dup_utf8(d); });
 }
 
 zybool i_existe_propiedad_cadena_u(const zarnxml_nodo_t *nodo, const char *texto_propiedad,
                                    CADENA_u *valor) {
-    ZARN_ASSERT_NO_NULL(nodo, ORIGEN);
-    conf_de(nodo);
-    return i_existe_propiedad(nodo, texto_propiedad, valor, [](const zarnxml_propiedad_t *p) {
-        return zarn::dup_u(zarn::vista(p->dato_propiedad));
-    });
+    return i_existe_propiedad_texto(nodo, texto_propiedad, valor,
+                                    [](std::u16string_view d) { return zarn::dup_u(d); });
 }
 
 zybool i_existe_propiedad_bool(const zarnxml_nodo_t *nodo, const char *texto_propiedad,
