@@ -64,10 +64,10 @@ template <typename T> std::string describe_contenido(int32_t tipo, const T &p, b
     return r;
 }
 
-inline std::string describe(const zarnfxml_pieza_t &p) {
+inline std::string describe(const i_pieza_t &p) {
     return describe_contenido(p.tipo_pieza, p, true);
 }
-inline std::string describe(const zarnfxml_registro_t &r) {
+inline std::string describe(const i_registro_t &r) {
     return describe_contenido(r.tipo_registro, r, false);
 }
 
@@ -75,7 +75,7 @@ inline std::string describe(const zarnfxml_registro_t &r) {
 inline std::vector<std::string> piezas_de(i_xml_lectura *xml) {
     std::vector<std::string> r;
     for (;;) {
-        const zarnfxml_pieza_t &p = i_lee_pieza(xml);
+        const i_pieza_t &p = i_lee_pieza(xml);
         r.push_back(describe(p));
         if (p.tipo_pieza == i_PIEZA_FIN_FICHERO || p.tipo_pieza == i_PIEZA_ERROR)
             return r;

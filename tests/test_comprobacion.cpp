@@ -102,7 +102,7 @@ TEST(Robustez, LineaDeSeisMegas) {
     escribe_fichero(dir / "l.xml", "<a>" + texto);
     EXPECT_EQ(comprueba_fichero(dir / "l.xml"), "Ln 4, Col 1: Unexpected word");
     // The cut falls inside an end tag: what follows it is a line of its own.
-    escribe_fichero(dir / "l.xml", "<a>" + std::string(i_MAX_LINEA - 5, ' ') + "</a>");
+    escribe_fichero(dir / "l.xml", "<a>" + std::string(ZTXT_MAX_LINEA - 5, ' ') + "</a>");
     EXPECT_EQ(comprueba_fichero(dir / "l.xml"), "Ln 2, Col 1: ()");
 }
 

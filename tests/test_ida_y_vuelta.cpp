@@ -143,7 +143,7 @@ TEST(IdaYVuelta, NumerosYVerdades) {
 // The elements of a new array of plain values, and the array freed.
 template <typename A> auto de(A *a) {
     auto v = std::move(a->v);
-    i_destruye_arr{}(a);
+    zarn::DestruyeArr{}(a);
     return v;
 }
 

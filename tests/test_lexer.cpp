@@ -50,7 +50,7 @@ static std::vector<std::string> lineas_leidas(const std::u16string &ruta) {
 
 TEST(Fuente, LasLineasDeUnFicheroSeCortanComoEnElServicioDeLineas) {
     DirTemporal dir;
-    const std::string largo(i_MAX_LINEA, 'x');
+    const std::string largo(ZTXT_MAX_LINEA, 'x');
     std::vector<std::string> casos = {"", "\n", "a", "a\r", "a\r\r\nb\n", "a\n\r\nb\r\n"};
     for (const char *tras : {"", "\nz", "\r\nz", "\rz", "y\n"}) // around the longest line
         casos.push_back(largo + tras);

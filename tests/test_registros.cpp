@@ -129,7 +129,7 @@ TEST(Registros, EtiquetasYPropiedadesDelRegistro) {
 TEST(Registros, ConstructoresComprueban) {
     Lineas l{"<a>x</a>"};
     auto xml = i_crea_para_lectura_de_lineas(l.a, FALSO);
-    const zarnfxml_pieza_t &inicio = i_lee_pieza(xml.get());
+    const i_pieza_t &inicio = i_lee_pieza(xml.get());
     EXPECT_EQ(condicion_de([&] { i_registro_fin_bloque(xml.get(), inicio); }),
               "pieza_inicio_y_fin_bloque->tipo_pieza == i_PIEZA_INICIO_Y_FIN_BLOQUE");
     EXPECT_EQ(condicion_de([&] { i_aplica_definicion_fichero_xml(&inicio, xml->conf.get()); }),

@@ -73,15 +73,7 @@ std::vector<uint8_t> base64_decodifica(std::string_view texto) {
 
 } // namespace zarn
 
-extern "C" {
-
-ZARN_API CADENA zarnstrhex_nousar_buffer_a_cadena_Base64(const uint8_t *buffer, uint32_t tamanyo) {
-    ZARN_ASSERT_TEXTO(buffer != nullptr || tamanyo == 0, "buffer != NULL || tamanyo == 0",
-                      "zarnstr");
-    return zarn::dup(zarn::base64_codifica(buffer, tamanyo));
-}
-
-ZARN_API uint8_t *zarnstrhex_nousar_cadena_Base64_a_buffer(const char *s, uint32_t *tamanyo) {
+uint8_t *i_zarnstrhex_nousar_cadena_Base64_a_buffer(const char *s, uint32_t *tamanyo) {
     ZARN_ASSERT_NO_NULL(s, "zarnstr");
     ZARN_ASSERT_NO_NULL(tamanyo, "zarnstr");
     const std::vector<uint8_t> datos = zarn::base64_decodifica(s);
@@ -91,5 +83,17 @@ ZARN_API uint8_t *zarnstrhex_nousar_cadena_Base64_a_buffer(const char *s, uint32
         std::memcpy(r, datos.data(), datos.size());
     *tamanyo = static_cast<uint32_t>(datos.size());
     return r;
+}
+
+extern "C" {
+
+ZARN_API CADENA zarnstrhex_nousar_buffer_a_cadena_Base64(const uint8_t *buffer, uint32_t tamanyo) {
+    ZARN_ASSERT_TEXTO(buffer != nullptr || tamanyo == 0, "buffer != NULL || tamanyo == 0",
+                      "zarnstr");
+    return zarn::dup(zarn::base64_codifica(buffer, tamanyo));
+}
+
+ZARN_API uint8_t *zarnstrhex_nousar_cadena_Base64_a_buffer(const char *s, uint32_t *tamanyo) {
+    return i_zarnstrhex_nousar_cadena_Base64_a_buffer(s, tamanyo);
 }
 }

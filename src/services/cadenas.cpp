@@ -51,10 +51,6 @@ namespace {
 
 constexpr const char *ORIGEN = "zarnstr";
 
-zybool zb(bool b) {
-    return b ? CIERTO : FALSO;
-}
-
 // Grows a heap string to room for n bytes and the terminator.
 char *agranda(char *p, size_t n) {
     void *r = std::realloc(p, n + 1);
@@ -124,6 +120,21 @@ std::string formatea(const char *f, va_list ap) {
 }
 
 } // namespace
+
+double i_cad_atof(const char *s) {
+    ZARN_ASSERT_NO_NULL(s, ORIGEN);
+    return zarn::texto_a_double(s);
+}
+
+CADENA i_creacadena(size_t n) {
+    char *r = zarn::reserva(n);
+    r[0] = '\0';
+    return r;
+}
+
+zybool i_zarnstr_hay_texto(const char *s) {
+    return zarn::zb(s && *s);
+}
 
 extern "C" {
 
@@ -207,9 +218,7 @@ ZARN_API CADENA cad_subcadena_inicial_size_t(const char *s, size_t n) {
 }
 
 ZARN_API CADENA creacadena(size_t n) {
-    char *r = zarn::reserva(n);
-    r[0] = '\0';
-    return r;
+    return i_creacadena(n);
 }
 
 ZARN_API CADENA creacadena_con_caracter(size_t n, char c) {
@@ -234,44 +243,43 @@ ZARN_API uint32_t cad_longitud_cadena(const char *s) {
 ZARN_API zybool cad_cadenas_iguales(const char *a, const char *b) {
     ZARN_ASSERT_NO_NULL(a, ORIGEN);
     ZARN_ASSERT_NO_NULL(b, ORIGEN);
-    return zb(std::strcmp(a, b) == 0);
+    return zarn::zb(std::strcmp(a, b) == 0);
 }
 
 ZARN_API zybool cad_cadenas_iguales_may_o_min(const char *a, const char *b) {
     ZARN_ASSERT_NO_NULL(a, ORIGEN);
     ZARN_ASSERT_NO_NULL(b, ORIGEN);
-    return zb(zarn::iguales_may_o_min(std::string_view(a), std::string_view(b)));
+    return zarn::zb(zarn::iguales_may_o_min(std::string_view(a), std::string_view(b)));
 }
 
 ZARN_API zybool cad_es_cadena_vacia(const char *s) {
     ZARN_ASSERT_NO_NULL(s, ORIGEN);
-    return zb(*s == '\0');
+    return zarn::zb(*s == '\0');
 }
 
 ZARN_API zybool cad_es_cadena_en_blanco(const char *s) {
     ZARN_ASSERT_NO_NULL(s, ORIGEN);
-    return zb(std::string_view(s).find_first_not_of(" \t\r\n") == std::string_view::npos);
+    return zarn::zb(std::string_view(s).find_first_not_of(" \t\r\n") == std::string_view::npos);
 }
 
 ZARN_API zybool zarnstr_hay_texto(const char *s) {
-    return zb(s && *s);
+    return i_zarnstr_hay_texto(s);
 }
 
 ZARN_API zybool cad_es_subcadena(const char *texto, const char *parte) {
     ZARN_ASSERT_NO_NULL(texto, ORIGEN);
     ZARN_ASSERT_NO_NULL(parte, ORIGEN);
-    return zb(std::strstr(texto, parte) != nullptr);
+    return zarn::zb(std::strstr(texto, parte) != nullptr);
 }
 
 ZARN_API zybool cad_es_subcadena_may_min(const char *texto, const char *parte) {
     ZARN_ASSERT_NO_NULL(texto, ORIGEN);
     ZARN_ASSERT_NO_NULL(parte, ORIGEN);
-    return zb(zarn::contiene_may_o_min(zarn::utf8_a_utf16(texto), zarn::utf8_a_utf16(parte)));
+    return zarn::zb(zarn::contiene_may_o_min(zarn::utf8_a_utf16(texto), zarn::utf8_a_utf16(parte)));
 }
 
 ZARN_API double cad_atof(const char *s) {
-    ZARN_ASSERT_NO_NULL(s, ORIGEN);
-    return zarn::texto_a_double(s);
+    return i_cad_atof(s);
 }
 
 ZARN_API CADENA nousar_formatea(const char *formato, ...) {

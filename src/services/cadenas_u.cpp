@@ -22,10 +22,6 @@
 
 namespace {
 
-zybool zb(bool b) {
-    return b ? CIERTO : FALSO;
-}
-
 // Grows a wide heap string to room for n units and the terminator.
 char16_t *agranda(char16_t *p, size_t n) {
     void *r = std::realloc(p, (n + 1) * sizeof(char16_t));
@@ -75,6 +71,23 @@ std::u16string formatea(const char16_t *f, va_list ap) {
 }
 
 } // namespace
+
+double i_widestr_nousar_atof(const char16_t *s, const char *origen, uint32_t linea) {
+    ZARN_NO_NULL_LLAMADA(s);
+    return zarn::texto_a_double(ascii_inicial(s));
+}
+
+int64_t i_widestr_nousar_atoi64(const char16_t *s, const char *origen, uint32_t linea) {
+    ZARN_NO_NULL_LLAMADA(s);
+    return zarn::texto_a_int64(ascii_inicial(s));
+}
+
+int32_t i_widestr_nousar_atol(const char16_t *s, const char *origen, uint32_t linea) {
+    ZARN_NO_NULL_LLAMADA(s);
+    using lim = std::numeric_limits<int32_t>;
+    return static_cast<int32_t>(
+        std::clamp<int64_t>(zarn::texto_a_int64(ascii_inicial(s)), lim::min(), lim::max()));
+}
 
 extern "C" {
 
@@ -164,52 +177,47 @@ ZARN_API uint32_t widestr_nousar_longitud(const char16_t *s, const char *origen,
 ZARN_API zybool widestr_nousar_es_cadena_vacia(const char16_t *s, const char *origen,
                                                uint32_t linea) {
     ZARN_NO_NULL_LLAMADA(s);
-    return zb(*s == u'\0');
+    return zarn::zb(*s == u'\0');
 }
 
 ZARN_API zybool widestr_nousar_cadenas_iguales(const char16_t *a, const char16_t *b,
                                                const char *origen, uint32_t linea) {
     ZARN_NO_NULL_LLAMADA(a);
     ZARN_NO_NULL_LLAMADA(b);
-    return zb(std::u16string_view(a) == std::u16string_view(b));
+    return zarn::zb(std::u16string_view(a) == std::u16string_view(b));
 }
 
 ZARN_API zybool widestr_nousar_cadenas_iguales_may_o_min(const char16_t *a, const char16_t *b,
                                                          const char *origen, uint32_t linea) {
     ZARN_NO_NULL_LLAMADA(a);
     ZARN_NO_NULL_LLAMADA(b);
-    return zb(zarn::iguales_may_o_min(std::u16string_view(a), std::u16string_view(b)));
+    return zarn::zb(zarn::iguales_may_o_min(std::u16string_view(a), std::u16string_view(b)));
 }
 
 ZARN_API zybool widestr_nousar_es_subcadena(const char16_t *texto, const char16_t *parte,
                                             const char *origen, uint32_t linea) {
     ZARN_NO_NULL_LLAMADA(texto);
     ZARN_NO_NULL_LLAMADA(parte);
-    return zb(std::u16string_view(texto).find(parte) != std::u16string_view::npos);
+    return zarn::zb(std::u16string_view(texto).find(parte) != std::u16string_view::npos);
 }
 
 ZARN_API zybool widestr_nousar_es_subcadena_may_o_min(const char16_t *texto, const char16_t *parte,
                                                       const char *origen, uint32_t linea) {
     ZARN_NO_NULL_LLAMADA(texto);
     ZARN_NO_NULL_LLAMADA(parte);
-    return zb(zarn::contiene_may_o_min(texto, parte));
+    return zarn::zb(zarn::contiene_may_o_min(texto, parte));
 }
 
 ZARN_API double widestr_nousar_atof(const char16_t *s, const char *origen, uint32_t linea) {
-    ZARN_NO_NULL_LLAMADA(s);
-    return zarn::texto_a_double(ascii_inicial(s));
+    return i_widestr_nousar_atof(s, origen, linea);
 }
 
 ZARN_API int32_t widestr_nousar_atol(const char16_t *s, const char *origen, uint32_t linea) {
-    ZARN_NO_NULL_LLAMADA(s);
-    using lim = std::numeric_limits<int32_t>;
-    return static_cast<int32_t>(
-        std::clamp<int64_t>(zarn::texto_a_int64(ascii_inicial(s)), lim::min(), lim::max()));
+    return i_widestr_nousar_atol(s, origen, linea);
 }
 
 ZARN_API int64_t widestr_nousar_atoi64(const char16_t *s, const char *origen, uint32_t linea) {
-    ZARN_NO_NULL_LLAMADA(s);
-    return zarn::texto_a_int64(ascii_inicial(s));
+    return i_widestr_nousar_atoi64(s, origen, linea);
 }
 
 ZARN_API CADENA_u copiaforu_nousar_formatea(const char16_t *formato, ...) {

@@ -10,15 +10,53 @@
 #include <string>
 #include <string_view>
 
-// An open file. ztxt_lee_linea reads ahead into `lectura`: the bytes [pos, fin) have been taken
-// from `f` but not yet delivered, so whoever reads `f` directly must take them first
-// (zarn::lee_bytes does).
+struct zarnio_fichero_s;
+
+namespace zarn {
+
+// Cuts the lines of a file out of large blocks read at once, for ztxt_lee_linea and the reader
+// alike. Lines end at LF, a CR right before the LF belongs to the line end, and a line longer
+// than `max` bytes is cut there, its rest coming as the next line. Each line is terminated in
+// place. The first block is small, enough for a small document; a file that fills it is read on
+// in large blocks, and only a line that does not fit makes the block larger.
+class CortadorLineas {
+public:
+    // The next line, valid until the next call; null once the file is exhausted.
+    char *siguiente(zarnio_fichero_s &fichero, size_t max);
+    // The length of the line last delivered (it may hold zero bytes of its own).
+    size_t largo() const noexcept { return largo_; }
+    // Takes up to n of the bytes read and not yet delivered; gives the count taken.
+    size_t toma(char *destino, size_t n) noexcept;
+
+private:
+    void lee_mas(zarnio_fichero_s &fichero, size_t max);
+    void agranda(size_t nueva);
+    void repone() noexcept {
+        if (hay_guardado_) {
+            buf_[pos_] = guardado_;
+            hay_guardado_ = false;
+        }
+    }
+
+    std::unique_ptr<char[]> buf_; // cap_ bytes of data and one for a terminator
+    size_t cap_ = 0;
+    size_t pos_ = 0;     // start of what has not been delivered
+    size_t fin_ = 0;     // end of what has been read
+    size_t buscado_ = 0; // bytes behind pos_ already searched for a line end
+    size_t largo_ = 0;
+    bool agotado_ = false;
+    bool hay_guardado_ = false; // a cut line borrowed the first byte of the next for its terminator
+    char guardado_ = 0;
+};
+
+} // namespace zarn
+
+// An open file. Lines are cut from it by `lineas`, which reads ahead: whoever reads `f` directly
+// must take what it holds first (zarn::lee_bytes does).
 struct zarnio_fichero_s {
     std::FILE *f = nullptr;
     std::string ruta; // UTF-8, for messages
-    std::unique_ptr<char[]> lectura;
-    size_t pos = 0;
-    size_t fin = 0;
+    zarn::CortadorLineas lineas;
 
     zarnio_fichero_s(std::FILE *fichero, std::string r) : f(fichero), ruta(std::move(r)) {}
     zarnio_fichero_s(const zarnio_fichero_s &) = delete;
@@ -27,8 +65,6 @@ struct zarnio_fichero_s {
         if (f)
             std::fclose(f);
     }
-
-    size_t pendientes() const noexcept { return fin - pos; }
 };
 
 namespace zarn {
@@ -46,6 +82,8 @@ Fichero abre(const char16_t *ruta, const char *modo, const char *origen, uint32_
 // Reads up to n bytes, the read-ahead first; gives the count read. A read error ends in
 // "fichero abierto".
 size_t lee_bytes(zarnio_fichero_s &fichero, void *destino, size_t n);
+// The same without the read-ahead.
+size_t lee_bytes_directos(zarnio_fichero_s &fichero, void *destino, size_t n);
 
 // Flushes and closes a written file; a failure ends in "fichero escrito" with the path.
 void cierra_escrito(Fichero fichero, const char *origen, uint32_t linea);
@@ -94,3 +132,18 @@ ArrCADENA lista_lineas(std::string_view texto);
 ArrCADENA_u lista_lineas_u(std::u16string_view texto);
 
 } // namespace zarn
+// ---- The operations behind the C functions of the same names (files) ----------------------------
+
+// Each C function X of the services is i_X here; the writer, the reader and the tree call these,
+// never the C functions, which only forward.
+void i_zdir_crea_directorios_fichero_UNICODE(const char16_t *ruta);
+ArrCADENA_u i_lc_LeeFicheroTxt_unicode(const char16_t *ruta);
+void i_ztxt_escr_string_sin_salto_de_linea(const char *texto, zarnio_fichero_t *fichero);
+zarnio_fichero_t *i_f_lc_fopen_u(const char16_t *ruta, const char16_t *modo, const char *origen,
+                                 uint32_t linea);
+void i_f_lc_fread_sin_error(void *buffer, size_t tamanyo, size_t num, zarnio_fichero_t *fichero);
+fichmem *i_fichmem_crea_original(uint8_t **buffer, uint32_t tamanyo);
+void i_lc_fclose(zarnio_fichero_t **fichero);
+void i_lc_fclose_al_final(zarnio_fichero_t **fichero);
+double i_lc_tamanyo_fichero(zarnio_fichero_t *fichero);
+zybool i_zarnfile_es_fichero_unicode(const char16_t *ruta);

@@ -48,10 +48,22 @@ void libera(void *p) noexcept {
 
 } // namespace zarn
 
+void *i_zarnspy_nousar_asigna_doble_puntero_no_null(void **p) {
+    ZARN_ASSERT_NO_NULL(p, "zarnmem");
+    ZARN_ASSERT_NO_NULL(*p, "zarnmem");
+    void *valor = *p;
+    *p = nullptr;
+    return valor;
+}
+
+void *i_zarnspy_nousar_malloc(size_t tamanyo) {
+    return zarn::reserva(tamanyo);
+}
+
 extern "C" {
 
 ZARN_API void *zarnspy_nousar_malloc(size_t tamanyo) {
-    return zarn::reserva(tamanyo);
+    return i_zarnspy_nousar_malloc(tamanyo);
 }
 
 ZARN_API void *zarnspy_nousar_calloc(size_t num, size_t tamanyo) {
@@ -76,11 +88,7 @@ ZARN_API void *zarnspy_nousar_asigna_doble_puntero(void **p) {
 }
 
 ZARN_API void *zarnspy_nousar_asigna_doble_puntero_no_null(void **p) {
-    ZARN_ASSERT_NO_NULL(p, "zarnmem");
-    ZARN_ASSERT_NO_NULL(*p, "zarnmem");
-    void *valor = *p;
-    *p = nullptr;
-    return valor;
+    return i_zarnspy_nousar_asigna_doble_puntero_no_null(p);
 }
 
 ZARN_API void *zarnspy_nousar_copia_puntero_opcional(const void *p, void *(*func)(const void *)) {

@@ -21,6 +21,14 @@ inline constexpr const char *ORIGEN_STREAMING = "zarnfxml (ZARNXML.DLL)";
 inline constexpr const char *ORIGEN_ARBOL = "zarnxml (ZARNXML.DLL)";
 
 // Every failed check goes through the installed handler; these never return.
+//
+// The condition texts that the handler receives are part of the interface: handlers and their
+// users match on them, so they keep the words that they have always had, even where these name
+// variables that the code no longer has. Never correct one. Where a condition, as written, is its
+// own text, ZARN_ASSERT spells the text from it, so that the two cannot drift apart; elsewhere
+// ZARN_ASSERT_TEXTO gives the text that the interface has. Renaming what such a condition names
+// changes its text: the condition then goes back to ZARN_ASSERT_TEXTO with the text it had.
+#define ZARN_ASSERT(cond, origen) ZARN_ASSERT_TEXTO(cond, #cond, origen)
 #define ZARN_ASSERT_TEXTO(cond, texto, origen)                                                     \
     do {                                                                                           \
         if (!(cond)) [[unlikely]]                                                                  \
@@ -30,6 +38,13 @@ inline constexpr const char *ORIGEN_ARBOL = "zarnxml (ZARNXML.DLL)";
 #define ZARN_ASSERT_NO_NULL(p, origen) ZARN_ASSERT_TEXTO((p) != nullptr, "(" #p ") != NULL", origen)
 #define ZARN_DEFAULT_ERROR(origen)                                                                 \
     ::error_interno_default_error(nullptr, nullptr, (origen), static_cast<uint32_t>(__LINE__), 0)
+
+// ---- Truth values ----------------------------------------------------------------------------
+
+// Inside, truth is bool; zybool is the C interface's, made here at the edge.
+constexpr zybool zb(bool b) noexcept {
+    return b ? CIERTO : FALSO;
+}
 
 // ---- Variadic arguments --------------------------------------------------------------------
 
@@ -129,3 +144,26 @@ std::string base64_codifica(const uint8_t *datos, size_t tamanyo);
 std::vector<uint8_t> base64_decodifica(std::string_view texto);
 
 } // namespace zarn
+// ---- The operations behind the C functions of the same names (texts, numbers and memory) --------
+
+// Each C function X of the services is i_X here; the writer, the reader and the tree call these,
+// never the C functions, which only forward.
+void *i_zarnspy_nousar_asigna_doble_puntero_no_null(void **p);
+void *i_zarnspy_nousar_malloc(size_t tamanyo);
+ArrCADENA i_unicode_array_salida_ANSI(ArrCADENA_u arr);
+ArrCADENA i_cad_obten_lista_lineas(const char *texto);
+ArrCADENA_u i_cad_obten_lista_lineas_u(const char16_t *texto);
+int32_t i_cambtipo_double_a_long(double valor);
+uint32_t i_cambtipo_double_a_ulong(double valor);
+int64_t i_cambtipo_long_a_time_t(int32_t valor);
+zybool i_cambtipo_se_puede_double_a_long(double valor);
+zybool i_cambtipo_se_puede_double_a_ulong(double valor);
+int32_t i_cambtipo_time_t_a_long(int64_t valor);
+uint16_t i_cambtipo_unsigned_long_a_unsigned_short(uint32_t valor);
+uint8_t *i_zarnstrhex_nousar_cadena_Base64_a_buffer(const char *s, uint32_t *tamanyo);
+double i_cad_atof(const char *s);
+CADENA i_creacadena(size_t n);
+zybool i_zarnstr_hay_texto(const char *s);
+double i_widestr_nousar_atof(const char16_t *s, const char *origen, uint32_t linea);
+int64_t i_widestr_nousar_atoi64(const char16_t *s, const char *origen, uint32_t linea);
+int32_t i_widestr_nousar_atol(const char16_t *s, const char *origen, uint32_t linea);

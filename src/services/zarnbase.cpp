@@ -13,11 +13,6 @@ namespace {
 
 constexpr const char *ORIGEN = "zarnbase";
 
-struct DestruyeArr {
-    void operator()(ArrCADENA_s *a) const { arr_DestruyeCADENA(&a); }
-    void operator()(ArrCADENA_u_s *a) const { arr_DestruyeCADENA_u(&a); }
-};
-
 char *copia(std::string_view s) {
     return zarn::dup(s);
 }
@@ -27,7 +22,7 @@ char16_t *copia(std::u16string_view s) {
 
 // The array owns every string put in, so nothing leaks if a later line cannot be stored.
 template <typename A, typename C> A *lineas_de(std::basic_string_view<C> texto, bool una_vacia) {
-    std::unique_ptr<A, DestruyeArr> arr(std::make_unique<A>().release());
+    zarn::ArrPropio<A> arr(std::make_unique<A>().release());
     const auto anade = [&](std::basic_string_view<C> linea) {
         arr->v.push_back(nullptr);
         arr->v.back() = copia(linea);
@@ -52,17 +47,25 @@ ArrCADENA_u lista_lineas_u(std::u16string_view texto) {
 
 } // namespace zarn
 
-extern "C" {
-
-// An empty text is one empty line.
-ZARN_API ArrCADENA cad_obten_lista_lineas(const char *texto) {
+ArrCADENA i_cad_obten_lista_lineas(const char *texto) {
     ZARN_ASSERT_NO_NULL(texto, ORIGEN);
     return lineas_de<ArrCADENA_s>(std::string_view(texto), true);
 }
 
-ZARN_API ArrCADENA_u cad_obten_lista_lineas_u(const char16_t *texto) {
+ArrCADENA_u i_cad_obten_lista_lineas_u(const char16_t *texto) {
     ZARN_ASSERT_NO_NULL(texto, ORIGEN);
     return lineas_de<ArrCADENA_u_s>(std::u16string_view(texto), true);
+}
+
+extern "C" {
+
+// An empty text is one empty line.
+ZARN_API ArrCADENA cad_obten_lista_lineas(const char *texto) {
+    return i_cad_obten_lista_lineas(texto);
+}
+
+ZARN_API ArrCADENA_u cad_obten_lista_lineas_u(const char16_t *texto) {
+    return i_cad_obten_lista_lineas_u(texto);
 }
 
 ZARN_API CADENA arraystr_union_de_textos_separados_por_salto_de_linea(ArrCADENA lineas) {

@@ -9,6 +9,15 @@ namespace {
 constexpr const char *ORIGEN = "zarncode";
 }
 
+ArrCADENA i_unicode_array_salida_ANSI(ArrCADENA_u arr) {
+    ZARN_ASSERT_NO_NULL(arr, ORIGEN);
+    ArrCADENA r = arr_CreaCADENA(0);
+    r->v.reserve(arr->v.size());
+    for (const char16_t *s : arr->v)
+        r->v.push_back(s ? zarn::dup_utf8(s) : nullptr);
+    return r;
+}
+
 extern "C" {
 
 ZARN_API CADENA unicode_UNICODE_a_ANSI(const char16_t *s) {
@@ -56,11 +65,6 @@ ZARN_API CADENA_u unicode_convierte_UTF8_a_UNICODE(const char *s) {
 }
 
 ZARN_API ArrCADENA unicode_array_salida_ANSI(ArrCADENA_u arr) {
-    ZARN_ASSERT_NO_NULL(arr, ORIGEN);
-    ArrCADENA r = arr_CreaCADENA(0);
-    r->v.reserve(arr->v.size());
-    for (const char16_t *s : arr->v)
-        r->v.push_back(s ? zarn::dup_utf8(s) : nullptr);
-    return r;
+    return i_unicode_array_salida_ANSI(arr);
 }
 }

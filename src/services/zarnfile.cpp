@@ -4,10 +4,7 @@
 
 #include <zarnxml/zarnfile.h>
 
-extern "C" {
-
-// Looks only at the first two bytes: a UTF-16 byte order mark in either order.
-ZARN_API zybool zarnfile_es_fichero_unicode(const char16_t *ruta) {
+zybool i_zarnfile_es_fichero_unicode(const char16_t *ruta) {
     ZARN_ASSERT_NO_NULL(ruta, "zarnfile");
     const std::filesystem::path p = zarn::ruta_de(ruta);
     std::error_code ec;
@@ -21,6 +18,13 @@ ZARN_API zybool zarnfile_es_fichero_unicode(const char16_t *ruta) {
     std::fclose(f);
     const bool unicode =
         leidos == 2 && ((bom[0] == 0xFF && bom[1] == 0xFE) || (bom[0] == 0xFE && bom[1] == 0xFF));
-    return unicode ? CIERTO : FALSO;
+    return zarn::zb(unicode);
+}
+
+extern "C" {
+
+// Looks only at the first two bytes: a UTF-16 byte order mark in either order.
+ZARN_API zybool zarnfile_es_fichero_unicode(const char16_t *ruta) {
+    return i_zarnfile_es_fichero_unicode(ruta);
 }
 }

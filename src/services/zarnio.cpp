@@ -42,17 +42,17 @@ Fichero abre(const char16_t *ruta, const char *modo, const char *origen, uint32_
 
 size_t lee_bytes(zarnio_fichero_s &fichero, void *destino, size_t n) {
     auto *d = static_cast<char *>(destino);
-    const size_t previos = std::min(n, fichero.pendientes());
-    if (previos) {
-        std::memcpy(d, fichero.lectura.get() + fichero.pos, previos);
-        fichero.pos += previos;
-    }
+    const size_t previos = fichero.lineas.toma(d, n);
     if (previos == n)
         return n;
-    const size_t leidos = std::fread(d + previos, 1, n - previos, fichero.f);
-    if (leidos < n - previos && std::ferror(fichero.f))
+    return previos + lee_bytes_directos(fichero, d + previos, n - previos);
+}
+
+size_t lee_bytes_directos(zarnio_fichero_s &fichero, void *destino, size_t n) {
+    const size_t leidos = std::fread(destino, 1, n, fichero.f);
+    if (leidos < n && std::ferror(fichero.f))
         ::error_interno_msg("fichero abierto", ORIGEN, __LINE__, fichero.ruta.c_str(), 0);
-    return previos + leidos;
+    return leidos;
 }
 
 void cierra_escrito(Fichero fichero, const char *origen, uint32_t linea) {
@@ -69,10 +69,8 @@ void cierra_escrito(Fichero fichero, const char *origen, uint32_t linea) {
 
 } // namespace zarn
 
-extern "C" {
-
-ZARN_API zarnio_fichero_t *f_lc_fopen_u(const char16_t *ruta, const char16_t *modo,
-                                        const char *origen, uint32_t linea) {
+zarnio_fichero_t *i_f_lc_fopen_u(const char16_t *ruta, const char16_t *modo, const char *origen,
+                                 uint32_t linea) {
     ZARN_ASSERT_NO_NULL(modo, "zarnio");
     // The library finds line ends itself, so a text mode opens in binary as well.
     std::string c;
@@ -84,18 +82,7 @@ ZARN_API zarnio_fichero_t *f_lc_fopen_u(const char16_t *ruta, const char16_t *mo
     return zarn::abre(ruta, c.c_str(), origen ? origen : "zarnio", linea).release();
 }
 
-ZARN_API double lc_tamanyo_fichero(zarnio_fichero_t *fichero) {
-    ZARN_ASSERT_NO_NULL(fichero, "zarnio");
-    std::FILE *f = fichero->f;
-    const long actual = std::ftell(f);
-    std::fseek(f, 0, SEEK_END);
-    const long fin = std::ftell(f);
-    std::fseek(f, actual, SEEK_SET);
-    return fin < 0 ? 0.0 : static_cast<double>(fin);
-}
-
-ZARN_API void f_lc_fread_sin_error(void *buffer, size_t tamanyo, size_t num,
-                                   zarnio_fichero_t *fichero) {
+void i_f_lc_fread_sin_error(void *buffer, size_t tamanyo, size_t num, zarnio_fichero_t *fichero) {
     ZARN_ASSERT_NO_NULL(fichero, "zarnio");
     ZARN_ASSERT_TEXTO(num == 0 || tamanyo <= SIZE_MAX / num, "tamanyo * num <= SIZE_MAX", "zarnio");
     const size_t total = tamanyo * num;
@@ -106,24 +93,62 @@ ZARN_API void f_lc_fread_sin_error(void *buffer, size_t tamanyo, size_t num,
     std::memset(static_cast<char *>(buffer) + leidos, 0, total - leidos);
 }
 
-ZARN_API void lc_fclose(zarnio_fichero_t **fichero) {
-    ZARN_ASSERT_NO_NULL(fichero, "zarnio");
-    ZARN_ASSERT_NO_NULL(*fichero, "zarnio");
-    const zarn::Fichero cerrado(std::exchange(*fichero, nullptr));
-}
-
-ZARN_API void lc_fclose_al_final(zarnio_fichero_t **fichero) {
-    ZARN_ASSERT_NO_NULL(fichero, "zarnio");
-    ZARN_ASSERT_NO_NULL(*fichero, "zarnio");
-    zarn::cierra_escrito(zarn::Fichero(std::exchange(*fichero, nullptr)), "zarnio", __LINE__);
-}
-
-ZARN_API fichmem *fichmem_crea_original(uint8_t **buffer, uint32_t tamanyo) {
+fichmem *i_fichmem_crea_original(uint8_t **buffer, uint32_t tamanyo) {
     ZARN_ASSERT_NO_NULL(buffer, "zarnio");
     auto fm = std::make_unique<fichmem>();
     fm->buffer = std::exchange(*buffer, nullptr);
     fm->tamanyo = tamanyo;
     return fm.release();
+}
+
+void i_lc_fclose(zarnio_fichero_t **fichero) {
+    ZARN_ASSERT_NO_NULL(fichero, "zarnio");
+    ZARN_ASSERT_NO_NULL(*fichero, "zarnio");
+    const zarn::Fichero cerrado(std::exchange(*fichero, nullptr));
+}
+
+void i_lc_fclose_al_final(zarnio_fichero_t **fichero) {
+    ZARN_ASSERT_NO_NULL(fichero, "zarnio");
+    ZARN_ASSERT_NO_NULL(*fichero, "zarnio");
+    zarn::cierra_escrito(zarn::Fichero(std::exchange(*fichero, nullptr)), "zarnio", __LINE__);
+}
+
+double i_lc_tamanyo_fichero(zarnio_fichero_t *fichero) {
+    ZARN_ASSERT_NO_NULL(fichero, "zarnio");
+    std::FILE *f = fichero->f;
+    const long actual = std::ftell(f);
+    std::fseek(f, 0, SEEK_END);
+    const long fin = std::ftell(f);
+    std::fseek(f, actual, SEEK_SET);
+    return fin < 0 ? 0.0 : static_cast<double>(fin);
+}
+
+extern "C" {
+
+ZARN_API zarnio_fichero_t *f_lc_fopen_u(const char16_t *ruta, const char16_t *modo,
+                                        const char *origen, uint32_t linea) {
+    return i_f_lc_fopen_u(ruta, modo, origen, linea);
+}
+
+ZARN_API double lc_tamanyo_fichero(zarnio_fichero_t *fichero) {
+    return i_lc_tamanyo_fichero(fichero);
+}
+
+ZARN_API void f_lc_fread_sin_error(void *buffer, size_t tamanyo, size_t num,
+                                   zarnio_fichero_t *fichero) {
+    i_f_lc_fread_sin_error(buffer, tamanyo, num, fichero);
+}
+
+ZARN_API void lc_fclose(zarnio_fichero_t **fichero) {
+    i_lc_fclose(fichero);
+}
+
+ZARN_API void lc_fclose_al_final(zarnio_fichero_t **fichero) {
+    i_lc_fclose_al_final(fichero);
+}
+
+ZARN_API fichmem *fichmem_crea_original(uint8_t **buffer, uint32_t tamanyo) {
+    return i_fichmem_crea_original(buffer, tamanyo);
 }
 
 ZARN_API void fichmem_destruye(fichmem **fm) {

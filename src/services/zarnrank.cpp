@@ -13,28 +13,44 @@ namespace {
 constexpr const char *ORIGEN = "zarnrank";
 }
 
-extern "C" {
-
-ZARN_API ApunOrde apunorde_nousar_crea(int64_t, int64_t, int64_t) {
+ApunOrde i_apunorde_nousar_crea() {
     return std::make_unique<ApunOrde_s>().release();
 }
 
-ZARN_API void apunorde_nousar_inserta_original(ApunOrde arr, void *p, int) {
+void *i_apunorde_nousar_get(ApunOrde arr, uint32_t ind) {
+    ZARN_ASSERT_NO_NULL(arr, ORIGEN);
+    ZARN_ASSERT_TEXTO(ind < arr->v.size(), "ind < num_elems", ORIGEN);
+    return arr->v[ind];
+}
+
+void i_apunorde_nousar_inserta_original(ApunOrde arr, void *p) {
     ZARN_ASSERT_NO_NULL(arr, ORIGEN);
     ZARN_ASSERT_TEXTO(arr->v.size() < std::numeric_limits<uint32_t>::max(),
                       "num_elems < 0xFFFFFFFF", ORIGEN);
     arr->v.push_back(p);
 }
 
-ZARN_API uint32_t apunorde_nousar_numelems(ApunOrde arr) {
+uint32_t i_apunorde_nousar_numelems(ApunOrde arr) {
     ZARN_ASSERT_NO_NULL(arr, ORIGEN);
     return static_cast<uint32_t>(arr->v.size());
 }
 
+extern "C" {
+
+ZARN_API ApunOrde apunorde_nousar_crea(int64_t, int64_t, int64_t) {
+    return i_apunorde_nousar_crea();
+}
+
+ZARN_API void apunorde_nousar_inserta_original(ApunOrde arr, void *p, int) {
+    i_apunorde_nousar_inserta_original(arr, p);
+}
+
+ZARN_API uint32_t apunorde_nousar_numelems(ApunOrde arr) {
+    return i_apunorde_nousar_numelems(arr);
+}
+
 ZARN_API void *apunorde_nousar_get(ApunOrde arr, uint32_t ind) {
-    ZARN_ASSERT_NO_NULL(arr, ORIGEN);
-    ZARN_ASSERT_TEXTO(ind < arr->v.size(), "ind < num_elems", ORIGEN);
-    return arr->v[ind];
+    return i_apunorde_nousar_get(arr, ind);
 }
 
 ZARN_API void apunorde_destruye(ApunOrde *arr, arr_func_destruye_t func) {

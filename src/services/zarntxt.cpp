@@ -13,51 +13,9 @@ namespace {
 
 constexpr const char *ORIGEN = "zarntxt";
 constexpr size_t TAM_LECTURA = size_t{64} * 1024;
-
-// Reads ahead until at least n bytes are pending or the file ends; gives the count pending.
-size_t asegura(zarnio_fichero_s &fi, size_t n) {
-    if (!fi.lectura)
-        fi.lectura = std::make_unique_for_overwrite<char[]>(TAM_LECTURA);
-    while (fi.pendientes() < n) {
-        char *datos = fi.lectura.get();
-        if (fi.pos) {
-            std::memmove(datos, datos + fi.pos, fi.pendientes());
-            fi.fin -= fi.pos;
-            fi.pos = 0;
-        }
-        const size_t leidos = std::fread(datos + fi.fin, 1, TAM_LECTURA - fi.fin, fi.f);
-        if (leidos == 0) {
-            if (std::ferror(fi.f))
-                ::error_interno_msg("fichero abierto", ORIGEN, __LINE__, fi.ruta.c_str(), 0);
-            break;
-        }
-        fi.fin += leidos;
-    }
-    return fi.pendientes();
-}
-
-// Ends a line that met its LF: a CR right before it belongs to the line end.
-char *termina_en_lf(char *buffer, size_t n) {
-    if (n && buffer[n - 1] == '\r')
-        --n;
-    buffer[n] = '\0';
-    return buffer;
-}
-
-// The buffer is full: if the line end follows right away the line was not too long after all,
-// and its end is taken; otherwise the line is cut and the rest comes next.
-char *termina_lleno(zarnio_fichero_s &fi, char *buffer, size_t n) {
-    const size_t hay = asegura(fi, 2);
-    const char *sig = fi.lectura.get() + fi.pos;
-    if (hay >= 1 && sig[0] == '\n') {
-        ++fi.pos;
-        return termina_en_lf(buffer, n);
-    }
-    if (hay >= 2 && sig[0] == '\r' && sig[1] == '\n')
-        fi.pos += 2;
-    buffer[n] = '\0';
-    return buffer;
-}
+// The cutter's first block, and the blocks of a large file.
+constexpr size_t TAM_INICIAL = size_t{64} << 10;
+constexpr size_t TAM_BLOQUE = size_t{1} << 20;
 
 std::string lee_todo(zarnio_fichero_s &fi) {
     std::string todo;
@@ -100,6 +58,92 @@ void graba_lineas(ArrCADENA lineas, const char16_t *ruta, const char *modo) {
 } // namespace
 
 namespace zarn {
+
+void CortadorLineas::agranda(size_t nueva) {
+    auto otro = std::make_unique_for_overwrite<char[]>(nueva + 1);
+    if (buf_)
+        std::memcpy(otro.get(), buf_.get() + pos_, fin_ - pos_);
+    fin_ -= pos_;
+    pos_ = 0;
+    buf_ = std::move(otro);
+    cap_ = nueva;
+}
+
+void CortadorLineas::lee_mas(zarnio_fichero_s &fichero, size_t max) {
+    if (!buf_) {
+        agranda(TAM_INICIAL);
+    } else if (fin_ == cap_ && (cap_ < TAM_BLOQUE || pos_ == 0)) {
+        // The first block was full, so the file is a large one; or a line fills the block. The
+        // largest block holds the longest line, the CR LF behind it, and room to read on.
+        agranda(cap_ < TAM_BLOQUE ? TAM_BLOQUE : std::min(cap_ * 2, max + 2 + TAM_BLOQUE));
+    } else if (pos_ > 0) {
+        std::memmove(buf_.get(), buf_.get() + pos_, fin_ - pos_);
+        fin_ -= pos_;
+        pos_ = 0;
+    }
+    const size_t leidos = lee_bytes_directos(fichero, buf_.get() + fin_, cap_ - fin_);
+    if (leidos == 0)
+        agotado_ = true;
+    fin_ += leidos;
+}
+
+char *CortadorLineas::siguiente(zarnio_fichero_s &fichero, size_t max) {
+    repone();
+    for (;;) {
+        char *linea = buf_.get() + pos_;
+        const size_t hay = fin_ - pos_;
+        // An LF right behind the longest line still ends that line.
+        const size_t tope = std::min(hay, max + 1);
+        if (buscado_ < tope) {
+            const auto *lf =
+                static_cast<const char *>(std::memchr(linea + buscado_, '\n', tope - buscado_));
+            if (lf) {
+                const size_t k = static_cast<size_t>(lf - linea);
+                const size_t largo = (k > 0 && linea[k - 1] == '\r') ? k - 1 : k;
+                linea[largo] = '\0';
+                largo_ = largo;
+                pos_ += k + 1;
+                buscado_ = 0;
+                return linea;
+            }
+            buscado_ = tope;
+        }
+        if (hay > max && (hay >= max + 2 || agotado_)) {
+            // Too long: cut. A CR LF right behind the cut is the line's end after all.
+            if (hay >= max + 2 && linea[max] == '\r' && linea[max + 1] == '\n') {
+                pos_ += max + 2;
+            } else {
+                guardado_ = linea[max];
+                hay_guardado_ = true;
+                pos_ += max;
+            }
+            linea[max] = '\0';
+            largo_ = max;
+            buscado_ = 0;
+            return linea;
+        }
+        if (agotado_) {
+            if (hay == 0)
+                return nullptr;
+            linea[hay] = '\0'; // the last line has no line end: the spare byte ends it
+            largo_ = hay;
+            pos_ = fin_;
+            buscado_ = 0;
+            return linea;
+        }
+        lee_mas(fichero, max);
+    }
+}
+
+size_t CortadorLineas::toma(char *destino, size_t n) noexcept {
+    repone();
+    const size_t k = std::min(n, fin_ - pos_);
+    if (k) {
+        std::memcpy(destino, buf_.get() + pos_, k);
+        pos_ += k;
+    }
+    return k;
+}
 
 SalidaLineas::SalidaLineas(const char16_t *ruta, const char *modo)
     : fichero_(abre(ruta, modo, ORIGEN, __LINE__)),
@@ -151,50 +195,39 @@ void SalidaLineas::cierra() {
 
 } // namespace zarn
 
-extern "C" {
-
-ZARN_API char *ztxt_lee_linea(zarnio_fichero_t *fichero, char *buffer, uint32_t max) {
-    ZARN_ASSERT_NO_NULL(fichero, ORIGEN);
-    ZARN_ASSERT_NO_NULL(buffer, ORIGEN);
-    ZARN_ASSERT_TEXTO(max > 0, "max > 0", ORIGEN);
-    zarnio_fichero_s &fi = *fichero;
-    if (asegura(fi, 1) == 0)
-        return nullptr;
-    size_t n = 0;
-    for (;;) {
-        const char *ini = fi.lectura.get() + fi.pos;
-        const size_t cabe = std::min(fi.pendientes(), size_t{max} - n);
-        const auto *lf = static_cast<const char *>(std::memchr(ini, '\n', cabe));
-        const size_t largo = lf ? static_cast<size_t>(lf - ini) : cabe;
-        std::memcpy(buffer + n, ini, largo);
-        n += largo;
-        fi.pos += largo;
-        if (lf) {
-            ++fi.pos;
-            return termina_en_lf(buffer, n);
-        }
-        if (n == max)
-            return termina_lleno(fi, buffer, n);
-        if (asegura(fi, 1) == 0) {
-            buffer[n] = '\0';
-            return buffer;
-        }
-    }
-}
-
-ZARN_API void ztxt_escr_string_sin_salto_de_linea(const char *texto, zarnio_fichero_t *fichero) {
-    ZARN_ASSERT_NO_NULL(texto, ORIGEN);
-    ZARN_ASSERT_NO_NULL(fichero, ORIGEN);
-    std::fwrite(texto, 1, std::strlen(texto), fichero->f);
-}
-
-ZARN_API ArrCADENA_u lc_LeeFicheroTxt_unicode(const char16_t *ruta) {
+ArrCADENA_u i_lc_LeeFicheroTxt_unicode(const char16_t *ruta) {
     std::string bytes;
     {
         zarn::Fichero fi = zarn::abre(ruta, "rb", ORIGEN, __LINE__);
         bytes = lee_todo(*fi);
     }
     return zarn::lista_lineas_u(utf16_de_bytes(bytes));
+}
+
+void i_ztxt_escr_string_sin_salto_de_linea(const char *texto, zarnio_fichero_t *fichero) {
+    ZARN_ASSERT_NO_NULL(texto, ORIGEN);
+    ZARN_ASSERT_NO_NULL(fichero, ORIGEN);
+    std::fwrite(texto, 1, std::strlen(texto), fichero->f);
+}
+
+extern "C" {
+
+ZARN_API char *ztxt_lee_linea(zarnio_fichero_t *fichero, char *buffer, uint32_t max) {
+    ZARN_ASSERT_NO_NULL(fichero, ORIGEN);
+    ZARN_ASSERT_NO_NULL(buffer, ORIGEN);
+    ZARN_ASSERT(max > 0, ORIGEN);
+    const char *linea = fichero->lineas.siguiente(*fichero, max);
+    if (!linea)
+        return nullptr;
+    return static_cast<char *>(std::memcpy(buffer, linea, fichero->lineas.largo() + 1));
+}
+
+ZARN_API void ztxt_escr_string_sin_salto_de_linea(const char *texto, zarnio_fichero_t *fichero) {
+    i_ztxt_escr_string_sin_salto_de_linea(texto, fichero);
+}
+
+ZARN_API ArrCADENA_u lc_LeeFicheroTxt_unicode(const char16_t *ruta) {
+    return i_lc_LeeFicheroTxt_unicode(ruta);
 }
 
 ZARN_API void lc_Graba_Array_FicheroTxt_u(ArrCADENA lineas, const char16_t *ruta) {

@@ -102,35 +102,114 @@ template <typename A> auto quita(A *arr, uint32_t ind) {
 
 } // namespace
 
+void i_arr_AppendCADENAOriginal_u(ArrCADENA_u arr, CADENA_u *valor) {
+    anade_original(arr, valor);
+}
+
+void i_arr_AppendCADENA_u(ArrCADENA_u arr, const char16_t *valor) {
+    anade_copia(arr, valor);
+}
+
+void i_arr_AppendDouble(ArrDouble arr, double valor) {
+    anade(arr, valor);
+}
+
+void i_arr_AppendPunteroConTipo(ArrPuntero arr, void *p) {
+    anade(arr, p);
+}
+
+ArrCADENA i_arr_CreaCADENA(uint32_t num_elems) {
+    return crea<ArrCADENA_s>(num_elems);
+}
+
+ArrCADENA_u i_arr_CreaCADENA_u(uint32_t num_elems) {
+    return crea<ArrCADENA_u_s>(num_elems);
+}
+
+ArrDouble i_arr_CreaDouble(uint32_t num_elems) {
+    return crea<ArrDouble_s>(num_elems);
+}
+
+ArrPuntero i_arr_CreaPunteroConTipo(uint32_t num_elems) {
+    return crea<ArrPuntero_s>(num_elems);
+}
+
+ArrPunto2D i_arr_CreaPunto2D(uint32_t num_elems) {
+    return crea<ArrPunto2D_s>(num_elems);
+}
+
+ArrULong i_arr_CreaULong(uint32_t num_elems) {
+    return crea<ArrULong_s>(num_elems);
+}
+
+void i_arr_DestruyeCADENA(ArrCADENA *arr) {
+    destruye_cadenas(arr);
+}
+
+void i_arr_DestruyeCADENA_u(ArrCADENA_u *arr) {
+    destruye_cadenas(arr);
+}
+
+void i_arr_DestruyeEstructurasConTipo(ArrPuntero *arr, arr_func_destruye_t func) {
+    auto propio = toma(arr);
+    if (propio && func)
+        for (void *&hueco : propio->v)
+            func(&hueco);
+}
+
+void i_arr_DestruyeEstructurasConstConTipo(ArrPuntero *arr) {
+    toma(arr);
+}
+
+CADENA i_arr_GetCADENA(ArrCADENA arr, uint32_t ind) {
+    return en(arr, ind);
+}
+
+CADENA_u i_arr_GetCADENA_u(ArrCADENA_u arr, uint32_t ind) {
+    return en(arr, ind);
+}
+
+uint32_t i_arr_GetULong(ArrULong arr, uint32_t ind) {
+    return en(arr, ind);
+}
+
+uint32_t i_arr_NumElemsCADENA(ArrCADENA arr) {
+    return num_elems(arr);
+}
+
+void i_arr_SetPunto2D(ArrPunto2D arr, uint32_t ind, double x, double y) {
+    en(arr, ind) = Punto2D{x, y};
+}
+
 extern "C" {
 
 ZARN_API ArrBOOL arr_CreaBOOL(uint32_t num_elems) {
     return crea<ArrBOOL_s>(num_elems);
 }
 ZARN_API ArrCADENA arr_CreaCADENA(uint32_t num_elems) {
-    return crea<ArrCADENA_s>(num_elems);
+    return i_arr_CreaCADENA(num_elems);
 }
 ZARN_API ArrCADENA_u arr_CreaCADENA_u(uint32_t num_elems) {
-    return crea<ArrCADENA_u_s>(num_elems);
+    return i_arr_CreaCADENA_u(num_elems);
 }
 ZARN_API ArrDouble arr_CreaDouble(uint32_t num_elems) {
-    return crea<ArrDouble_s>(num_elems);
+    return i_arr_CreaDouble(num_elems);
 }
 ZARN_API ArrULong arr_CreaULong(uint32_t num_elems) {
-    return crea<ArrULong_s>(num_elems);
+    return i_arr_CreaULong(num_elems);
 }
 ZARN_API ArrPunto2D arr_CreaPunto2D(uint32_t num_elems) {
-    return crea<ArrPunto2D_s>(num_elems);
+    return i_arr_CreaPunto2D(num_elems);
 }
 ZARN_API ArrPuntero arr_CreaPunteroConTipo(uint32_t num_elems) {
-    return crea<ArrPuntero_s>(num_elems);
+    return i_arr_CreaPunteroConTipo(num_elems);
 }
 
 ZARN_API uint32_t arr_NumElemsBOOL(ArrBOOL arr) {
     return num_elems(arr);
 }
 ZARN_API uint32_t arr_NumElemsCADENA(ArrCADENA arr) {
-    return num_elems(arr);
+    return i_arr_NumElemsCADENA(arr);
 }
 ZARN_API uint32_t arr_NumElemsCADENA_u(ArrCADENA_u arr) {
     return num_elems(arr);
@@ -152,16 +231,16 @@ ZARN_API zybool arr_GetBOOL(ArrBOOL arr, uint32_t ind) {
     return en(arr, ind);
 }
 ZARN_API CADENA arr_GetCADENA(ArrCADENA arr, uint32_t ind) {
-    return en(arr, ind);
+    return i_arr_GetCADENA(arr, ind);
 }
 ZARN_API CADENA_u arr_GetCADENA_u(ArrCADENA_u arr, uint32_t ind) {
-    return en(arr, ind);
+    return i_arr_GetCADENA_u(arr, ind);
 }
 ZARN_API double arr_GetDouble(ArrDouble arr, uint32_t ind) {
     return en(arr, ind);
 }
 ZARN_API uint32_t arr_GetULong(ArrULong arr, uint32_t ind) {
-    return en(arr, ind);
+    return i_arr_GetULong(arr, ind);
 }
 ZARN_API void *arr_GetPunteroConTipo(ArrPuntero arr, uint32_t ind) {
     return en(arr, ind);
@@ -209,14 +288,14 @@ ZARN_API void arr_SetPunteroConstConTipo(ArrPuntero arr, uint32_t ind, const voi
     en(arr, ind) = const_cast<void *>(p);
 }
 ZARN_API void arr_SetPunto2D(ArrPunto2D arr, uint32_t ind, double x, double y) {
-    en(arr, ind) = Punto2D{x, y};
+    i_arr_SetPunto2D(arr, ind, x, y);
 }
 
 ZARN_API void arr_AppendBOOL(ArrBOOL arr, zybool valor) {
     anade(arr, valor);
 }
 ZARN_API void arr_AppendDouble(ArrDouble arr, double valor) {
-    anade(arr, valor);
+    i_arr_AppendDouble(arr, valor);
 }
 ZARN_API void arr_AppendULong(ArrULong arr, uint32_t valor) {
     anade(arr, valor);
@@ -225,16 +304,16 @@ ZARN_API void arr_AppendCADENA(ArrCADENA arr, const char *valor) {
     anade_copia(arr, valor);
 }
 ZARN_API void arr_AppendCADENA_u(ArrCADENA_u arr, const char16_t *valor) {
-    anade_copia(arr, valor);
+    i_arr_AppendCADENA_u(arr, valor);
 }
 ZARN_API void arr_AppendCADENAOriginal(ArrCADENA arr, CADENA *valor) {
     anade_original(arr, valor);
 }
 ZARN_API void arr_AppendCADENAOriginal_u(ArrCADENA_u arr, CADENA_u *valor) {
-    anade_original(arr, valor);
+    i_arr_AppendCADENAOriginal_u(arr, valor);
 }
 ZARN_API void arr_AppendPunteroConTipo(ArrPuntero arr, void *p) {
-    anade(arr, p);
+    i_arr_AppendPunteroConTipo(arr, p);
 }
 ZARN_API void arr_AppendPunteroConstConTipo(ArrPuntero arr, const void *p) {
     anade(arr, const_cast<void *>(p));
@@ -268,10 +347,10 @@ ZARN_API void arr_DestruyeBOOL(ArrBOOL *arr) {
     toma(arr);
 }
 ZARN_API void arr_DestruyeCADENA(ArrCADENA *arr) {
-    destruye_cadenas(arr);
+    i_arr_DestruyeCADENA(arr);
 }
 ZARN_API void arr_DestruyeCADENA_u(ArrCADENA_u *arr) {
-    destruye_cadenas(arr);
+    i_arr_DestruyeCADENA_u(arr);
 }
 ZARN_API void arr_DestruyeDouble(ArrDouble *arr) {
     toma(arr);
@@ -284,14 +363,11 @@ ZARN_API void arr_DestruyePunto2D(ArrPunto2D *arr) {
 }
 
 ZARN_API void arr_DestruyeEstructurasConTipo(ArrPuntero *arr, arr_func_destruye_t func) {
-    auto propio = toma(arr);
-    if (propio && func)
-        for (void *&hueco : propio->v)
-            func(&hueco);
+    i_arr_DestruyeEstructurasConTipo(arr, func);
 }
 
 ZARN_API void arr_DestruyeEstructurasConstConTipo(ArrPuntero *arr) {
-    toma(arr);
+    i_arr_DestruyeEstructurasConstConTipo(arr);
 }
 
 ZARN_API ArrPuntero arr_CopiaEstructurasConTipo(ArrPuntero arr, arr_func_copia_t func) {

@@ -5,17 +5,17 @@
 
 using zarn::ORIGEN_STREAMING;
 
-std::unique_ptr<zarnfxml_conf_t>
+std::unique_ptr<i_conf_t>
 i_crea_conf(int32_t tipo_codificacion, std::u16string_view texto_zybool_true,
             std::u16string_view texto_zybool_false, std::u16string_view separador_items,
             zybool indenta_con_espacios, uint32_t num_espacios_indentacion) {
     // Braces: clang 14 has no aggregate initialisation from parentheses.
-    return std::make_unique<zarnfxml_conf_t>(zarnfxml_conf_t{
+    return std::make_unique<i_conf_t>(i_conf_t{
         tipo_codificacion, std::u16string(texto_zybool_true), std::u16string(texto_zybool_false),
         std::u16string(separador_items), indenta_con_espacios, num_espacios_indentacion});
 }
 
-std::unique_ptr<zarnfxml_conf_t> i_crea_conf_UTF_8() {
+std::unique_ptr<i_conf_t> i_crea_conf_UTF_8() {
     return i_crea_conf(i_CODIFICACION_UTF_8, u"1", u"0", u" ", FALSO, 4);
 }
 
@@ -59,17 +59,17 @@ void i_actualiza_tipo_codificacion(int32_t tipo, const char16_t *nombre,
 
 zarnfxml_propiedad_t *i_crea_propiedad(CADENA *texto_propiedad, CADENA_u *dato_propiedad) {
     auto *p =
-        static_cast<zarnfxml_propiedad_t *>(zarnspy_nousar_malloc(sizeof(zarnfxml_propiedad_t)));
+        static_cast<zarnfxml_propiedad_t *>(i_zarnspy_nousar_malloc(sizeof(zarnfxml_propiedad_t)));
     p->texto_propiedad = static_cast<CADENA>(
-        zarnspy_nousar_asigna_doble_puntero_no_null(reinterpret_cast<void **>(texto_propiedad)));
+        i_zarnspy_nousar_asigna_doble_puntero_no_null(reinterpret_cast<void **>(texto_propiedad)));
     p->dato_propiedad = static_cast<CADENA_u>(
-        zarnspy_nousar_asigna_doble_puntero_no_null(reinterpret_cast<void **>(dato_propiedad)));
+        i_zarnspy_nousar_asigna_doble_puntero_no_null(reinterpret_cast<void **>(dato_propiedad)));
     return p;
 }
 
 zarnfxml_propiedad_t *i_crea_propiedad(std::string_view texto, std::u16string_view dato) {
     auto *p =
-        static_cast<zarnfxml_propiedad_t *>(zarnspy_nousar_malloc(sizeof(zarnfxml_propiedad_t)));
+        static_cast<zarnfxml_propiedad_t *>(i_zarnspy_nousar_malloc(sizeof(zarnfxml_propiedad_t)));
     p->texto_propiedad = zarn::dup(texto);
     p->dato_propiedad = zarn::dup_u(dato);
     return p;

@@ -18,7 +18,7 @@ enum i_tipo_codificacion_t : int32_t {
 };
 
 // The profile of a streaming object.
-struct zarnfxml_conf_t {
+struct i_conf_t {
     int32_t tipo_codificacion;
     std::u16string texto_zybool_true;
     std::u16string texto_zybool_false;
@@ -27,12 +27,12 @@ struct zarnfxml_conf_t {
     uint32_t num_espacios_indentacion;
 };
 
-std::unique_ptr<zarnfxml_conf_t>
+std::unique_ptr<i_conf_t>
 i_crea_conf(int32_t tipo_codificacion, std::u16string_view texto_zybool_true,
             std::u16string_view texto_zybool_false, std::u16string_view separador_items,
             zybool indenta_con_espacios, uint32_t num_espacios_indentacion);
 // The row of zarnfxml_crea_para_escritura_UTF_8, which the reader starts from.
-std::unique_ptr<zarnfxml_conf_t> i_crea_conf_UTF_8();
+std::unique_ptr<i_conf_t> i_crea_conf_UTF_8();
 
 // Name of the encoding in the declaration; an unknown value is a default error.
 const char *i_texto_codificacion(int32_t tipo_codificacion);
@@ -40,6 +40,10 @@ const char16_t *i_texto_codificacion_u(int32_t tipo_codificacion);
 // Sets *tipo_codificacion to tipo if nombre names it (case ignored).
 void i_actualiza_tipo_codificacion(int32_t tipo, const char16_t *nombre,
                                    int32_t *tipo_codificacion);
+
+// A function of the caller that an operation needs: texto is the condition that names it.
+#define I_ASSERT_FUNC(func, texto)                                                                 \
+    ZARN_ASSERT_TEXTO((func) != nullptr, texto, zarn::ORIGEN_STREAMING)
 
 // The two kinds of object behind zarnfxml_t, told apart by a private tag so that a writer given
 // to a read operation (or the reverse) ends in an internal error.
@@ -77,3 +81,14 @@ enum i_tipo_numeracion_array_t : int32_t {
 // value makes a line per item, and whether those lines stand between enclosing tags.
 zybool i_con_lista_numeracion_array(int32_t tipo_numeracion_array);
 zybool i_con_bloque_numeracion_array(int32_t tipo_numeracion_array);
+
+// Numbers from texts (lector_conversiones.cpp), behind zarnfxml_atof and its kin: "NaN"
+// anywhere in a text, in any case, gives 0, and a comma is a decimal point.
+double i_atof(const char *texto);
+double i_atof_u(const char16_t *texto);
+int32_t i_atol(const char *texto);
+int32_t i_atol_u(const char16_t *texto);
+uint32_t i_atoul(const char *texto);
+uint32_t i_atoul_u(const char16_t *texto);
+uint16_t i_atous(const char *texto);
+uint16_t i_atous_u(const char16_t *texto);

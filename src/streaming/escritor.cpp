@@ -48,7 +48,7 @@ ArrCADENA_s *i_almacen_lineas::lista() {
     return lista_.get();
 }
 
-i_xml_escritura::i_xml_escritura(std::unique_ptr<zarnfxml_conf_t> c)
+i_xml_escritura::i_xml_escritura(std::unique_ptr<i_conf_t> c)
     : zarnfxml_s(i_clase_objeto::escritor), conf(std::move(c)) {}
 
 i_xml_escritura *i_escritor(zarnfxml_t *xml, uint32_t linea_fuente) {
@@ -229,7 +229,7 @@ void i_genera_fichero(zarnfxml_t *handle, const char16_t *nombre_fichero, bool c
     ZARN_ASSERT_TEXTO(xml->etiquetas_abiertas.empty(),
                       "arr_NumElemsCADENA(xml->etiquetas_abiertas) == 0", ORIGEN_STREAMING);
     if (crear)
-        zdir_crea_directorios_fichero_UNICODE(nombre_fichero);
+        i_zdir_crea_directorios_fichero_UNICODE(nombre_fichero);
     zarn::SalidaLineas salida(nombre_fichero, crear ? "wb" : "ab");
     salida.linea(i_linea_cabecera_xml(xml));
     xml->lineas.recorre_tramos([&](const char *p, size_t n) { salida.lineas_terminadas(p, n); });
@@ -247,6 +247,39 @@ zarnfxml_t *i_crea_xml_escritura(int32_t tipo, std::u16string_view verdad,
 }
 
 } // namespace
+
+void i_graba_cadena(zarnfxml_t *handle, const char *etiqueta, const char *cadena) {
+    i_xml_escritura *xml = I_ESCRITOR(handle);
+    ZARN_ASSERT_NO_NULL(xml->conf, ORIGEN_STREAMING);
+    const int32_t tipo = xml->conf->tipo_codificacion;
+    i_graba_campo_con(xml, etiqueta,
+                      [&](std::string &l) { i_codifica(l, zarn::vista(cadena), tipo, false); });
+}
+
+void i_graba_cadena_u(zarnfxml_t *handle, const char *etiqueta, const char16_t *cadena) {
+    i_xml_escritura *xml = I_ESCRITOR(handle);
+    ZARN_ASSERT_NO_NULL(xml->conf, ORIGEN_STREAMING);
+    const int32_t tipo = xml->conf->tipo_codificacion;
+    i_graba_campo_con(xml, etiqueta,
+                      [&](std::string &l) { i_codifica_u(l, zarn::vista(cadena), tipo, false); });
+}
+
+void i_graba_fin_bloque(zarnfxml_t *handle) {
+    i_xml_escritura *xml = I_ESCRITOR(handle);
+    const size_t num_etiquetas_abiertas = xml->etiquetas_abiertas.size();
+    ZARN_ASSERT(num_etiquetas_abiertas > 0, ORIGEN_STREAMING);
+    // The tag leaves the stack before the line is made, so that the end tag stands at the
+    // level of its start tag.
+    std::string etiqueta = std::move(xml->etiquetas_abiertas.back());
+    xml->etiquetas_abiertas.pop_back();
+    i_graba_linea_fin_bloque(xml, etiqueta);
+}
+
+void i_graba_inicio_bloque(zarnfxml_t *handle, const char *etiqueta) {
+    i_xml_escritura *xml = I_ESCRITOR(handle);
+    i_graba_linea_inicio_bloque(xml, etiqueta);
+    xml->etiquetas_abiertas.emplace_back(etiqueta);
+}
 
 extern "C" {
 
@@ -279,37 +312,20 @@ ZARN_API void zarnfxml_destruye_xml_escritura(zarnfxml_t **xml) {
 }
 
 ZARN_API void zarnfxml_graba_inicio_bloque(zarnfxml_t *handle, const char *etiqueta) {
-    i_xml_escritura *xml = I_ESCRITOR(handle);
-    i_graba_linea_inicio_bloque(xml, etiqueta);
-    xml->etiquetas_abiertas.emplace_back(etiqueta);
+    i_graba_inicio_bloque(handle, etiqueta);
 }
 
 ZARN_API void zarnfxml_graba_fin_bloque(zarnfxml_t *handle) {
-    i_xml_escritura *xml = I_ESCRITOR(handle);
-    const size_t num_etiquetas_abiertas = xml->etiquetas_abiertas.size();
-    ZARN_ASSERT_TEXTO(num_etiquetas_abiertas > 0, "num_etiquetas_abiertas > 0", ORIGEN_STREAMING);
-    // The tag leaves the stack before the line is made, so that the end tag stands at the
-    // level of its start tag.
-    std::string etiqueta = std::move(xml->etiquetas_abiertas.back());
-    xml->etiquetas_abiertas.pop_back();
-    i_graba_linea_fin_bloque(xml, etiqueta);
+    i_graba_fin_bloque(handle);
 }
 
 ZARN_API void zarnfxml_graba_cadena(zarnfxml_t *handle, const char *etiqueta, const char *cadena) {
-    i_xml_escritura *xml = I_ESCRITOR(handle);
-    ZARN_ASSERT_NO_NULL(xml->conf, ORIGEN_STREAMING);
-    const int32_t tipo = xml->conf->tipo_codificacion;
-    i_graba_campo_con(xml, etiqueta,
-                      [&](std::string &l) { i_codifica(l, zarn::vista(cadena), tipo, false); });
+    i_graba_cadena(handle, etiqueta, cadena);
 }
 
 ZARN_API void zarnfxml_graba_cadena_u(zarnfxml_t *handle, const char *etiqueta,
                                       const char16_t *cadena) {
-    i_xml_escritura *xml = I_ESCRITOR(handle);
-    ZARN_ASSERT_NO_NULL(xml->conf, ORIGEN_STREAMING);
-    const int32_t tipo = xml->conf->tipo_codificacion;
-    i_graba_campo_con(xml, etiqueta,
-                      [&](std::string &l) { i_codifica_u(l, zarn::vista(cadena), tipo, false); });
+    i_graba_cadena_u(handle, etiqueta, cadena);
 }
 
 ZARN_API void zarnfxml_genera_fichero_salida(zarnfxml_t *xml, const char16_t *nombre_fichero) {

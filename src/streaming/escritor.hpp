@@ -53,9 +53,9 @@ private:
 };
 
 struct i_xml_escritura : zarnfxml_s {
-    i_xml_escritura(std::unique_ptr<zarnfxml_conf_t> c);
+    i_xml_escritura(std::unique_ptr<i_conf_t> c);
 
-    std::unique_ptr<zarnfxml_conf_t> conf;
+    std::unique_ptr<i_conf_t> conf;
     // The finished lines of the body, in output order.
     i_almacen_lineas lineas;
     // The tags of the open blocks, outermost first; their count is the indentation level.
@@ -121,3 +121,36 @@ void i_graba_linea_fin_bloque(i_xml_escritura *xml, std::string_view etiqueta);
 // The declaration line, made anew for each output.
 std::string i_linea_cabecera_xml(const i_xml_escritura *xml);
 void i_genera_fichero(zarnfxml_t *xml, const char16_t *nombre_fichero, bool crear);
+// ---- The operations behind the C functions of the same names ------------------------------------
+
+// Each zarnfxml_X of the writer is i_X here: code inside the library calls these, never the C
+// functions, which only forward.
+void i_graba_arr_cadena_numerados(zarnfxml_t *handle, const char *etiqueta, ArrCADENA cadenas,
+                                  int32_t tipo_numeracion_array, const char *propiedad_numero);
+void i_graba_arr_cadena_numerados_u(zarnfxml_t *handle, const char *etiqueta, ArrCADENA_u cadenas,
+                                    int32_t tipo_numeracion_array, const char *propiedad_numero);
+void i_graba_arr_double(zarnfxml_t *handle, const char *etiqueta, ArrDouble valores,
+                        uint32_t decimales);
+void i_graba_arr_ulong_modo_lista(zarnfxml_t *xml, const char *etiqueta, ArrULong valores);
+void i_graba_cadena(zarnfxml_t *handle, const char *etiqueta, const char *cadena);
+void i_graba_cadena_u(zarnfxml_t *handle, const char *etiqueta, const char16_t *cadena);
+void i_graba_fin_bloque(zarnfxml_t *handle);
+void i_graba_inicio_bloque(zarnfxml_t *handle, const char *etiqueta);
+void i_graba_clave(zarnfxml_t *handle, const char *etiqueta, const char *clave);
+void i_graba_double_con_conversion(zarnfxml_t *xml, const char *etiqueta, double valor,
+                                   uint32_t ancho, uint32_t decimales);
+void i_graba_long(zarnfxml_t *xml, const char *etiqueta, int32_t valor);
+void i_graba_ulong(zarnfxml_t *xml, const char *etiqueta, uint32_t valor);
+void i_graba_inicio_bloque_propiedad1(zarnfxml_t *xml, const char *etiqueta, const char *texto1,
+                                      const char *dato1);
+void i_graba_inicio_bloque_propiedad2(zarnfxml_t *xml, const char *etiqueta, const char *texto1,
+                                      const char *dato1, const char *texto2, const char *dato2);
+void i_graba_inicio_bloque_propiedad3(zarnfxml_t *xml, const char *etiqueta, const char *texto1,
+                                      const char *dato1, const char *texto2, const char *dato2,
+                                      const char *texto3, const char *dato3);
+void i_nousar_graba_estructura_opcional_con_etiqueta_y_propiedad1(
+    zarnfxml_t *xml, const char *etiqueta, const char *texto_propiedad, const char *dato_propiedad,
+    const void *item, func_graba_xml_item func);
+void i_nousar_graba_estructura_opcional_con_etiqueta_y_valor_propiedad1(
+    zarnfxml_t *xml, const char *etiqueta, const char *texto_propiedad, uint32_t valor,
+    const void *item, func_graba_xml_item func);

@@ -11,6 +11,8 @@
 #include "services/ficheros.hpp"
 #include "streaming/comun.hpp"
 
+#include <zarnxml/zarntxt.h>
+
 #include <array>
 #include <cstdint>
 #include <memory>
@@ -18,7 +20,7 @@
 #include <string_view>
 #include <vector>
 
-// ---- Kinds -----------------------------------------------------------------------------------
+// ---- Kinds --------------------------------------------------------------------------------------
 
 enum i_tipo_fuente_t : int32_t {
     i_FUENTE_LINEAS = 0,
@@ -50,10 +52,8 @@ enum i_tipo_registro_t : int32_t {
 
 // The level of what has no place in the tree (definitions, end of the document, errors).
 inline constexpr uint32_t i_SIN_NIVEL = 0xFFFFFFFFu;
-// The longest line that a file source delivers; a longer one is cut and the rest comes next.
-inline constexpr uint32_t i_MAX_LINEA = 5120000u;
 
-// ---- Pieces and records ----------------------------------------------------------------------
+// ---- Pieces and records -------------------------------------------------------------------------
 
 // The text of a datum or of a property value. The lexer keeps the 8-bit bytes that it cut, with
 // the encoding in force when it cut them; the wide text is decoded (with the entities) on first
@@ -162,10 +162,10 @@ struct i_contenido_t {
 };
 
 // A lexical unit.
-struct zarnfxml_pieza_t : i_contenido_t {
-    int32_t tipo_pieza = i_PIEZA_FIN_FICHERO;
+struct i_pieza_t : i_contenido_t {
+    i_tipo_pieza_t tipo_pieza = i_PIEZA_FIN_FICHERO;
 
-    void reinicia(int32_t tipo, uint32_t nivel) noexcept {
+    void reinicia(i_tipo_pieza_t tipo, uint32_t nivel) noexcept {
         tipo_pieza = tipo;
         vacia(nivel);
     }
@@ -173,10 +173,10 @@ struct zarnfxml_pieza_t : i_contenido_t {
 
 // A syntactic unit, holding its own copies. i_REGISTRO_NINGUNO before the first read and while
 // a read is under way.
-struct zarnfxml_registro_t : i_contenido_t {
-    int32_t tipo_registro = i_REGISTRO_NINGUNO;
+struct i_registro_t : i_contenido_t {
+    i_tipo_registro_t tipo_registro = i_REGISTRO_NINGUNO;
 
-    void reinicia(int32_t tipo, uint32_t nivel) noexcept {
+    void reinicia(i_tipo_registro_t tipo, uint32_t nivel) noexcept {
         tipo_registro = tipo;
         vacia(nivel);
     }
@@ -187,31 +187,7 @@ struct zarnfxml_registro_t : i_contenido_t {
 // less than i_NUM_PIEZAS - 1 pieces on; no operation looks further back than that.
 inline constexpr uint32_t i_NUM_PIEZAS = 4;
 
-// ---- The reader record -----------------------------------------------------------------------
-
-// Cuts the lines of a file out of large blocks read at once. Lines end at LF, a CR right before
-// the LF belongs to the line end, and a line longer than i_MAX_LINEA bytes is cut there, its
-// rest coming as the next line (the rules of ztxt_lee_linea). Each line is terminated in place.
-class i_bloque_lineas {
-public:
-    explicit i_bloque_lineas(zarnio_fichero_s &fichero);
-    // The next line, valid until the next call; null once the file is exhausted.
-    char *siguiente();
-
-private:
-    void lee_mas();
-    void agranda(size_t nueva);
-
-    zarnio_fichero_s &fichero_;
-    std::unique_ptr<char[]> buf_; // cap_ bytes of data and one for a terminator
-    size_t cap_ = 0;
-    size_t pos_ = 0;     // start of what has not been delivered
-    size_t fin_ = 0;     // end of what has been read
-    size_t buscado_ = 0; // bytes behind pos_ already searched for a line end
-    bool agotado_ = false;
-    bool hay_guardado_ = false; // a cut line borrowed the first byte of the next for its terminator
-    char guardado_ = 0;
-};
+// ---- The reader record --------------------------------------------------------------------------
 
 // The character source: where lines come from and the line last delivered.
 struct i_fuente_t {
@@ -224,10 +200,10 @@ struct i_fuente_t {
     ArrCADENA lineas = nullptr;     // list source; element 0 is the first line
     zybool destruye_lineas = FALSO; // whether the reader frees lineas
     zarn::Fichero fichero;          // file source, owned
-    zybool fichero_ancho = FALSO;   // the file is UTF-16 (read whole into lineas, see fuente.cpp)
-    std::unique_ptr<i_bloque_lineas> buffer_linea; // file source: the block that holds the line
-    const char *linea_actual = nullptr;            // the line last delivered, not owned
-    uint32_t ind_linea_actual = 0xFFFFFFFFu;       // its index; the start value means none yet
+    zybool fichero_ancho =
+        FALSO; // the file is UTF-16 (read whole into lineas, see lector_fuente.cpp)
+    const char *linea_actual = nullptr;      // the line last delivered, not owned
+    uint32_t ind_linea_actual = 0xFFFFFFFFu; // its index; the start value means none yet
 };
 
 struct i_xml_lectura : zarnfxml_s {
@@ -238,9 +214,9 @@ struct i_xml_lectura : zarnfxml_s {
     i_fuente_t fuente;
     uint32_t ind_linea = 0;   // line being read, from 0
     uint32_t ind_columna = 0; // next byte in that line, from 0
-    std::unique_ptr<zarnfxml_conf_t> conf;
+    std::unique_ptr<i_conf_t> conf;
     std::vector<std::string> etiquetas_abiertas; // the lexer's open tags, outermost first
-    zarnfxml_registro_t registro;                // the current record
+    i_registro_t registro;                       // the current record
     zybool error_especial = FALSO;               // a check found a fault above the lexer
     std::string mensaje_error_especial;          // its message (meaningful with error_especial)
     void *item_asociado = nullptr;
@@ -249,17 +225,17 @@ struct i_xml_lectura : zarnfxml_s {
     // The pieces: piezas[i % i_NUM_PIEZAS] holds the i-th piece that the lexer made. The current
     // piece is the one before `cursor` (none while cursor is 0); those from cursor up to
     // `producidas` were read ahead and given back, and come next.
-    std::array<zarnfxml_pieza_t, i_NUM_PIEZAS> piezas;
+    std::array<i_pieza_t, i_NUM_PIEZAS> piezas;
     uint64_t cursor = 0;
     uint64_t producidas = 0;
-    zarnfxml_pieza_t *pieza_actual() noexcept {
+    i_pieza_t *pieza_actual() noexcept {
         return cursor == 0 ? nullptr : &piezas[(cursor - 1) % i_NUM_PIEZAS];
     }
-    const zarnfxml_pieza_t *pieza_actual() const noexcept {
+    const i_pieza_t *pieza_actual() const noexcept {
         return cursor == 0 ? nullptr : &piezas[(cursor - 1) % i_NUM_PIEZAS];
     }
     uint64_t num_pendientes() const noexcept { return producidas - cursor; }
-    const zarnfxml_pieza_t &pendiente(uint64_t i) const noexcept {
+    const i_pieza_t &pendiente(uint64_t i) const noexcept {
         return piezas[(cursor + i) % i_NUM_PIEZAS];
     }
 
@@ -270,7 +246,7 @@ struct i_xml_lectura : zarnfxml_s {
 i_xml_lectura *i_lector(zarnfxml_t *xml, uint32_t linea_fuente);
 #define I_LECTOR(xml) i_lector((xml), static_cast<uint32_t>(__LINE__))
 
-// ---- Source (fuente.cpp) ---------------------------------------------------------------------
+// ---- Source (lector_fuente.cpp) -----------------------------------------------------------------
 
 // A reader over a file (text mode, whatever its size: one line is held at a time). A UTF-16
 // file is read whole as zarnfxml_lee_lineas_fichero reads it.
@@ -290,13 +266,13 @@ void i_decodifica_cadena(std::string_view cadena, int32_t tipo_codificacion, std
 std::u16string i_decodifica_cadena(std::string_view cadena, int32_t tipo_codificacion);
 
 // Takes the encoding from the "encoding" properties of a declaration piece.
-void i_aplica_definicion_fichero_xml(const zarnfxml_pieza_t *pieza, zarnfxml_conf_t *conf);
+void i_aplica_definicion_fichero_xml(const i_pieza_t *pieza, i_conf_t *conf);
 
-// ---- Lexer (piezas.cpp) ----------------------------------------------------------------------
+// ---- Lexer (lector_piezas.cpp) ------------------------------------------------------------------
 
 // The next piece: the first of those given back if there is one, otherwise a piece lexed from
 // the source with the encoding that conf has at this moment. It becomes the current piece.
-zarnfxml_pieza_t &i_lee_pieza(i_xml_lectura *xml);
+i_pieza_t &i_lee_pieza(i_xml_lectura *xml);
 // Gives back the current piece, so that it comes next and the one before is current again.
 void i_devuelve_pieza(i_xml_lectura *xml);
 // Drops the pieces read ahead (the lexer's stack is the caller's affair).
@@ -313,19 +289,19 @@ zybool i_desapila_etiqueta(std::vector<std::string> &etiquetas_abiertas, std::st
 std::string i_mensaje_error(const char *texto_error, const char *detalle1, const char *detalle2,
                             uint32_t ind_linea, uint32_t ind_columna);
 
-// ---- Records (registros.cpp) -----------------------------------------------------------------
+// ---- Records (lector_registros.cpp) -------------------------------------------------------------
 
 // Leaves the next record in xml->registro and gives its tipo_registro. With admite_campo_vacio
 // an element without a datum is one field with the empty text; without, a block start and end.
-int32_t i_lee_registro(i_xml_lectura *xml, zybool admite_campo_vacio);
+i_tipo_registro_t i_lee_registro(i_xml_lectura *xml, zybool admite_campo_vacio);
 
 // The current record, asserted to exist.
-zarnfxml_registro_t &i_registro(i_xml_lectura *xml);
-const zarnfxml_registro_t &i_registro(const i_xml_lectura *xml);
+i_registro_t &i_registro(i_xml_lectura *xml);
+const i_registro_t &i_registro(const i_xml_lectura *xml);
 // The current record made from a piece (copied, nothing taken over).
-void i_registro_de_pieza(i_xml_lectura *xml, const zarnfxml_pieza_t &pieza);
+void i_registro_de_pieza(i_xml_lectura *xml, const i_pieza_t &pieza);
 // The end record of a self-closed block whose start piece is `pieza`.
-void i_registro_fin_bloque(i_xml_lectura *xml, const zarnfxml_pieza_t &pieza);
+void i_registro_fin_bloque(i_xml_lectura *xml, const i_pieza_t &pieza);
 
 // CIERTO when the reader stands on the end of the document or on an error.
 zybool i_lectura_terminada(const i_xml_lectura *xml);
@@ -338,9 +314,9 @@ zybool i_hay_error_lectura(const i_xml_lectura *xml, CADENA *mensaje);
 // The accessors of the current record's content, by its type: the tag (of a block end, its end
 // tag), the properties (block start, field, definition), the datum
 // (field, loose datum). Asking a record for what its type lacks is a default error.
-const std::string &i_etiqueta_registro(const zarnfxml_registro_t *registro);
-const i_propiedades_t &i_propiedades_registro(const zarnfxml_registro_t *registro);
-const i_dato_t &i_dato_registro(const zarnfxml_registro_t *registro);
+const std::string &i_etiqueta_registro(const i_registro_t *registro);
+const i_propiedades_t &i_propiedades_registro(const i_registro_t *registro);
+const i_dato_t &i_dato_registro(const i_registro_t *registro);
 
 // The tag of the current record equals `etiqueta`, case ignored.
 zybool i_es_etiqueta_registro_igual(const i_xml_lectura *xml, const char *etiqueta);
@@ -351,19 +327,51 @@ const i_propiedad_lectura_t *i_busca_propiedad(const i_propiedades_t &propiedade
 zybool i_existe_propiedad_con_dato(const i_propiedades_t &propiedades, const char *nombre,
                                    const char16_t *dato);
 
-// ---- Checks (comprobacion.cpp) ---------------------------------------------------------------
+// ---- Checks (lector_comprobacion.cpp) -----------------------------------------------------------
 
-// Runs a reader to its end or to its first fault. On a fault gives FALSO and, if mensaje_error
-// is given, a new message there.
+// The one loop over the records of a whole document, under the checks, the tree load and the
+// walk. It reads to the end of the document or to its first fault and hands every element record
+// (block start, field, block end) to f(tipo, registro), which answers false to stop, having
+// marked its own fault with i_asigna_error_especial. A datum outside a field has no place in a
+// document: it is the fault "Unexpected word". Gives true for a good document; otherwise false and,
+// when mensaje is given, a new copy of the fault's message there.
+template <typename F>
+bool i_recorre_registros(i_xml_lectura *xml, zybool admite_campo_vacio, F &&f, CADENA *mensaje) {
+    while (!i_lectura_terminada(xml)) {
+        const i_tipo_registro_t tipo = i_lee_registro(xml, admite_campo_vacio);
+        switch (tipo) {
+        case i_REGISTRO_INICIO_BLOQUE:
+        case i_REGISTRO_CAMPO:
+        case i_REGISTRO_FIN_BLOQUE:
+            if (!f(tipo, static_cast<const i_registro_t &>(xml->registro)))
+                return !i_hay_error_lectura(xml, mensaje);
+            break;
+        case i_REGISTRO_DATO:
+            i_asigna_error_especial(xml, i_mensaje_error("Unexpected word", nullptr, nullptr,
+                                                         xml->ind_linea, xml->ind_columna));
+            return !i_hay_error_lectura(xml, mensaje);
+        case i_REGISTRO_DEFINICION_COMENTARIO:
+        case i_REGISTRO_FIN_FICHERO:
+        case i_REGISTRO_ERROR:
+        case i_REGISTRO_NINGUNO:
+            break;
+        }
+    }
+    return !i_hay_error_lectura(xml, mensaje);
+}
+
+// The check: the document is good and, when etiqueta_raiz has text, its first block bears that
+// tag (case ignored). On a fault gives FALSO and, if mensaje_error is given, a new message there.
 zybool i_es_xml_correcto(i_xml_lectura *xml, const char *etiqueta_raiz, CADENA *mensaje_error);
 
-// ---- Navigation and field reads (navegacion.cpp, lecturas.cpp) -------------------------------
+// ---- Navigation and field reads (lector_navegacion.cpp, lector_campos.cpp) ----------------------
 
 // The look-ahead: whether the next piece, behind a declaration, has the type tipo1 or tipo2,
 // bears `etiqueta` (any tag when null) and, when texto_propiedad is given, has that property
 // with the value dato_propiedad (case ignored). The pieces taken are given back.
-zybool i_es_siguiente_pieza(i_xml_lectura *xml, int32_t tipo1, int32_t tipo2, const char *etiqueta,
-                            const char *texto_propiedad, const char16_t *dato_propiedad);
+zybool i_es_siguiente_pieza(i_xml_lectura *xml, i_tipo_pieza_t tipo1, i_tipo_pieza_t tipo2,
+                            const char *etiqueta, const char *texto_propiedad,
+                            const char16_t *dato_propiedad);
 // The plain look-ahead for a start tag, of a block or of a field.
 zybool i_es_siguiente_inicio_bloque(i_xml_lectura *xml, const char *etiqueta);
 // Reads a block start that bears `etiqueta`; "se_lee" form: only if it comes next.
@@ -376,6 +384,9 @@ void i_salta_hasta_fin_bloque(i_xml_lectura *xml, uint32_t nivel_etiquetado_line
                               bool por_lineas);
 // Whether the environment variable XML_BLOQUE exists; looked up once per process.
 bool i_uso_xml_bloque();
+// Forgets the answer kept by i_uso_xml_bloque, so that the next call looks the variable up again
+// (for tests, which set and unset it; not to be called while other threads read).
+void i_olvida_uso_xml_bloque();
 
 // The three ways to a field: the next record must be a field that bears `etiqueta`. The
 // admite_vacio form takes an element without a datum as a field with the empty text; the
@@ -388,16 +399,20 @@ inline const std::u16string &i_dato_campo(const i_xml_lectura *xml) {
     return i_dato_registro(&i_registro(xml)).texto();
 }
 
-// ---- Arrays being read (lee_arrays.cpp, lee_estructuras.cpp) ---------------------------------
+// ---- The operations behind the C functions of the same names ------------------------------------
 
-// An array under construction, freed if a read inside ends in an internal error; release() hands
-// it to the caller. Pointer arrays are freed without their elements, which are the caller's.
-struct i_destruye_arr {
-    void operator()(ArrCADENA_s *a) const { arr_DestruyeCADENA(&a); }
-    void operator()(ArrCADENA_u_s *a) const { arr_DestruyeCADENA_u(&a); }
-    void operator()(ArrDouble_s *a) const { arr_DestruyeDouble(&a); }
-    void operator()(ArrPunto2D_s *a) const { arr_DestruyePunto2D(&a); }
-    void operator()(ArrPuntero_s *a) const { arr_DestruyeEstructurasConstConTipo(&a); }
-    void operator()(ApunOrde_s *a) const { apunorde_destruye(&a, nullptr); }
-};
-template <typename A> using i_arr_propio = std::unique_ptr<A, i_destruye_arr>;
+// Each zarnfxml_X of the reader is i_X here: code inside the library calls these, never the C
+// functions, which only forward.
+ArrCADENA_u i_lee_arr_cadena_u(zarnfxml_t *xml, const char *etiqueta);
+ArrDouble i_lee_arr_double(zarnfxml_t *xml, const char *etiqueta);
+CADENA_u i_lee_cadena_u(zarnfxml_t *xml, const char *etiqueta);
+double i_lee_double(zarnfxml_t *xml, const char *etiqueta);
+int32_t i_lee_long(zarnfxml_t *xml, const char *etiqueta);
+uint32_t i_lee_ulong(zarnfxml_t *xml, const char *etiqueta);
+void i_lee_definicion_comentario(zarnfxml_t *xml, CADENA *etiqueta);
+void i_lee_inicio_bloque_con_nivel_etiquetado(zarnfxml_t *xml, const char *etiqueta,
+                                              uint32_t *nivel_etiquetado_lineas_bloque);
+void i_lee_inicio_bloque_desconocido(zarnfxml_t *xml, CADENA *etiqueta);
+zybool i_se_lee_inicio_bloque_con_nivel_etiquetado(zarnfxml_t *xml, const char *etiqueta,
+                                                   uint32_t *nivel_etiquetado_lineas_bloque);
+ArrCADENA i_lee_lineas_fichero(const char16_t *nombre_fichero);

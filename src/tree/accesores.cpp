@@ -14,10 +14,6 @@ constexpr int32_t LONG_VACIO = 0x7FFFFFFF;
 constexpr uint32_t ULONG_VACIO = 0xFFFFFFFFu;
 constexpr uint16_t USHORT_VACIO = 0xFFFF;
 
-inline zybool zb(bool b) {
-    return b ? CIERTO : FALSO;
-}
-
 const zarnxml_configuracion_t *conf_de(const zarnxml_nodo_t *nodo) {
     ZARN_ASSERT_NO_NULL(nodo->configuracion, ORIGEN);
     return nodo->configuracion;
@@ -77,8 +73,8 @@ fichmem *fichmem_de(const zarnxml_nodo_t *nodo) {
     const size_t fin = texto.find_last_not_of(" \t\r\n");
     texto.resize(fin == std::string::npos ? 0 : fin + 1);
     uint32_t tamanyo = 0;
-    uint8_t *buffer = zarnstrhex_nousar_cadena_Base64_a_buffer(texto.c_str(), &tamanyo);
-    return fichmem_crea_original(&buffer, tamanyo);
+    uint8_t *buffer = i_zarnstrhex_nousar_cadena_Base64_a_buffer(texto.c_str(), &tamanyo);
+    return i_fichmem_crea_original(&buffer, tamanyo);
 }
 
 } // namespace
@@ -103,14 +99,14 @@ bool i_es_dato_bool(const char16_t *dato, const zarnxml_configuracion_t *conf, z
 ArrDouble_s *i_lista_double(std::u16string_view texto, std::u16string_view separadores) {
     auto lista = std::make_unique<ArrDouble_s>();
     recorre_tokens(texto, separadores,
-                   [&](const char16_t *token) { lista->v.push_back(zarnfxml_atof_u(token)); });
+                   [&](const char16_t *token) { lista->v.push_back(i_atof_u(token)); });
     return lista.release();
 }
 
 ArrULong_s *i_lista_ulong(std::u16string_view texto, std::u16string_view separadores) {
     auto lista = std::make_unique<ArrULong_s>();
     recorre_tokens(texto, separadores,
-                   [&](const char16_t *token) { lista->v.push_back(zarnfxml_atoul_u(token)); });
+                   [&](const char16_t *token) { lista->v.push_back(i_atoul_u(token)); });
     return lista.release();
 }
 
@@ -137,6 +133,108 @@ zybool i_existe_propiedad(const zarnxml_nodo_t *nodo, const char *texto_propieda
     return CIERTO;
 }
 
+double i_get_dato_double(const zarnxml_nodo_t *nodo) {
+    ZARN_ASSERT_NO_NULL(nodo, ORIGEN);
+    return i_atof_u(i_dato(nodo));
+}
+
+uint32_t i_get_dato_ulong(const zarnxml_nodo_t *nodo) {
+    ZARN_ASSERT_NO_NULL(nodo, ORIGEN);
+    return i_atoul_u(i_dato(nodo));
+}
+
+int32_t i_get_dato_long(const zarnxml_nodo_t *nodo) {
+    ZARN_ASSERT_NO_NULL(nodo, ORIGEN);
+    return i_atol_u(i_dato(nodo));
+}
+
+zybool i_get_dato_bool(const zarnxml_nodo_t *nodo) {
+    ZARN_ASSERT_NO_NULL(nodo, ORIGEN);
+    return dato_bool_obligatorio(nodo);
+}
+
+CADENA i_get_dato_cadena(const zarnxml_nodo_t *nodo) {
+    ZARN_ASSERT_NO_NULL(nodo, ORIGEN);
+    return zarn::dup_utf8(vista_dato(nodo));
+}
+
+// The text of a property, copied by copia(std::u16string_view) into the caller's string.
+template <typename T, typename Copia>
+zybool i_existe_propiedad_texto(const zarnxml_nodo_t *nodo, const char *texto_propiedad, T *valor,
+                                Copia &&copia) {
+    ZARN_ASSERT_NO_NULL(nodo, ORIGEN);
+    conf_de(nodo);
+    return i_existe_propiedad(nodo, texto_propiedad, valor, [&](const zarnxml_propiedad_t *p) {
+        return copia(zarn::vista(p->dato_propiedad));
+    });
+}
+
+zybool i_existe_propiedad_cadena(const zarnxml_nodo_t *nodo, const char *texto_propiedad,
+                                 CADENA *valor) {
+    return i_existe_propiedad_texto(nodo, texto_propiedad, valor,
+                                    [](std::u16string_view d) { return zarn::dup_utf8(d); });
+}
+
+zybool i_existe_propiedad_cadena_u(const zarnxml_nodo_t *nodo, const char *texto_propiedad,
+                                   CADENA_u *valor) {
+    return i_existe_propiedad_texto(nodo, texto_propiedad, valor,
+                                    [](std::u16string_view d) { return zarn::dup_u(d); });
+}
+
+zybool i_existe_propiedad_bool(const zarnxml_nodo_t *nodo, const char *texto_propiedad,
+                               zybool *valor) {
+    ZARN_ASSERT_NO_NULL(nodo, ORIGEN);
+    const zarnxml_configuracion_t *conf = conf_de(nodo);
+    const zarnxml_propiedad_t *p = i_busca_propiedad(nodo, texto_propiedad);
+    return zarn::zb(p && i_es_dato_bool(p->dato_propiedad, conf, valor));
+}
+
+zybool i_existe_dato_hijo_long(const zarnxml_nodo_t *nodo, const char *etiqueta, int32_t *valor) {
+    return i_existe_dato_hijo(nodo, etiqueta, valor, [](const zarnxml_nodo_t *hijo) {
+        return *i_dato(hijo) ? i_atol_u(i_dato(hijo)) : LONG_VACIO;
+    });
+}
+
+zybool i_existe_dato_hijo_ulong(const zarnxml_nodo_t *nodo, const char *etiqueta, uint32_t *valor) {
+    return i_existe_dato_hijo(nodo, etiqueta, valor, [](const zarnxml_nodo_t *hijo) {
+        return *i_dato(hijo) ? i_atoul_u(i_dato(hijo)) : ULONG_VACIO;
+    });
+}
+
+zybool i_existe_dato_hijo_bool(const zarnxml_nodo_t *nodo, const char *etiqueta, zybool *valor) {
+    const zarnxml_nodo_t *hijo = hijo_opcional(nodo, etiqueta);
+    return zarn::zb(hijo && i_es_dato_bool(i_dato(hijo), conf_de(hijo), valor));
+}
+
+zybool i_existe_dato_hijo_ArrULong(const zarnxml_nodo_t *nodo, const char *etiqueta,
+                                   ArrULong *valor) {
+    const zarnxml_nodo_t *hijo = hijo_opcional(nodo, etiqueta);
+    if (!hijo)
+        return FALSO;
+    const zarnxml_configuracion_t *conf = conf_de(hijo);
+    if (valor)
+        *valor = i_lista_ulong(vista_dato(hijo), conf->separador_items);
+    return CIERTO;
+}
+
+int32_t i_get_dato_hijo_long_opcional(const zarnxml_nodo_t *nodo, const char *etiqueta,
+                                      int32_t valor_defecto) {
+    int32_t valor = valor_defecto;
+    i_existe_dato_hijo_long(nodo, etiqueta, &valor);
+    return valor;
+}
+
+int32_t i_get_dato_hijo_long(const zarnxml_nodo_t *nodo, const char *etiqueta) {
+    return i_atol_u(i_dato(hijo_obligatorio(nodo, etiqueta)));
+}
+
+zybool i_get_dato_hijo_bool_opcional(const zarnxml_nodo_t *nodo, const char *etiqueta,
+                                     zybool valor_defecto) {
+    zybool valor = valor_defecto;
+    i_existe_dato_hijo_bool(nodo, etiqueta, &valor);
+    return valor;
+}
+
 extern "C" {
 
 // ---- The node's own datum --------------------------------------------------------------------
@@ -147,28 +245,23 @@ ZARN_API const char16_t *zarnxml_get_dato_cadena_u(const zarnxml_nodo_t *nodo) {
 }
 
 ZARN_API CADENA zarnxml_get_dato_cadena(const zarnxml_nodo_t *nodo) {
-    ZARN_ASSERT_NO_NULL(nodo, ORIGEN);
-    return zarn::dup_utf8(vista_dato(nodo));
+    return i_get_dato_cadena(nodo);
 }
 
 ZARN_API int32_t zarnxml_get_dato_long(const zarnxml_nodo_t *nodo) {
-    ZARN_ASSERT_NO_NULL(nodo, ORIGEN);
-    return zarnfxml_atol_u(i_dato(nodo));
+    return i_get_dato_long(nodo);
 }
 
 ZARN_API uint32_t zarnxml_get_dato_ulong(const zarnxml_nodo_t *nodo) {
-    ZARN_ASSERT_NO_NULL(nodo, ORIGEN);
-    return zarnfxml_atoul_u(i_dato(nodo));
+    return i_get_dato_ulong(nodo);
 }
 
 ZARN_API double zarnxml_get_dato_double(const zarnxml_nodo_t *nodo) {
-    ZARN_ASSERT_NO_NULL(nodo, ORIGEN);
-    return zarnfxml_atof_u(i_dato(nodo));
+    return i_get_dato_double(nodo);
 }
 
 ZARN_API zybool zarnxml_get_dato_bool(const zarnxml_nodo_t *nodo) {
-    ZARN_ASSERT_NO_NULL(nodo, ORIGEN);
-    return dato_bool_obligatorio(nodo);
+    return i_get_dato_bool(nodo);
 }
 
 ZARN_API ArrDouble zarnxml_get_dato_ArrDouble(const zarnxml_nodo_t *nodo) {
@@ -189,7 +282,7 @@ ZARN_API ArrPunto2D zarnxml_get_dato_ArrPunto2D(const zarnxml_nodo_t *nodo,
     bool hay_x = false;
     double x = 0.0;
     recorre_tokens(vista_dato(nodo), zarn::vista(separadores), [&](const char16_t *token) {
-        const double v = widestr_nousar_atof(token, ORIGEN, static_cast<uint32_t>(__LINE__));
+        const double v = i_widestr_nousar_atof(token, ORIGEN, static_cast<uint32_t>(__LINE__));
         if (hay_x)
             puntos->v.push_back({x, v});
         else
@@ -201,26 +294,26 @@ ZARN_API ArrPunto2D zarnxml_get_dato_ArrPunto2D(const zarnxml_nodo_t *nodo,
 
 ZARN_API zybool zarnxml_es_dato_bool(const zarnxml_nodo_t *nodo, zybool *valor) {
     ZARN_ASSERT_NO_NULL(nodo, ORIGEN);
-    return zb(i_es_dato_bool(i_dato(nodo), conf_de(nodo), valor));
+    return zarn::zb(i_es_dato_bool(i_dato(nodo), conf_de(nodo), valor));
 }
 
 ZARN_API zybool zarnxml_es_dato_long(const zarnxml_nodo_t *nodo, int32_t *valor) {
     ZARN_ASSERT_NO_NULL(nodo, ORIGEN);
-    const double v = zarnfxml_atof_u(i_dato(nodo));
-    if (!cambtipo_se_puede_double_a_long(v))
+    const double v = i_atof_u(i_dato(nodo));
+    if (!i_cambtipo_se_puede_double_a_long(v))
         return FALSO;
     if (valor)
-        *valor = cambtipo_double_a_long(v);
+        *valor = i_cambtipo_double_a_long(v);
     return CIERTO;
 }
 
 ZARN_API zybool zarnxml_es_dato_ulong(const zarnxml_nodo_t *nodo, uint32_t *valor) {
     ZARN_ASSERT_NO_NULL(nodo, ORIGEN);
-    const double v = zarnfxml_atof_u(i_dato(nodo));
-    if (!cambtipo_se_puede_double_a_ulong(v))
+    const double v = i_atof_u(i_dato(nodo));
+    if (!i_cambtipo_se_puede_double_a_ulong(v))
         return FALSO;
     if (valor)
-        *valor = cambtipo_double_a_ulong(v);
+        *valor = i_cambtipo_double_a_ulong(v);
     return CIERTO;
 }
 
@@ -237,28 +330,28 @@ ZARN_API CADENA zarnxml_get_dato_hijo_cadena_ansi(const zarnxml_nodo_t *nodo,
 }
 
 ZARN_API int32_t zarnxml_get_dato_hijo_long(const zarnxml_nodo_t *nodo, const char *etiqueta) {
-    return zarnfxml_atol_u(i_dato(hijo_obligatorio(nodo, etiqueta)));
+    return i_get_dato_hijo_long(nodo, etiqueta);
 }
 
 ZARN_API uint32_t zarnxml_get_dato_hijo_ulong(const zarnxml_nodo_t *nodo, const char *etiqueta) {
-    return zarnfxml_atoul_u(i_dato(hijo_obligatorio(nodo, etiqueta)));
+    return i_atoul_u(i_dato(hijo_obligatorio(nodo, etiqueta)));
 }
 
 ZARN_API uint16_t zarnxml_get_dato_hijo_ushort(const zarnxml_nodo_t *nodo, const char *etiqueta) {
-    return zarnfxml_atous_u(i_dato(hijo_obligatorio(nodo, etiqueta)));
+    return i_atous_u(i_dato(hijo_obligatorio(nodo, etiqueta)));
 }
 
 ZARN_API double zarnxml_get_dato_hijo_double(const zarnxml_nodo_t *nodo, const char *etiqueta) {
-    return zarnfxml_atof_u(i_dato(hijo_obligatorio(nodo, etiqueta)));
+    return i_atof_u(i_dato(hijo_obligatorio(nodo, etiqueta)));
 }
 
 ZARN_API int64_t zarnxml_get_dato_hijo_fecha(const zarnxml_nodo_t *nodo, const char *etiqueta) {
-    return zarnxml_get_dato_hijo_long(nodo, etiqueta);
+    return i_get_dato_hijo_long(nodo, etiqueta);
 }
 
 ZARN_API int64_t zarnxml_get_dato_hijo_fecha_64(const zarnxml_nodo_t *nodo, const char *etiqueta) {
-    return widestr_nousar_atoi64(i_dato(hijo_obligatorio(nodo, etiqueta)), ORIGEN,
-                                 static_cast<uint32_t>(__LINE__));
+    return i_widestr_nousar_atoi64(i_dato(hijo_obligatorio(nodo, etiqueta)), ORIGEN,
+                                   static_cast<uint32_t>(__LINE__));
 }
 
 ZARN_API zybool zarnxml_get_dato_hijo_bool(const zarnxml_nodo_t *nodo, const char *etiqueta) {
@@ -290,36 +383,31 @@ ZARN_API zybool zarnxml_existe_dato_hijo_cadena(const zarnxml_nodo_t *nodo, cons
 
 ZARN_API zybool zarnxml_existe_dato_hijo_long(const zarnxml_nodo_t *nodo, const char *etiqueta,
                                               int32_t *valor) {
-    return i_existe_dato_hijo(nodo, etiqueta, valor, [](const zarnxml_nodo_t *hijo) {
-        return *i_dato(hijo) ? zarnfxml_atol_u(i_dato(hijo)) : LONG_VACIO;
-    });
+    return i_existe_dato_hijo_long(nodo, etiqueta, valor);
 }
 
 ZARN_API zybool zarnxml_existe_dato_hijo_ulong(const zarnxml_nodo_t *nodo, const char *etiqueta,
                                                uint32_t *valor) {
-    return i_existe_dato_hijo(nodo, etiqueta, valor, [](const zarnxml_nodo_t *hijo) {
-        return *i_dato(hijo) ? zarnfxml_atoul_u(i_dato(hijo)) : ULONG_VACIO;
-    });
+    return i_existe_dato_hijo_ulong(nodo, etiqueta, valor);
 }
 
 ZARN_API zybool zarnxml_existe_dato_hijo_ushort(const zarnxml_nodo_t *nodo, const char *etiqueta,
                                                 uint16_t *valor) {
     return i_existe_dato_hijo(nodo, etiqueta, valor, [](const zarnxml_nodo_t *hijo) {
-        return *i_dato(hijo) ? zarnfxml_atous_u(i_dato(hijo)) : USHORT_VACIO;
+        return *i_dato(hijo) ? i_atous_u(i_dato(hijo)) : USHORT_VACIO;
     });
 }
 
 ZARN_API zybool zarnxml_existe_dato_hijo_double(const zarnxml_nodo_t *nodo, const char *etiqueta,
                                                 double *valor) {
-    return i_existe_dato_hijo(nodo, etiqueta, valor, [](const zarnxml_nodo_t *hijo) {
-        return zarnfxml_atof_u(i_dato(hijo));
-    });
+    return i_existe_dato_hijo(nodo, etiqueta, valor,
+                              [](const zarnxml_nodo_t *hijo) { return i_atof_u(i_dato(hijo)); });
 }
 
 ZARN_API zybool zarnxml_existe_dato_hijo_fecha(const zarnxml_nodo_t *nodo, const char *etiqueta,
                                                int64_t *valor) {
     int32_t v = 0;
-    if (!zarnxml_existe_dato_hijo_long(nodo, etiqueta, valor ? &v : nullptr))
+    if (!i_existe_dato_hijo_long(nodo, etiqueta, valor ? &v : nullptr))
         return FALSO;
     if (valor)
         *valor = v;
@@ -328,8 +416,7 @@ ZARN_API zybool zarnxml_existe_dato_hijo_fecha(const zarnxml_nodo_t *nodo, const
 
 ZARN_API zybool zarnxml_existe_dato_hijo_bool(const zarnxml_nodo_t *nodo, const char *etiqueta,
                                               zybool *valor) {
-    const zarnxml_nodo_t *hijo = hijo_opcional(nodo, etiqueta);
-    return zb(hijo && i_es_dato_bool(i_dato(hijo), conf_de(hijo), valor));
+    return i_existe_dato_hijo_bool(nodo, etiqueta, valor);
 }
 
 ZARN_API zybool zarnxml_existe_dato_hijo_ArrDouble(const zarnxml_nodo_t *nodo, const char *etiqueta,
@@ -345,48 +432,37 @@ ZARN_API zybool zarnxml_existe_dato_hijo_ArrDouble(const zarnxml_nodo_t *nodo, c
 
 ZARN_API zybool zarnxml_existe_dato_hijo_ArrULong(const zarnxml_nodo_t *nodo, const char *etiqueta,
                                                   ArrULong *valor) {
-    const zarnxml_nodo_t *hijo = hijo_opcional(nodo, etiqueta);
-    if (!hijo)
-        return FALSO;
-    const zarnxml_configuracion_t *conf = conf_de(hijo);
-    if (valor)
-        *valor = i_lista_ulong(vista_dato(hijo), conf->separador_items);
-    return CIERTO;
+    return i_existe_dato_hijo_ArrULong(nodo, etiqueta, valor);
 }
 
 // ---- A child's datum: the child may be missing, with a default --------------------------------
 
 ZARN_API int32_t zarnxml_get_dato_hijo_long_opcional(const zarnxml_nodo_t *nodo,
                                                      const char *etiqueta, int32_t valor_defecto) {
-    int32_t valor = valor_defecto;
-    zarnxml_existe_dato_hijo_long(nodo, etiqueta, &valor);
-    return valor;
+    return i_get_dato_hijo_long_opcional(nodo, etiqueta, valor_defecto);
 }
 
 ZARN_API uint32_t zarnxml_get_dato_hijo_ulong_opcional(const zarnxml_nodo_t *nodo,
                                                        const char *etiqueta,
                                                        uint32_t valor_defecto) {
     uint32_t valor = valor_defecto;
-    zarnxml_existe_dato_hijo_ulong(nodo, etiqueta, &valor);
+    i_existe_dato_hijo_ulong(nodo, etiqueta, &valor);
     return valor;
 }
 
 ZARN_API int64_t zarnxml_get_dato_hijo_fecha_opcional(const zarnxml_nodo_t *nodo,
                                                       const char *etiqueta, int64_t valor_defecto) {
-    return zarnxml_get_dato_hijo_long_opcional(nodo, etiqueta,
-                                               cambtipo_time_t_a_long(valor_defecto));
+    return i_get_dato_hijo_long_opcional(nodo, etiqueta, i_cambtipo_time_t_a_long(valor_defecto));
 }
 
 ZARN_API zybool zarnxml_get_dato_hijo_bool_opcional(const zarnxml_nodo_t *nodo,
                                                     const char *etiqueta, zybool valor_defecto) {
-    zybool valor = valor_defecto;
-    zarnxml_existe_dato_hijo_bool(nodo, etiqueta, &valor);
-    return valor;
+    return i_get_dato_hijo_bool_opcional(nodo, etiqueta, valor_defecto);
 }
 
 ZARN_API zybool zarnxml_existe_dato_hijo_bool_opcional(const zarnxml_nodo_t *nodo,
                                                        const char *etiqueta, zybool valor_defecto) {
-    return zarnxml_get_dato_hijo_bool_opcional(nodo, etiqueta, valor_defecto);
+    return i_get_dato_hijo_bool_opcional(nodo, etiqueta, valor_defecto);
 }
 
 ZARN_API CADENA_u zarnxml_get_dato_hijo_cadena_opcional(const zarnxml_nodo_t *nodo,
@@ -398,18 +474,18 @@ ZARN_API CADENA_u zarnxml_get_dato_hijo_cadena_opcional(const zarnxml_nodo_t *no
 ZARN_API ArrULong zarnxml_get_dato_hijo_ArrULong_opcional(const zarnxml_nodo_t *nodo,
                                                           const char *etiqueta) {
     ArrULong valor = nullptr;
-    if (!zarnxml_existe_dato_hijo_ArrULong(nodo, etiqueta, &valor))
-        valor = arr_CreaULong(0);
+    if (!i_existe_dato_hijo_ArrULong(nodo, etiqueta, &valor))
+        valor = i_arr_CreaULong(0);
     return valor;
 }
 
 ZARN_API ArrCADENA_u zarnxml_get_ArrCadenaU_hijos(const zarnxml_nodo_t *nodo,
                                                   const char *etiqueta) {
     ZARN_ASSERT_NO_NULL(nodo, ORIGEN);
-    ArrCADENA_u datos = arr_CreaCADENA_u(0);
+    ArrCADENA_u datos = i_arr_CreaCADENA_u(0);
     for (uint32_t i = 0; i < nodo->num_hijos; ++i)
         if (i_etiqueta_igual(nodo->hijos()[i].etiqueta, etiqueta))
-            arr_AppendCADENA_u(datos, i_dato(&nodo->hijos()[i]));
+            i_arr_AppendCADENA_u(datos, i_dato(&nodo->hijos()[i]));
     return datos;
 }
 
@@ -417,27 +493,19 @@ ZARN_API ArrCADENA_u zarnxml_get_ArrCadenaU_hijos(const zarnxml_nodo_t *nodo,
 
 ZARN_API zybool zarnxml_existe_propiedad_cadena(const zarnxml_nodo_t *nodo,
                                                 const char *texto_propiedad, CADENA *valor) {
-    ZARN_ASSERT_NO_NULL(nodo, ORIGEN);
-    conf_de(nodo);
-    return i_existe_propiedad(nodo, texto_propiedad, valor, [](const zarnxml_propiedad_t *p) {
-        return zarn::dup_utf8(zarn::vista(p->dato_propiedad));
-    });
+    return i_existe_propiedad_cadena(nodo, texto_propiedad, valor);
 }
 
 ZARN_API zybool zarnxml_existe_propiedad_cadena_u(const zarnxml_nodo_t *nodo,
                                                   const char *texto_propiedad, CADENA_u *valor) {
-    ZARN_ASSERT_NO_NULL(nodo, ORIGEN);
-    conf_de(nodo);
-    return i_existe_propiedad(nodo, texto_propiedad, valor, [](const zarnxml_propiedad_t *p) {
-        return zarn::dup_u(zarn::vista(p->dato_propiedad));
-    });
+    return i_existe_propiedad_cadena_u(nodo, texto_propiedad, valor);
 }
 
 ZARN_API zybool zarnxml_existe_propiedad_double(const zarnxml_nodo_t *nodo,
                                                 const char *texto_propiedad, double *valor) {
     ZARN_ASSERT_NO_NULL(nodo, ORIGEN);
     return i_existe_propiedad(nodo, texto_propiedad, valor, [](const zarnxml_propiedad_t *p) {
-        return zarnfxml_atof_u(p->dato_propiedad);
+        return i_atof_u(p->dato_propiedad);
     });
 }
 
@@ -445,16 +513,13 @@ ZARN_API zybool zarnxml_existe_propiedad_ulong(const zarnxml_nodo_t *nodo,
                                                const char *texto_propiedad, uint32_t *valor) {
     ZARN_ASSERT_NO_NULL(nodo, ORIGEN);
     return i_existe_propiedad(nodo, texto_propiedad, valor, [](const zarnxml_propiedad_t *p) {
-        return zarnfxml_atoul_u(p->dato_propiedad);
+        return i_atoul_u(p->dato_propiedad);
     });
 }
 
 ZARN_API zybool zarnxml_existe_propiedad_bool(const zarnxml_nodo_t *nodo,
                                               const char *texto_propiedad, zybool *valor) {
-    ZARN_ASSERT_NO_NULL(nodo, ORIGEN);
-    const zarnxml_configuracion_t *conf = conf_de(nodo);
-    const zarnxml_propiedad_t *p = i_busca_propiedad(nodo, texto_propiedad);
-    return zb(p && i_es_dato_bool(p->dato_propiedad, conf, valor));
+    return i_existe_propiedad_bool(nodo, texto_propiedad, valor);
 }
 
 // ---- Through a sequential reader -----------------------------------------------------------
@@ -462,19 +527,19 @@ ZARN_API zybool zarnxml_existe_propiedad_bool(const zarnxml_nodo_t *nodo,
 ZARN_API zybool zarnxml_in_existe_propiedad_bool(const zarnxml_lectura_t *xml,
                                                  const char *texto_propiedad, zybool *valor) {
     ZARN_ASSERT_NO_NULL(xml, ORIGEN);
-    return zarnxml_existe_propiedad_bool(xml->nodo_actual, texto_propiedad, valor);
+    return i_existe_propiedad_bool(xml->nodo_actual, texto_propiedad, valor);
 }
 
 ZARN_API zybool zarnxml_in_existe_propiedad_cadena(const zarnxml_lectura_t *xml,
                                                    const char *texto_propiedad, CADENA *valor) {
     ZARN_ASSERT_NO_NULL(xml, ORIGEN);
-    return zarnxml_existe_propiedad_cadena(xml->nodo_actual, texto_propiedad, valor);
+    return i_existe_propiedad_cadena(xml->nodo_actual, texto_propiedad, valor);
 }
 
 ZARN_API zybool zarnxml_in_existe_propiedad_cadena_u(const zarnxml_lectura_t *xml,
                                                      const char *texto_propiedad, CADENA_u *valor) {
     ZARN_ASSERT_NO_NULL(xml, ORIGEN);
-    return zarnxml_existe_propiedad_cadena_u(xml->nodo_actual, texto_propiedad, valor);
+    return i_existe_propiedad_cadena_u(xml->nodo_actual, texto_propiedad, valor);
 }
 
 } // extern "C"

@@ -111,6 +111,13 @@ void i_destruye_configuracion(zarnxml_configuracion_t **configuracion);
 zarnxml_nodo_t *i_crea_nodo_raiz(const char *texto_true, const char *texto_false);
 // A blank node of an existing tree, allocated alone, owning nothing.
 zarnxml_nodo_t *i_crea_nodo_vacio(zarnxml_configuracion_t *configuracion);
+// Frees a node allocated alone (with the tree's record if it owns it); a node inside a tree is
+// the tree's and is left alone.
+void i_destruye_nodo(zarnxml_nodo_t *nodo) noexcept;
+struct i_destruye_nodo_t {
+    void operator()(zarnxml_nodo_t *nodo) const noexcept { i_destruye_nodo(nodo); }
+};
+using i_nodo_propio = std::unique_ptr<zarnxml_nodo_t, i_destruye_nodo_t>;
 // Whether the node is blank: the empty tag, no properties, no datum, no children.
 bool i_es_nodo_en_blanco(const zarnxml_nodo_t *nodo);
 
@@ -175,3 +182,51 @@ ArrULong_s *i_lista_ulong(std::u16string_view texto, std::u16string_view separad
 
 // A reader over a whole tree, which it takes over: *xml_raiz is cleared.
 zarnxml_lectura_t *i_crea_lectura_de_arbol(zarnxml_nodo_t **xml_raiz);
+
+// ---- The operations behind the C functions of the same names -------------------------------
+
+// Each zarnxml_X of the interface is i_X here: code inside the library calls these, never the
+// C functions, which only forward.
+double i_get_dato_double(const zarnxml_nodo_t *nodo);
+uint32_t i_get_dato_ulong(const zarnxml_nodo_t *nodo);
+int32_t i_get_dato_long(const zarnxml_nodo_t *nodo);
+zybool i_get_dato_bool(const zarnxml_nodo_t *nodo);
+CADENA i_get_dato_cadena(const zarnxml_nodo_t *nodo);
+zybool i_existe_propiedad_cadena(const zarnxml_nodo_t *nodo, const char *texto_propiedad,
+                                 CADENA *valor);
+zybool i_existe_propiedad_cadena_u(const zarnxml_nodo_t *nodo, const char *texto_propiedad,
+                                   CADENA_u *valor);
+zybool i_existe_propiedad_bool(const zarnxml_nodo_t *nodo, const char *texto_propiedad,
+                               zybool *valor);
+zybool i_existe_dato_hijo_long(const zarnxml_nodo_t *nodo, const char *etiqueta, int32_t *valor);
+zybool i_existe_dato_hijo_ulong(const zarnxml_nodo_t *nodo, const char *etiqueta, uint32_t *valor);
+zybool i_existe_dato_hijo_bool(const zarnxml_nodo_t *nodo, const char *etiqueta, zybool *valor);
+zybool i_existe_dato_hijo_ArrULong(const zarnxml_nodo_t *nodo, const char *etiqueta,
+                                   ArrULong *valor);
+int32_t i_get_dato_hijo_long_opcional(const zarnxml_nodo_t *nodo, const char *etiqueta,
+                                      int32_t valor_defecto);
+int32_t i_get_dato_hijo_long(const zarnxml_nodo_t *nodo, const char *etiqueta);
+zybool i_get_dato_hijo_bool_opcional(const zarnxml_nodo_t *nodo, const char *etiqueta,
+                                     zybool valor_defecto);
+zybool i_existe_nodo(const zarnxml_nodo_t *nodo, const char *etiqueta,
+                     const zarnxml_nodo_t **nodo_hijo);
+zybool i_existen_nodos(const zarnxml_nodo_t *nodo, const char *etiqueta,
+                       ArrPuntero *nodos_encontrados);
+zybool i_existe_nodos_ex(const zarnxml_nodo_t *nodo, const char *etiqueta,
+                         const char *texto_propiedad, const char16_t *dato_propiedad,
+                         ArrPuntero *nodos_encontrados);
+zybool i_existe_nodo_ex(const zarnxml_nodo_t *nodo, const char *etiqueta,
+                        const char *texto_propiedad, const char16_t *dato_propiedad,
+                        uint32_t indice, const zarnxml_nodo_t **nodo_hijo);
+zybool i_etiqueta_nodo_igual(const zarnxml_nodo_t *nodo, const char *etiqueta);
+ArrPuntero i_nousar_lee_arr_punterosST(zarnxml_lectura_t *xml, const char *etiqueta,
+                                       func_lee_xml func_item, func_lee_xml_1extra func_item_1extra,
+                                       void *extra);
+ArrPuntero i_nousar_lee_arr_punterosST_ConPropiedadFija(zarnxml_lectura_t *xml,
+                                                        const char *etiqueta,
+                                                        const char *texto_propiedad,
+                                                        const char16_t *dato_propiedad,
+                                                        func_lee_xml func_item);
+zarnxml_nodo_t *i_crea_de_fichero_u(const char16_t *nombre_fichero, const char *texto_true,
+                                    const char *texto_false, zybool *hay_error,
+                                    CADENA *mensaje_error);

@@ -41,7 +41,7 @@ zybool busca_hijos(const zarnxml_nodo_t *nodo, const char *etiqueta, const char 
                                   hay = true;
                                   return false;
                               });
-        return hay ? CIERTO : FALSO;
+        return zarn::zb(hay);
     }
     std::unique_ptr<ArrPuntero_s> encontrados;
     recorre_coincidencias(nodo, etiqueta, texto_propiedad, dato_propiedad,
@@ -140,6 +140,47 @@ bool i_tiene_propiedad_con_dato(const zarnxml_nodo_t *nodo, const char *texto_pr
 
 // ---- Interface -------------------------------------------------------------------------------
 
+zybool i_existe_nodo(const zarnxml_nodo_t *nodo, const char *etiqueta,
+                     const zarnxml_nodo_t **nodo_hijo) {
+    return zarn::zb(i_existe_hijo_unico(nodo, etiqueta, nodo_hijo));
+}
+
+zybool i_existen_nodos(const zarnxml_nodo_t *nodo, const char *etiqueta,
+                       ArrPuntero *nodos_encontrados) {
+    return busca_hijos(nodo, etiqueta, nullptr, nullptr, nodos_encontrados);
+}
+
+zybool i_existe_nodos_ex(const zarnxml_nodo_t *nodo, const char *etiqueta,
+                         const char *texto_propiedad, const char16_t *dato_propiedad,
+                         ArrPuntero *nodos_encontrados) {
+    return busca_hijos(nodo, etiqueta, texto_propiedad, dato_propiedad, nodos_encontrados);
+}
+
+zybool i_existe_nodo_ex(const zarnxml_nodo_t *nodo, const char *etiqueta,
+                        const char *texto_propiedad, const char16_t *dato_propiedad,
+                        uint32_t indice, const zarnxml_nodo_t **nodo_hijo) {
+    ZARN_ASSERT_NO_NULL(nodo, ORIGEN);
+    const zarnxml_nodo_t *encontrado = nullptr;
+    uint32_t posicion = 0;
+    recorre_coincidencias(nodo, etiqueta, texto_propiedad, dato_propiedad,
+                          [&](const zarnxml_nodo_t *hijo) {
+                              if (posicion++ != indice)
+                                  return true;
+                              encontrado = hijo;
+                              return false;
+                          });
+    if (!encontrado)
+        return FALSO;
+    if (nodo_hijo)
+        *nodo_hijo = encontrado;
+    return CIERTO;
+}
+
+zybool i_etiqueta_nodo_igual(const zarnxml_nodo_t *nodo, const char *etiqueta) {
+    ZARN_ASSERT_NO_NULL(nodo, ORIGEN);
+    return zarn::zb(i_etiqueta_igual(nodo->etiqueta, etiqueta));
+}
+
 extern "C" {
 
 ZARN_API const char *zarnxml_get_etiqueta(const zarnxml_nodo_t *nodo) {
@@ -149,7 +190,7 @@ ZARN_API const char *zarnxml_get_etiqueta(const zarnxml_nodo_t *nodo) {
 
 ZARN_API zybool zarnxml_hay_datos(const zarnxml_nodo_t *xml) {
     ZARN_ASSERT_NO_NULL(xml, ORIGEN);
-    return xml->etiqueta[0] != '\0' ? CIERTO : FALSO;
+    return zarn::zb(xml->etiqueta[0] != '\0');
 }
 
 ZARN_API ArrPuntero zarnxml_nodos_hijos(const zarnxml_nodo_t *nodo) {
@@ -190,13 +231,12 @@ ZARN_API const zarnxml_propiedad_t *zarnxml_propiedad(const zarnxml_nodo_t *nodo
 }
 
 ZARN_API zybool zarnxml_etiqueta_igual(const zarnxml_nodo_t *nodo, const char *etiqueta) {
-    ZARN_ASSERT_NO_NULL(nodo, ORIGEN);
-    return i_etiqueta_igual(nodo->etiqueta, etiqueta) ? CIERTO : FALSO;
+    return i_etiqueta_nodo_igual(nodo, etiqueta);
 }
 
 ZARN_API zybool zarnxml_existe_nodo(const zarnxml_nodo_t *nodo, const char *etiqueta,
                                     const zarnxml_nodo_t **nodo_hijo) {
-    return i_existe_hijo_unico(nodo, etiqueta, nodo_hijo) ? CIERTO : FALSO;
+    return i_existe_nodo(nodo, etiqueta, nodo_hijo);
 }
 
 ZARN_API const zarnxml_nodo_t *zarnxml_dame_nodo(const zarnxml_nodo_t *nodo, const char *etiqueta) {
@@ -208,33 +248,19 @@ ZARN_API const zarnxml_nodo_t *zarnxml_dame_nodo(const zarnxml_nodo_t *nodo, con
 
 ZARN_API zybool zarnxml_existen_nodos(const zarnxml_nodo_t *nodo, const char *etiqueta,
                                       ArrPuntero *nodos_encontrados) {
-    return busca_hijos(nodo, etiqueta, nullptr, nullptr, nodos_encontrados);
+    return i_existen_nodos(nodo, etiqueta, nodos_encontrados);
 }
 
 ZARN_API zybool zarnxml_existe_nodos_ex(const zarnxml_nodo_t *nodo, const char *etiqueta,
                                         const char *texto_propiedad, const char16_t *dato_propiedad,
                                         ArrPuntero *nodos_encontrados) {
-    return busca_hijos(nodo, etiqueta, texto_propiedad, dato_propiedad, nodos_encontrados);
+    return i_existe_nodos_ex(nodo, etiqueta, texto_propiedad, dato_propiedad, nodos_encontrados);
 }
 
 ZARN_API zybool zarnxml_existe_nodo_ex(const zarnxml_nodo_t *nodo, const char *etiqueta,
                                        const char *texto_propiedad, const char16_t *dato_propiedad,
                                        uint32_t indice, const zarnxml_nodo_t **nodo_hijo) {
-    ZARN_ASSERT_NO_NULL(nodo, ORIGEN);
-    const zarnxml_nodo_t *encontrado = nullptr;
-    uint32_t posicion = 0;
-    recorre_coincidencias(nodo, etiqueta, texto_propiedad, dato_propiedad,
-                          [&](const zarnxml_nodo_t *hijo) {
-                              if (posicion++ != indice)
-                                  return true;
-                              encontrado = hijo;
-                              return false;
-                          });
-    if (!encontrado)
-        return FALSO;
-    if (nodo_hijo)
-        *nodo_hijo = encontrado;
-    return CIERTO;
+    return i_existe_nodo_ex(nodo, etiqueta, texto_propiedad, dato_propiedad, indice, nodo_hijo);
 }
 
 ZARN_API zybool zarnxml_existe_nodo_ruta_ex(const zarnxml_nodo_t *xml, ArrCADENA ruta,
@@ -242,26 +268,26 @@ ZARN_API zybool zarnxml_existe_nodo_ruta_ex(const zarnxml_nodo_t *xml, ArrCADENA
                                             ArrCADENA_u datos_propiedades, ArrULong indices,
                                             const zarnxml_nodo_t **nodo_hijo) {
     ZARN_ASSERT_NO_NULL(xml, ORIGEN);
-    const uint32_t num = arr_NumElemsCADENA(ruta);
+    const uint32_t num = i_arr_NumElemsCADENA(ruta);
     if (num == 0)
         return FALSO;
     const zarnxml_nodo_t *nodo_padre = xml;
-    if (!i_etiqueta_igual(arr_GetCADENA(ruta, 0), nodo_padre->etiqueta))
+    if (!i_etiqueta_igual(i_arr_GetCADENA(ruta, 0), nodo_padre->etiqueta))
         return FALSO;
     for (uint32_t i = 1; i < num; ++i) {
         const char *texto_propiedad = nullptr;
         const char16_t *dato_propiedad = nullptr;
         if (textos_propiedades) {
-            const char *texto = arr_GetCADENA(textos_propiedades, i);
-            if (zarnstr_hay_texto(texto)) {
+            const char *texto = i_arr_GetCADENA(textos_propiedades, i);
+            if (i_zarnstr_hay_texto(texto)) {
                 texto_propiedad = texto;
-                dato_propiedad = arr_GetCADENA_u(datos_propiedades, i);
+                dato_propiedad = i_arr_GetCADENA_u(datos_propiedades, i);
             }
         }
-        const uint32_t indice = indices ? arr_GetULong(indices, i) : 0;
+        const uint32_t indice = indices ? i_arr_GetULong(indices, i) : 0;
         const zarnxml_nodo_t *hijo = nullptr;
-        if (!zarnxml_existe_nodo_ex(nodo_padre, arr_GetCADENA(ruta, i), texto_propiedad,
-                                    dato_propiedad, indice, &hijo))
+        if (!i_existe_nodo_ex(nodo_padre, i_arr_GetCADENA(ruta, i), texto_propiedad, dato_propiedad,
+                              indice, &hijo))
             return FALSO;
         nodo_padre = hijo;
     }
@@ -277,14 +303,14 @@ ZARN_API zybool zarnxml_existen_nodos_recursivamente(const zarnxml_nodo_t *nodo,
     ZARN_ASSERT_NO_NULL(nodos_encontrados, ORIGEN);
     // The array is the caller's from the start, so that it stays reachable if the search ends
     // in an internal error.
-    ArrPuntero encontrados = arr_CreaPunteroConTipo(0);
+    ArrPuntero encontrados = i_arr_CreaPunteroConTipo(0);
     *nodos_encontrados = encontrados;
     busca_recursivamente(nodo, etiqueta, [&](const zarnxml_nodo_t *hijo) {
         encontrados->v.push_back(const_cast<zarnxml_nodo_t *>(hijo));
     });
     if (!encontrados->v.empty())
         return CIERTO;
-    arr_DestruyeEstructurasConstConTipo(nodos_encontrados);
+    i_arr_DestruyeEstructurasConstConTipo(nodos_encontrados);
     return FALSO;
 }
 
@@ -308,7 +334,7 @@ ZARN_API zybool zarnxml_existe_nodo_recursivamente(const zarnxml_nodo_t *nodo, c
 
 ZARN_API zybool zarnxml_es_etiqueta_nodo_raiz(const zarnxml_lectura_t *xml, const char *etiqueta) {
     ZARN_ASSERT_NO_NULL(xml, ORIGEN);
-    return zarnxml_etiqueta_igual(xml->xml_raiz, etiqueta);
+    return i_etiqueta_nodo_igual(xml->xml_raiz, etiqueta);
 }
 
 ZARN_API zybool zarnxml_existe_etiqueta_con_propiedad_cadena(const zarnxml_lectura_t *xml,
@@ -317,14 +343,14 @@ ZARN_API zybool zarnxml_existe_etiqueta_con_propiedad_cadena(const zarnxml_lectu
                                                              CADENA *dato) {
     ZARN_ASSERT_NO_NULL(xml, ORIGEN);
     const zarnxml_nodo_t *hijo = nullptr;
-    if (!zarnxml_existe_nodo(xml->nodo_actual, etiqueta, &hijo))
+    if (!i_existe_nodo(xml->nodo_actual, etiqueta, &hijo))
         return FALSO;
-    return zarnxml_existe_propiedad_cadena(hijo, texto_propiedad, dato);
+    return i_existe_propiedad_cadena(hijo, texto_propiedad, dato);
 }
 
 ZARN_API zybool zarnxml_existe_dato(const zarnxml_lectura_t *xml, const char *etiqueta) {
     ZARN_ASSERT_NO_NULL(xml, ORIGEN);
-    return zarnxml_existe_nodo(xml->nodo_actual, etiqueta, nullptr);
+    return i_existe_nodo(xml->nodo_actual, etiqueta, nullptr);
 }
 
 } // extern "C"

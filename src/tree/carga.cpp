@@ -12,16 +12,6 @@ namespace {
 
 constexpr const char *ORIGEN = zarn::ORIGEN_ARBOL;
 
-struct destruye_nodo {
-    void operator()(zarnxml_nodo_t *nodo) const { zarnxml_destruye(&nodo); }
-};
-using nodo_ptr = std::unique_ptr<zarnxml_nodo_t, destruye_nodo>;
-
-struct destruye_lineas {
-    void operator()(ArrCADENA lineas) const { arr_DestruyeCADENA(&lineas); }
-};
-using lineas_ptr = std::unique_ptr<ArrCADENA_s, destruye_lineas>;
-
 // A list that the loader owns is freed behind the reader as it goes: the reader never comes
 // back to a line before the one that it holds.
 class liberador_lineas {
@@ -44,54 +34,33 @@ private:
     size_t liberadas_ = 0;
 };
 
+// The check, plus building: the records of a good document make the tree. A second element at
+// the top level is a fault too, but the rest is still read, for a fault of the document behind it
+// comes first.
 CADENA construye(i_xml_lectura *xml, zarnxml_nodo_t *raiz, liberador_lineas *liberador) {
     i_constructor_arbol constructor(raiz);
-    std::string mensaje;
-    bool hay_fallo = false;
     bool construyendo = true;
     std::string mensaje_segundo;
-    while (!hay_fallo && !i_lectura_terminada(xml)) {
-        const int32_t tipo = i_lee_registro(xml, CIERTO);
-        const zarnfxml_registro_t *registro = &xml->registro;
-        switch (tipo) {
-        case i_REGISTRO_INICIO_BLOQUE:
-        case i_REGISTRO_CAMPO:
-            if (construyendo &&
-                !constructor.elemento(
-                    i_etiqueta_registro(registro), i_propiedades_registro(registro),
-                    tipo == i_REGISTRO_CAMPO ? &i_dato_registro(registro).texto() : nullptr)) {
-                // The rest is still read, for a lexical fault behind would come first.
-                construyendo = false;
-                constructor.descarta();
-                mensaje_segundo = i_mensaje_error("More than one root element",
-                                                  i_etiqueta_registro(registro).c_str(), nullptr,
-                                                  xml->ind_linea, xml->ind_columna);
-            }
-            break;
-        case i_REGISTRO_FIN_BLOQUE:
+    const auto construye_registro = [&](i_tipo_registro_t tipo, const i_registro_t &registro) {
+        if (tipo == i_REGISTRO_FIN_BLOQUE) {
             if (construyendo)
                 constructor.fin_bloque();
-            break;
-        case i_REGISTRO_DATO:
-            // Text beside child elements, or outside every element.
-            mensaje = i_mensaje_error("Unexpected word", nullptr, nullptr, xml->ind_linea,
-                                      xml->ind_columna);
-            hay_fallo = true;
-            break;
-        case i_REGISTRO_DEFINICION_COMENTARIO:
-        case i_REGISTRO_FIN_FICHERO:
-        case i_REGISTRO_ERROR:
-            break;
-        default:
-            ZARN_DEFAULT_ERROR(ORIGEN);
+        } else if (construyendo &&
+                   !constructor.elemento(
+                       i_etiqueta_registro(&registro), i_propiedades_registro(&registro),
+                       tipo == i_REGISTRO_CAMPO ? &i_dato_registro(&registro).texto() : nullptr)) {
+            construyendo = false;
+            constructor.descarta();
+            mensaje_segundo = i_mensaje_error("More than one root element",
+                                              i_etiqueta_registro(&registro).c_str(), nullptr,
+                                              xml->ind_linea, xml->ind_columna);
         }
         if (liberador)
             liberador->avanza();
-    }
+        return true;
+    };
     CADENA resultado = nullptr;
-    if (hay_fallo)
-        resultado = zarn::dup(mensaje);
-    else if (!i_hay_error_lectura(xml, &resultado) && !construyendo)
+    if (i_recorre_registros(xml, CIERTO, construye_registro, &resultado) && !construyendo)
         resultado = zarn::dup(mensaje_segundo);
     if (resultado)
         constructor.descarta();
@@ -102,7 +71,7 @@ CADENA construye(i_xml_lectura *xml, zarnxml_nodo_t *raiz, liberador_lineas *lib
 
 void informa(CADENA mensaje, zybool *hay_error, CADENA *mensaje_error) {
     if (hay_error)
-        *hay_error = mensaje ? CIERTO : FALSO;
+        *hay_error = zarn::zb(mensaje != nullptr);
     if (mensaje_error)
         *mensaje_error = mensaje;
     else
@@ -113,8 +82,8 @@ zarnxml_nodo_t *i_crea_de_lineas(ArrCADENA *lineas_xml, const char *texto_true,
                                  const char *texto_false, zybool *hay_error, CADENA *mensaje_error,
                                  zybool dato_literal) {
     ZARN_ASSERT_NO_NULL(lineas_xml, ORIGEN);
-    lineas_ptr lineas(std::exchange(*lineas_xml, nullptr));
-    nodo_ptr raiz(i_crea_nodo_raiz(texto_true, texto_false));
+    zarn::ArrPropio<ArrCADENA_s> lineas(std::exchange(*lineas_xml, nullptr));
+    i_nodo_propio raiz(i_crea_nodo_raiz(texto_true, texto_false));
     CADENA mensaje = nullptr;
     if (lineas) {
         auto xml = i_crea_para_lectura_de_lineas(lineas.get(), dato_literal);
@@ -128,17 +97,23 @@ zarnxml_nodo_t *i_crea_de_lineas(ArrCADENA *lineas_xml, const char *texto_true,
 
 } // namespace
 
-extern "C" {
-
-ZARN_API zarnxml_nodo_t *zarnxml_crea_de_fichero_u(const char16_t *nombre_fichero,
-                                                   const char *texto_true, const char *texto_false,
-                                                   zybool *hay_error, CADENA *mensaje_error) {
-    nodo_ptr raiz(i_crea_nodo_raiz(texto_true, texto_false));
+zarnxml_nodo_t *i_crea_de_fichero_u(const char16_t *nombre_fichero, const char *texto_true,
+                                    const char *texto_false, zybool *hay_error,
+                                    CADENA *mensaje_error) {
+    i_nodo_propio raiz(i_crea_nodo_raiz(texto_true, texto_false));
     auto xml = i_crea_para_lectura_de_fichero_u(nombre_fichero, FALSO);
     CADENA mensaje = construye(xml.get(), raiz.get(), nullptr);
     xml.reset();
     informa(mensaje, hay_error, mensaje_error);
     return raiz.release();
+}
+
+extern "C" {
+
+ZARN_API zarnxml_nodo_t *zarnxml_crea_de_fichero_u(const char16_t *nombre_fichero,
+                                                   const char *texto_true, const char *texto_false,
+                                                   zybool *hay_error, CADENA *mensaje_error) {
+    return i_crea_de_fichero_u(nombre_fichero, texto_true, texto_false, hay_error, mensaje_error);
 }
 
 ZARN_API zarnxml_nodo_t *zarnxml_crea_de_lineas(ArrCADENA *lineas_xml, const char *texto_true,

@@ -128,7 +128,7 @@ i_constructor_arbol::i_constructor_arbol(zarnxml_nodo_t *raiz) : raiz_(raiz) {
     ZARN_ASSERT_NO_NULL(raiz, ORIGEN);
     conf_ = raiz->configuracion;
     ZARN_ASSERT_NO_NULL(conf_, ORIGEN);
-    ZARN_ASSERT_TEXTO(i_es_nodo_en_blanco(raiz), "i_es_nodo_en_blanco(raiz)", ORIGEN);
+    ZARN_ASSERT(i_es_nodo_en_blanco(raiz), ORIGEN);
 }
 
 zarnxml_nodo_s i_constructor_arbol::nodo(std::string_view etiqueta,
@@ -206,12 +206,8 @@ void i_constructor_arbol::descarta() {
 
 // ---- Destruction -----------------------------------------------------------------------------
 
-extern "C" {
-
-ZARN_API void zarnxml_destruye(zarnxml_nodo_t **xml) {
-    ZARN_ASSERT_NO_NULL(xml, ORIGEN);
-    ZARN_ASSERT_NO_NULL(*xml, ORIGEN);
-    std::unique_ptr<zarnxml_nodo_s> nodo(std::exchange(*xml, nullptr));
+void i_destruye_nodo(zarnxml_nodo_t *xml) noexcept {
+    std::unique_ptr<zarnxml_nodo_s> nodo(xml);
     if (!nodo->tiene(zarnxml_nodo_s::INDEPENDIENTE)) {
         // A node inside a tree: its storage is the tree's.
         nodo.release();
@@ -223,9 +219,17 @@ ZARN_API void zarnxml_destruye(zarnxml_nodo_t **xml) {
         nodo->configuracion = nullptr;
 }
 
+extern "C" {
+
+ZARN_API void zarnxml_destruye(zarnxml_nodo_t **xml) {
+    ZARN_ASSERT_NO_NULL(xml, ORIGEN);
+    ZARN_ASSERT_NO_NULL(*xml, ORIGEN);
+    i_destruye_nodo(std::exchange(*xml, nullptr));
+}
+
 ZARN_API void zarnxml_destruye_array_const_nodos(ArrPuntero *nodos) {
     ZARN_ASSERT_NO_NULL(nodos, ORIGEN);
-    arr_DestruyeEstructurasConstConTipo(nodos);
+    i_arr_DestruyeEstructurasConstConTipo(nodos);
 }
 
 } // extern "C"

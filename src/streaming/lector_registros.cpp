@@ -7,7 +7,7 @@ using zarn::ORIGEN_STREAMING;
 
 namespace {
 
-int32_t i_tipo_registro_de_pieza(int32_t tipo_pieza) {
+i_tipo_registro_t i_tipo_registro_de_pieza(i_tipo_pieza_t tipo_pieza) {
     switch (tipo_pieza) {
     case i_PIEZA_DEFINICION_COMENTARIO:
         return i_REGISTRO_DEFINICION_COMENTARIO;
@@ -22,17 +22,18 @@ int32_t i_tipo_registro_de_pieza(int32_t tipo_pieza) {
         return i_REGISTRO_FIN_FICHERO;
     case i_PIEZA_ERROR:
         return i_REGISTRO_ERROR;
-    default:
-        ZARN_DEFAULT_ERROR(ORIGEN_STREAMING);
+    case i_PIEZA_DEFINICION_FICHERO_XML:
+    case i_PIEZA_NINGUNA:
+        break;
     }
+    ZARN_DEFAULT_ERROR(ORIGEN_STREAMING);
 }
 
 // The field record of a start piece and, if there is one, the datum piece behind it. With
 // toma, the record takes over the pieces' properties and datum instead of copying them: only for
 // pieces that nothing will look at again.
-void i_registro_campo(i_xml_lectura *xml, zarnfxml_pieza_t &inicio, zarnfxml_pieza_t *dato,
-                      bool toma) {
-    zarnfxml_registro_t &r = xml->registro;
+void i_registro_campo(i_xml_lectura *xml, i_pieza_t &inicio, i_pieza_t *dato, bool toma) {
+    i_registro_t &r = xml->registro;
     r.reinicia(i_REGISTRO_CAMPO, inicio.nivel_etiquetado);
     r.etiqueta.assign(inicio.etiqueta);
     if (toma) {
@@ -49,18 +50,18 @@ void i_registro_campo(i_xml_lectura *xml, zarnfxml_pieza_t &inicio, zarnfxml_pie
 
 } // namespace
 
-zarnfxml_registro_t &i_registro(i_xml_lectura *xml) {
+i_registro_t &i_registro(i_xml_lectura *xml) {
     ZARN_ASSERT_TEXTO(xml->registro.tipo_registro != i_REGISTRO_NINGUNO, "(xml->registro) != NULL",
                       ORIGEN_STREAMING);
     return xml->registro;
 }
 
-const zarnfxml_registro_t &i_registro(const i_xml_lectura *xml) {
+const i_registro_t &i_registro(const i_xml_lectura *xml) {
     return i_registro(const_cast<i_xml_lectura *>(xml));
 }
 
-void i_registro_de_pieza(i_xml_lectura *xml, const zarnfxml_pieza_t &pieza) {
-    zarnfxml_registro_t &r = xml->registro;
+void i_registro_de_pieza(i_xml_lectura *xml, const i_pieza_t &pieza) {
+    i_registro_t &r = xml->registro;
     r.tipo_registro = i_tipo_registro_de_pieza(pieza.tipo_pieza);
     r.nivel_etiquetado = pieza.nivel_etiquetado;
     r.etiqueta.assign(pieza.etiqueta);
@@ -69,23 +70,23 @@ void i_registro_de_pieza(i_xml_lectura *xml, const zarnfxml_pieza_t &pieza) {
     r.mensaje_error.assign(pieza.mensaje_error);
 }
 
-void i_registro_fin_bloque(i_xml_lectura *xml, const zarnfxml_pieza_t &pieza) {
+void i_registro_fin_bloque(i_xml_lectura *xml, const i_pieza_t &pieza) {
     ZARN_ASSERT_TEXTO(pieza.tipo_pieza == i_PIEZA_INICIO_Y_FIN_BLOQUE,
                       "pieza_inicio_y_fin_bloque->tipo_pieza == i_PIEZA_INICIO_Y_FIN_BLOQUE",
                       ORIGEN_STREAMING);
-    zarnfxml_registro_t &r = xml->registro;
+    i_registro_t &r = xml->registro;
     r.reinicia(i_REGISTRO_FIN_BLOQUE, pieza.nivel_etiquetado);
     r.etiqueta.assign(pieza.etiqueta);
 }
 
-int32_t i_lee_registro(i_xml_lectura *xml, zybool admite_campo_vacio) {
+i_tipo_registro_t i_lee_registro(i_xml_lectura *xml, zybool admite_campo_vacio) {
     ZARN_ASSERT_NO_NULL(xml, ORIGEN_STREAMING);
     ZARN_ASSERT_NO_NULL(xml->conf, ORIGEN_STREAMING);
-    zarnfxml_registro_t &r = xml->registro;
+    i_registro_t &r = xml->registro;
     for (;;) {
         if (r.tipo_registro == i_REGISTRO_FIN_FICHERO || r.tipo_registro == i_REGISTRO_ERROR)
             break;
-        const zarnfxml_pieza_t *actual = xml->pieza_actual();
+        const i_pieza_t *actual = xml->pieza_actual();
         if (actual && actual->tipo_pieza == i_PIEZA_INICIO_Y_FIN_BLOQUE &&
             r.tipo_registro == i_REGISTRO_INICIO_BLOQUE) {
             // The end of a self-closed block is due; no piece is read for it.
@@ -94,7 +95,7 @@ int32_t i_lee_registro(i_xml_lectura *xml, zybool admite_campo_vacio) {
         }
         r.tipo_registro = i_REGISTRO_NINGUNO;
 
-        zarnfxml_pieza_t &pieza = i_lee_pieza(xml);
+        i_pieza_t &pieza = i_lee_pieza(xml);
         switch (pieza.tipo_pieza) {
         case i_PIEZA_DEFINICION_FICHERO_XML:
             i_aplica_definicion_fichero_xml(&pieza, xml->conf.get());
@@ -114,9 +115,9 @@ int32_t i_lee_registro(i_xml_lectura *xml, zybool admite_campo_vacio) {
                 i_registro_de_pieza(xml, pieza);
             break;
         case i_PIEZA_INICIO_BLOQUE: {
-            zarnfxml_pieza_t &pieza2 = i_lee_pieza(xml);
+            i_pieza_t &pieza2 = i_lee_pieza(xml);
             if (pieza2.tipo_pieza == i_PIEZA_DATO) {
-                zarnfxml_pieza_t &pieza3 = i_lee_pieza(xml);
+                i_pieza_t &pieza3 = i_lee_pieza(xml);
                 if (pieza3.tipo_pieza == i_PIEZA_FIN_BLOQUE) {
                     // The end tag is current; the two before are spent.
                     i_registro_campo(xml, pieza, &pieza2, true);
@@ -143,7 +144,7 @@ int32_t i_lee_registro(i_xml_lectura *xml, zybool admite_campo_vacio) {
 
 zybool i_lectura_terminada(const i_xml_lectura *xml) {
     ZARN_ASSERT_NO_NULL(xml, ORIGEN_STREAMING);
-    const zarnfxml_pieza_t *actual = xml->pieza_actual();
+    const i_pieza_t *actual = xml->pieza_actual();
     if (!actual)
         return FALSO;
     switch (actual->tipo_pieza) {
@@ -156,15 +157,16 @@ zybool i_lectura_terminada(const i_xml_lectura *xml) {
     case i_PIEZA_FIN_FICHERO:
     case i_PIEZA_ERROR:
         return CIERTO;
-    default:
-        ZARN_DEFAULT_ERROR(ORIGEN_STREAMING);
+    case i_PIEZA_DEFINICION_FICHERO_XML:
+    case i_PIEZA_NINGUNA:
+        break;
     }
+    ZARN_DEFAULT_ERROR(ORIGEN_STREAMING);
 }
 
 void i_asigna_error_especial(i_xml_lectura *xml, std::string mensaje) {
     ZARN_ASSERT_NO_NULL(xml, ORIGEN_STREAMING);
-    ZARN_ASSERT_TEXTO(xml->error_especial == FALSO, "xml->error_especial == FALSO",
-                      ORIGEN_STREAMING);
+    ZARN_ASSERT(xml->error_especial == FALSO, ORIGEN_STREAMING);
     ZARN_ASSERT_TEXTO(xml->mensaje_error_especial.empty(), "xml->mensaje_error_especial == NULL",
                       ORIGEN_STREAMING);
     xml->error_especial = CIERTO;
@@ -201,7 +203,7 @@ zybool i_hay_error_lectura(const i_xml_lectura *xml, CADENA *mensaje) {
 
 // ---- Content of a record ---------------------------------------------------------------------
 
-const std::string &i_etiqueta_registro(const zarnfxml_registro_t *registro) {
+const std::string &i_etiqueta_registro(const i_registro_t *registro) {
     ZARN_ASSERT_NO_NULL(registro, ORIGEN_STREAMING);
     switch (registro->tipo_registro) {
     case i_REGISTRO_INICIO_BLOQUE:
@@ -210,32 +212,47 @@ const std::string &i_etiqueta_registro(const zarnfxml_registro_t *registro) {
         return registro->etiqueta;
     case i_REGISTRO_FIN_BLOQUE:
         return registro->etiqueta;
-    default:
-        ZARN_DEFAULT_ERROR(ORIGEN_STREAMING);
+    case i_REGISTRO_DATO:
+    case i_REGISTRO_FIN_FICHERO:
+    case i_REGISTRO_ERROR:
+    case i_REGISTRO_NINGUNO:
+        break;
     }
+    ZARN_DEFAULT_ERROR(ORIGEN_STREAMING);
 }
 
-const i_propiedades_t &i_propiedades_registro(const zarnfxml_registro_t *registro) {
+const i_propiedades_t &i_propiedades_registro(const i_registro_t *registro) {
     ZARN_ASSERT_NO_NULL(registro, ORIGEN_STREAMING);
     switch (registro->tipo_registro) {
     case i_REGISTRO_INICIO_BLOQUE:
     case i_REGISTRO_CAMPO:
     case i_REGISTRO_DEFINICION_COMENTARIO:
         return registro->propiedades;
-    default:
-        ZARN_DEFAULT_ERROR(ORIGEN_STREAMING);
+    case i_REGISTRO_DATO:
+    case i_REGISTRO_FIN_BLOQUE:
+    case i_REGISTRO_FIN_FICHERO:
+    case i_REGISTRO_ERROR:
+    case i_REGISTRO_NINGUNO:
+        break;
     }
+    ZARN_DEFAULT_ERROR(ORIGEN_STREAMING);
 }
 
-const i_dato_t &i_dato_registro(const zarnfxml_registro_t *registro) {
+const i_dato_t &i_dato_registro(const i_registro_t *registro) {
     ZARN_ASSERT_NO_NULL(registro, ORIGEN_STREAMING);
     switch (registro->tipo_registro) {
     case i_REGISTRO_CAMPO:
     case i_REGISTRO_DATO:
         return registro->dato;
-    default:
-        ZARN_DEFAULT_ERROR(ORIGEN_STREAMING);
+    case i_REGISTRO_INICIO_BLOQUE:
+    case i_REGISTRO_FIN_BLOQUE:
+    case i_REGISTRO_DEFINICION_COMENTARIO:
+    case i_REGISTRO_FIN_FICHERO:
+    case i_REGISTRO_ERROR:
+    case i_REGISTRO_NINGUNO:
+        break;
     }
+    ZARN_DEFAULT_ERROR(ORIGEN_STREAMING);
 }
 
 zybool i_es_etiqueta_registro_igual(const i_xml_lectura *xml, const char *etiqueta) {

@@ -6,40 +6,22 @@ using zarn::ORIGEN_STREAMING;
 
 zybool i_es_xml_correcto(i_xml_lectura *xml, const char *etiqueta_raiz, CADENA *mensaje_error) {
     ZARN_ASSERT_NO_NULL(xml, ORIGEN_STREAMING);
-    const bool compara_raiz = zarnstr_hay_texto(etiqueta_raiz) != FALSO;
+    const bool compara_raiz = i_zarnstr_hay_texto(etiqueta_raiz) != FALSO;
     bool visto_bloque = false;
-    bool falta = false;
-    while (!falta && !i_lectura_terminada(xml)) {
-        switch (i_lee_registro(xml, FALSO)) {
-        case i_REGISTRO_INICIO_BLOQUE:
-            if (visto_bloque)
-                break;
-            visto_bloque = true;
-            if (compara_raiz && !zarn::iguales_may_o_min(std::string_view(xml->registro.etiqueta),
-                                                         std::string_view(etiqueta_raiz))) {
-                i_asigna_error_especial(xml,
-                                        i_mensaje_error("Expected word", etiqueta_raiz, nullptr,
-                                                        xml->ind_linea, xml->ind_columna));
-                falta = true;
-            }
-            break;
-        case i_REGISTRO_DATO:
-            i_asigna_error_especial(xml, i_mensaje_error("Unexpected word", nullptr, nullptr,
+    const auto raiz = [&](i_tipo_registro_t tipo, const i_registro_t &registro) {
+        if (tipo != i_REGISTRO_INICIO_BLOQUE || visto_bloque)
+            return true;
+        visto_bloque = true;
+        if (compara_raiz && !zarn::iguales_may_o_min(std::string_view(registro.etiqueta),
+                                                     std::string_view(etiqueta_raiz))) {
+            i_asigna_error_especial(xml, i_mensaje_error("Expected word", etiqueta_raiz, nullptr,
                                                          xml->ind_linea, xml->ind_columna));
-            falta = true;
-            break;
-        case i_REGISTRO_CAMPO:
-        case i_REGISTRO_FIN_BLOQUE:
-        case i_REGISTRO_DEFINICION_COMENTARIO:
-        case i_REGISTRO_FIN_FICHERO:
-        case i_REGISTRO_ERROR:
-            break;
-        default:
-            ZARN_DEFAULT_ERROR(ORIGEN_STREAMING);
+            return false;
         }
-    }
+        return true;
+    };
     CADENA mensaje = nullptr;
-    if (!i_hay_error_lectura(xml, &mensaje))
+    if (i_recorre_registros(xml, FALSO, raiz, &mensaje))
         return CIERTO;
     if (mensaje_error)
         *mensaje_error = mensaje;

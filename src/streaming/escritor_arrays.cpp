@@ -120,13 +120,52 @@ void i_graba_lineas_array(i_xml_escritura *xml, const char *etiqueta, size_t n,
 int32_t i_numeracion_de_cadenas(int32_t tipo_numeracion_array) {
     if (tipo_numeracion_array == i_NUMERACION_ARRAY_NINGUNA)
         tipo_numeracion_array = i_NUMERACION_ARRAY_BLOQUE_LINEAS;
-    ZARN_ASSERT_TEXTO(i_con_lista_numeracion_array(tipo_numeracion_array) == CIERTO,
-                      "i_con_lista_numeracion_array(tipo_numeracion_array) == CIERTO",
-                      ORIGEN_STREAMING);
+    ZARN_ASSERT(i_con_lista_numeracion_array(tipo_numeracion_array) == CIERTO, ORIGEN_STREAMING);
     return tipo_numeracion_array;
 }
 
 } // namespace
+
+void i_graba_arr_cadena_numerados(zarnfxml_t *handle, const char *etiqueta, ArrCADENA cadenas,
+                                  int32_t tipo_numeracion_array, const char *propiedad_numero) {
+    i_xml_escritura *xml = I_ESCRITOR_CON_CONF(handle);
+    ZARN_ASSERT_NO_NULL(cadenas, ORIGEN_STREAMING);
+    const int32_t numeracion = i_numeracion_de_cadenas(tipo_numeracion_array);
+    const int32_t tipo = xml->conf->tipo_codificacion;
+    i_graba_lineas_array(
+        xml, etiqueta, cadenas->v.size(), numeracion, propiedad_numero,
+        [&](size_t i, std::string &t) { i_codifica(t, zarn::vista(cadenas->v[i]), tipo, false); });
+}
+
+void i_graba_arr_cadena_numerados_u(zarnfxml_t *handle, const char *etiqueta, ArrCADENA_u cadenas,
+                                    int32_t tipo_numeracion_array, const char *propiedad_numero) {
+    i_xml_escritura *xml = I_ESCRITOR_CON_CONF(handle);
+    ZARN_ASSERT_NO_NULL(cadenas, ORIGEN_STREAMING);
+    const int32_t numeracion = i_numeracion_de_cadenas(tipo_numeracion_array);
+    const int32_t tipo = xml->conf->tipo_codificacion;
+    i_graba_lineas_array(xml, etiqueta, cadenas->v.size(), numeracion, propiedad_numero,
+                         [&](size_t i, std::string &t) {
+                             i_codifica_u(t, zarn::vista(cadenas->v[i]), tipo, false);
+                         });
+}
+
+void i_graba_arr_double(zarnfxml_t *handle, const char *etiqueta, ArrDouble valores,
+                        uint32_t decimales) {
+    i_xml_escritura *xml = I_ESCRITOR_CON_CONF(handle);
+    ZARN_ASSERT_NO_NULL(valores, ORIGEN_STREAMING);
+    i_graba_en_una_linea(xml, etiqueta, {}, valores->v.size(), [&](std::string &t, size_t i) {
+        t += zarn::double_a_texto(valores->v[i], 145, decimales, true);
+    });
+}
+
+void i_graba_arr_ulong_modo_lista(zarnfxml_t *xml, const char *etiqueta, ArrULong valores) {
+    ZARN_ASSERT_NO_NULL(valores, ORIGEN_STREAMING);
+    i_graba_inicio_bloque(xml, etiqueta);
+    i_graba_ulong(xml, "count", static_cast<uint32_t>(valores->v.size()));
+    for (uint32_t valor : valores->v)
+        i_graba_ulong(xml, "item", valor);
+    i_graba_fin_bloque(xml);
+}
 
 extern "C" {
 
@@ -149,11 +188,7 @@ ZARN_API void zarnfxml_graba_arr_ulong(zarnfxml_t *handle, const char *etiqueta,
 
 ZARN_API void zarnfxml_graba_arr_double(zarnfxml_t *handle, const char *etiqueta, ArrDouble valores,
                                         uint32_t decimales) {
-    i_xml_escritura *xml = I_ESCRITOR_CON_CONF(handle);
-    ZARN_ASSERT_NO_NULL(valores, ORIGEN_STREAMING);
-    i_graba_en_una_linea(xml, etiqueta, {}, valores->v.size(), [&](std::string &t, size_t i) {
-        t += zarn::double_a_texto(valores->v[i], 145, decimales, true);
-    });
+    i_graba_arr_double(handle, etiqueta, valores, decimales);
 }
 
 ZARN_API void zarnfxml_graba_arr_puntos2D(zarnfxml_t *handle, const char *etiqueta,
@@ -173,27 +208,16 @@ ZARN_API void zarnfxml_graba_arr_puntos2D(zarnfxml_t *handle, const char *etique
 ZARN_API void zarnfxml_graba_arr_cadena_numerados(zarnfxml_t *handle, const char *etiqueta,
                                                   ArrCADENA cadenas, int32_t tipo_numeracion_array,
                                                   const char *propiedad_numero) {
-    i_xml_escritura *xml = I_ESCRITOR_CON_CONF(handle);
-    ZARN_ASSERT_NO_NULL(cadenas, ORIGEN_STREAMING);
-    const int32_t numeracion = i_numeracion_de_cadenas(tipo_numeracion_array);
-    const int32_t tipo = xml->conf->tipo_codificacion;
-    i_graba_lineas_array(
-        xml, etiqueta, cadenas->v.size(), numeracion, propiedad_numero,
-        [&](size_t i, std::string &t) { i_codifica(t, zarn::vista(cadenas->v[i]), tipo, false); });
+    i_graba_arr_cadena_numerados(handle, etiqueta, cadenas, tipo_numeracion_array,
+                                 propiedad_numero);
 }
 
 ZARN_API void zarnfxml_graba_arr_cadena_numerados_u(zarnfxml_t *handle, const char *etiqueta,
                                                     ArrCADENA_u cadenas,
                                                     int32_t tipo_numeracion_array,
                                                     const char *propiedad_numero) {
-    i_xml_escritura *xml = I_ESCRITOR_CON_CONF(handle);
-    ZARN_ASSERT_NO_NULL(cadenas, ORIGEN_STREAMING);
-    const int32_t numeracion = i_numeracion_de_cadenas(tipo_numeracion_array);
-    const int32_t tipo = xml->conf->tipo_codificacion;
-    i_graba_lineas_array(xml, etiqueta, cadenas->v.size(), numeracion, propiedad_numero,
-                         [&](size_t i, std::string &t) {
-                             i_codifica_u(t, zarn::vista(cadenas->v[i]), tipo, false);
-                         });
+    i_graba_arr_cadena_numerados_u(handle, etiqueta, cadenas, tipo_numeracion_array,
+                                   propiedad_numero);
 }
 
 ZARN_API void zarnfxml_graba_arr_double_numerados(zarnfxml_t *handle, const char *etiqueta,
@@ -202,7 +226,7 @@ ZARN_API void zarnfxml_graba_arr_double_numerados(zarnfxml_t *handle, const char
                                                   const char *propiedad_numero) {
     i_xml_escritura *xml = I_ESCRITOR_CON_CONF(handle);
     if (i_con_lista_numeracion_array(tipo_numeracion_array) != CIERTO) {
-        zarnfxml_graba_arr_double(handle, etiqueta, valores, decimales);
+        i_graba_arr_double(handle, etiqueta, valores, decimales);
         return;
     }
     ZARN_ASSERT_NO_NULL(valores, ORIGEN_STREAMING);
@@ -213,47 +237,40 @@ ZARN_API void zarnfxml_graba_arr_double_numerados(zarnfxml_t *handle, const char
 }
 
 ZARN_API void zarnfxml_graba_arr_cadena(zarnfxml_t *xml, const char *etiqueta, ArrCADENA cadenas) {
-    zarnfxml_graba_arr_cadena_numerados(xml, etiqueta, cadenas, i_NUMERACION_ARRAY_NINGUNA,
-                                        nullptr);
+    i_graba_arr_cadena_numerados(xml, etiqueta, cadenas, i_NUMERACION_ARRAY_NINGUNA, nullptr);
 }
 
 ZARN_API void zarnfxml_graba_arr_cadena_u(zarnfxml_t *xml, const char *etiqueta,
                                           ArrCADENA_u cadenas) {
-    zarnfxml_graba_arr_cadena_numerados_u(xml, etiqueta, cadenas, i_NUMERACION_ARRAY_NINGUNA,
-                                          nullptr);
+    i_graba_arr_cadena_numerados_u(xml, etiqueta, cadenas, i_NUMERACION_ARRAY_NINGUNA, nullptr);
 }
 
 ZARN_API void zarnfxml_graba_arr_cadena_u_xml(zarnfxml_t *xml, const char *etiqueta,
                                               ArrCADENA_u cadenas) {
     ZARN_ASSERT_NO_NULL(cadenas, ORIGEN_STREAMING);
-    zarnfxml_graba_inicio_bloque(xml, etiqueta);
-    zarnfxml_graba_ulong(xml, "count", static_cast<uint32_t>(cadenas->v.size()));
+    i_graba_inicio_bloque(xml, etiqueta);
+    i_graba_ulong(xml, "count", static_cast<uint32_t>(cadenas->v.size()));
     for (const char16_t *cadena : cadenas->v)
-        zarnfxml_graba_cadena_u(xml, "item", cadena);
-    zarnfxml_graba_fin_bloque(xml);
+        i_graba_cadena_u(xml, "item", cadena);
+    i_graba_fin_bloque(xml);
 }
 
 ZARN_API void zarnfxml_graba_arr_ulong_modo_lista(zarnfxml_t *xml, const char *etiqueta,
                                                   ArrULong valores) {
-    ZARN_ASSERT_NO_NULL(valores, ORIGEN_STREAMING);
-    zarnfxml_graba_inicio_bloque(xml, etiqueta);
-    zarnfxml_graba_ulong(xml, "count", static_cast<uint32_t>(valores->v.size()));
-    for (uint32_t valor : valores->v)
-        zarnfxml_graba_ulong(xml, "item", valor);
-    zarnfxml_graba_fin_bloque(xml);
+    i_graba_arr_ulong_modo_lista(xml, etiqueta, valores);
 }
 
 ZARN_API void zarnfxml_nousar_graba_arr_enum(zarnfxml_t *xml, const char *etiqueta,
                                              ArrULong valores) {
-    zarnfxml_graba_arr_ulong_modo_lista(xml, etiqueta, valores);
+    i_graba_arr_ulong_modo_lista(xml, etiqueta, valores);
 }
 
 ZARN_API void zarnfxml_graba_bloque_array_claves(zarnfxml_t *xml, const char *etiqueta,
                                                  const char *etiqueta_item, ArrCADENA claves) {
     ZARN_ASSERT_NO_NULL(claves, ORIGEN_STREAMING);
-    zarnfxml_graba_inicio_bloque(xml, etiqueta);
+    i_graba_inicio_bloque(xml, etiqueta);
     for (const char *clave : claves->v)
-        zarnfxml_graba_clave(xml, etiqueta_item, clave);
-    zarnfxml_graba_fin_bloque(xml);
+        i_graba_clave(xml, etiqueta_item, clave);
+    i_graba_fin_bloque(xml);
 }
 }

@@ -34,7 +34,7 @@ public:
         if (!siguiente(token))
             return 0.0;
         auxiliar.assign(token);
-        return zarnfxml_atof_u(auxiliar.c_str());
+        return i_atof_u(auxiliar.c_str());
     }
 
 private:
@@ -48,7 +48,7 @@ private:
 template <typename A, typename F>
 A *i_lee_items(i_xml_lectura *xml, const char *etiqueta, int32_t tipo_numeracion_array, A *vacio,
                F &&lee_item) {
-    i_arr_propio<A> arr(vacio);
+    zarn::ArrPropio<A> arr(vacio);
     const bool con_bloque = i_con_bloque_numeracion_array(tipo_numeracion_array) == CIERTO;
     if (con_bloque && !i_se_lee_inicio_bloque(xml, etiqueta))
         return arr.release();
@@ -61,35 +61,43 @@ A *i_lee_items(i_xml_lectura *xml, const char *etiqueta, int32_t tipo_numeracion
 
 } // namespace
 
+ArrCADENA_u i_lee_arr_cadena_u(zarnfxml_t *xml, const char *etiqueta) {
+    i_xml_lectura *x = I_LECTOR(xml);
+    i_lee_campo_admite_vacio(x, etiqueta);
+    const std::u16string &texto = i_dato_campo(x);
+    return texto.empty() ? i_arr_CreaCADENA_u(0) : i_cad_obten_lista_lineas_u(texto.c_str());
+}
+
+ArrDouble i_lee_arr_double(zarnfxml_t *xml, const char *etiqueta) {
+    i_xml_lectura *x = I_LECTOR(xml);
+    i_lee_campo_admite_vacio(x, etiqueta);
+    zarn::ArrPropio<ArrDouble_s> arr(i_arr_CreaDouble(0));
+    i_tokens tokens(i_dato_campo(x), x->conf->separador_items);
+    std::u16string auxiliar;
+    std::u16string_view token;
+    while (tokens.siguiente(token)) {
+        auxiliar.assign(token);
+        i_arr_AppendDouble(arr.get(), i_atof_u(auxiliar.c_str()));
+    }
+    return arr.release();
+}
+
 extern "C" {
 
 ZARN_API ArrCADENA zarnfxml_lee_arr_cadena(zarnfxml_t *xml, const char *etiqueta) {
     i_xml_lectura *x = I_LECTOR(xml);
     i_lee_campo_admite_vacio(x, etiqueta);
     const std::string texto = zarn::utf16_a_utf8(i_dato_campo(x));
-    return texto.empty() ? arr_CreaCADENA(0) : cad_obten_lista_lineas(texto.c_str());
+    return texto.empty() ? i_arr_CreaCADENA(0) : i_cad_obten_lista_lineas(texto.c_str());
 }
 
 ZARN_API ArrCADENA_u zarnfxml_lee_arr_cadena_u(zarnfxml_t *xml, const char *etiqueta) {
-    i_xml_lectura *x = I_LECTOR(xml);
-    i_lee_campo_admite_vacio(x, etiqueta);
-    const std::u16string &texto = i_dato_campo(x);
-    return texto.empty() ? arr_CreaCADENA_u(0) : cad_obten_lista_lineas_u(texto.c_str());
+    return i_lee_arr_cadena_u(xml, etiqueta);
 }
 
 // An element without a datum is admitted: it is what the writer makes of an empty array.
 ZARN_API ArrDouble zarnfxml_lee_arr_double(zarnfxml_t *xml, const char *etiqueta) {
-    i_xml_lectura *x = I_LECTOR(xml);
-    i_lee_campo_admite_vacio(x, etiqueta);
-    i_arr_propio<ArrDouble_s> arr(arr_CreaDouble(0));
-    i_tokens tokens(i_dato_campo(x), x->conf->separador_items);
-    std::u16string auxiliar;
-    std::u16string_view token;
-    while (tokens.siguiente(token)) {
-        auxiliar.assign(token);
-        arr_AppendDouble(arr.get(), zarnfxml_atof_u(auxiliar.c_str()));
-    }
-    return arr.release();
+    return i_lee_arr_double(xml, etiqueta);
 }
 
 // "count:x,y x,y ...". The count rules: points beyond it are ignored, and points or coordinates
@@ -99,9 +107,9 @@ ZARN_API ArrPunto2D zarnfxml_lee_arr_puntos2D(zarnfxml_t *xml, const char *etiqu
     i_lee_campo(x, etiqueta);
     i_tokens partes(i_dato_campo(x), u":");
     std::u16string auxiliar;
-    const uint32_t num_elems = cambtipo_double_a_ulong(partes.siguiente_double(auxiliar));
-    ZARN_ASSERT_TEXTO(num_elems < USHRT_MAX, "num_elems < USHRT_MAX", ORIGEN_STREAMING);
-    i_arr_propio<ArrPunto2D_s> arr(arr_CreaPunto2D(num_elems));
+    const uint32_t num_elems = i_cambtipo_double_a_ulong(partes.siguiente_double(auxiliar));
+    ZARN_ASSERT(num_elems < USHRT_MAX, ORIGEN_STREAMING);
+    zarn::ArrPropio<ArrPunto2D_s> arr(i_arr_CreaPunto2D(num_elems));
     std::u16string_view texto_puntos;
     if (num_elems == 0 || !partes.siguiente(texto_puntos))
         return arr.release();
@@ -111,7 +119,7 @@ ZARN_API ArrPunto2D zarnfxml_lee_arr_puntos2D(zarnfxml_t *xml, const char *etiqu
         i_tokens coordenadas(punto, u",");
         const double px = coordenadas.siguiente_double(auxiliar);
         const double py = coordenadas.siguiente_double(auxiliar);
-        arr_SetPunto2D(arr.get(), i, px, py);
+        i_arr_SetPunto2D(arr.get(), i, px, py);
     }
     return arr.release();
 }
@@ -120,16 +128,16 @@ ZARN_API ArrCADENA_u zarnfxml_lee_arr_cadena_numerados(zarnfxml_t *xml, const ch
                                                        int32_t tipo_numeracion_array) {
     i_xml_lectura *x = I_LECTOR(xml);
     if (!i_con_lista_numeracion_array(tipo_numeracion_array))
-        return zarnfxml_lee_arr_cadena_u(xml, etiqueta);
+        return i_lee_arr_cadena_u(xml, etiqueta);
     if (tipo_numeracion_array == i_NUMERACION_ARRAY_BLOQUE_LINEAS) {
         // Bare lines between two tags read as one field: the lines of its datum.
-        return i_es_siguiente_inicio_bloque(x, etiqueta) ? zarnfxml_lee_arr_cadena_u(xml, etiqueta)
-                                                         : arr_CreaCADENA_u(0);
+        return i_es_siguiente_inicio_bloque(x, etiqueta) ? i_lee_arr_cadena_u(xml, etiqueta)
+                                                         : i_arr_CreaCADENA_u(0);
     }
-    return i_lee_items(x, etiqueta, tipo_numeracion_array, arr_CreaCADENA_u(0),
+    return i_lee_items(x, etiqueta, tipo_numeracion_array, i_arr_CreaCADENA_u(0),
                        [&](ArrCADENA_u arr) {
-                           CADENA_u item = zarnfxml_lee_cadena_u(xml, etiqueta);
-                           arr_AppendCADENAOriginal_u(arr, &item);
+                           CADENA_u item = i_lee_cadena_u(xml, etiqueta);
+                           i_arr_AppendCADENAOriginal_u(arr, &item);
                        });
 }
 
@@ -137,11 +145,11 @@ ZARN_API ArrDouble zarnfxml_lee_arr_double_numerados(zarnfxml_t *xml, const char
                                                      int32_t tipo_numeracion_array) {
     i_xml_lectura *x = I_LECTOR(xml);
     if (!i_con_lista_numeracion_array(tipo_numeracion_array))
-        return zarnfxml_lee_arr_double(xml, etiqueta);
+        return i_lee_arr_double(xml, etiqueta);
     if (tipo_numeracion_array == i_NUMERACION_ARRAY_BLOQUE_LINEAS)
         ZARN_DEFAULT_ERROR(ORIGEN_STREAMING);
-    return i_lee_items(x, etiqueta, tipo_numeracion_array, arr_CreaDouble(0), [&](ArrDouble arr) {
-        arr_AppendDouble(arr, zarnfxml_lee_double(xml, etiqueta));
+    return i_lee_items(x, etiqueta, tipo_numeracion_array, i_arr_CreaDouble(0), [&](ArrDouble arr) {
+        i_arr_AppendDouble(arr, i_lee_double(xml, etiqueta));
     });
 }
 

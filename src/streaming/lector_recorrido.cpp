@@ -72,7 +72,7 @@ template <> struct forma<false> {
         for (const auto &p : propiedades)
             datos.anade(zarn::dup_u(p.dato_propiedad.texto()));
         return func(padre.etiqueta.c_str(), padre.etiqueta_con_propiedades.c_str(),
-                    etiqueta.c_str(), &textos.arr, &datos.arr, dato ? CIERTO : FALSO,
+                    etiqueta.c_str(), &textos.arr, &datos.arr, zarn::zb(dato != nullptr),
                     dato ? dato->c_str() : nullptr, contexto1, contexto2, padre.resultado,
                     resultado);
     }
@@ -94,10 +94,10 @@ template <> struct forma<true> {
         std::unique_ptr<char, void (*)(void *)> dato_8(dato ? zarn::dup_utf8(*dato) : nullptr,
                                                        zarn::libera);
         ruta_etiquetas.anade(zarn::dup(etiqueta));
-        const zybool procesar = func(&ruta_etiquetas.arr, padre.etiqueta.c_str(),
-                                     padre.etiqueta_con_propiedades.c_str(), etiqueta.c_str(),
-                                     &textos.arr, &datos.arr, dato ? CIERTO : FALSO, dato_8.get(),
-                                     contexto1, contexto2, padre.resultado, resultado);
+        const zybool procesar = func(
+            &ruta_etiquetas.arr, padre.etiqueta.c_str(), padre.etiqueta_con_propiedades.c_str(),
+            etiqueta.c_str(), &textos.arr, &datos.arr, zarn::zb(dato != nullptr), dato_8.get(),
+            contexto1, contexto2, padre.resultado, resultado);
         ruta_etiquetas.quita_ultima();
         return procesar;
     }
@@ -113,52 +113,42 @@ void recorre(i_xml_lectura *xml, forma<FICHERO> &f, void *contexto1, void *conte
              zarnfxml_item_result_proceso_nodo_t *resultado_inicial) {
     std::vector<entrada_pila> pila;
     pila.push_back({std::string(), std::string(), CIERTO, resultado_inicial});
-    while (!i_lectura_terminada(xml)) {
-        const int32_t tipo = i_lee_registro(xml, CIERTO);
-        const zarnfxml_registro_t *registro = &xml->registro;
-        switch (tipo) {
-        case i_REGISTRO_INICIO_BLOQUE:
-        case i_REGISTRO_CAMPO: {
-            ZARN_ASSERT_TEXTO(!pila.empty(), "num_elems_pila > 0", ORIGEN);
-            const bool bloque = tipo == i_REGISTRO_INICIO_BLOQUE;
-            const std::string &etiqueta = i_etiqueta_registro(registro);
-            const i_propiedades_t &propiedades = i_propiedades_registro(registro);
-            zybool procesar = FALSO;
-            zarnfxml_item_result_proceso_nodo_t *resultado = nullptr;
-            const entrada_pila &padre = pila.back();
-            if (padre.procesar_hijos) {
-                lista_propia<ArrCADENA_s> textos;
-                for (const auto &p : propiedades)
-                    textos.anade(zarn::dup(p.texto_propiedad));
-                procesar = f.llama(padre, etiqueta, textos, propiedades,
-                                   bloque ? nullptr : &i_dato_registro(registro).texto(), contexto1,
-                                   contexto2, &resultado);
-            }
-            if (bloque) {
-                // The texts of an entry serve only the calls for the block's children.
-                if (procesar)
-                    pila.push_back({etiqueta, etiqueta_con_propiedades(etiqueta, propiedades),
-                                    CIERTO, resultado});
-                else
-                    pila.push_back({std::string(), std::string(), FALSO, nullptr});
-                f.abre(etiqueta);
-            }
-            break;
-        }
-        case i_REGISTRO_FIN_BLOQUE:
-            ZARN_ASSERT_TEXTO(!pila.empty(), "num_elems_pila > 0", ORIGEN);
+    const auto entra = [&](i_tipo_registro_t tipo, const i_registro_t &registro) {
+        ZARN_ASSERT_TEXTO(!pila.empty(), "num_elems_pila > 0", ORIGEN);
+        if (tipo == i_REGISTRO_FIN_BLOQUE) {
             pila.pop_back();
             f.cierra();
-            break;
-        case i_REGISTRO_DEFINICION_COMENTARIO:
-        case i_REGISTRO_FIN_FICHERO:
-        case i_REGISTRO_ERROR:
-            break;
-        default:
-            // A datum beside child elements has no place in a tree.
-            ZARN_DEFAULT_ERROR(ORIGEN);
+            return true;
         }
-    }
+        const bool bloque = tipo == i_REGISTRO_INICIO_BLOQUE;
+        const std::string &etiqueta = i_etiqueta_registro(&registro);
+        const i_propiedades_t &propiedades = i_propiedades_registro(&registro);
+        zybool procesar = FALSO;
+        zarnfxml_item_result_proceso_nodo_t *resultado = nullptr;
+        const entrada_pila &padre = pila.back();
+        if (padre.procesar_hijos) {
+            lista_propia<ArrCADENA_s> textos;
+            for (const auto &p : propiedades)
+                textos.anade(zarn::dup(p.texto_propiedad));
+            procesar = f.llama(padre, etiqueta, textos, propiedades,
+                               bloque ? nullptr : &i_dato_registro(&registro).texto(), contexto1,
+                               contexto2, &resultado);
+        }
+        if (bloque) {
+            // The texts of an entry serve only the calls for the block's children.
+            if (procesar)
+                pila.push_back(
+                    {etiqueta, etiqueta_con_propiedades(etiqueta, propiedades), CIERTO, resultado});
+            else
+                pila.push_back({std::string(), std::string(), FALSO, nullptr});
+            f.abre(etiqueta);
+        }
+        return true;
+    };
+    // The walk stops quietly at a fault of the document, but a datum beside child elements has no
+    // place in a tree: that is an internal error.
+    if (!i_recorre_registros(xml, CIERTO, entra, nullptr) && xml->error_especial)
+        ZARN_DEFAULT_ERROR(ORIGEN);
 }
 
 } // namespace
@@ -187,8 +177,8 @@ ZARN_API CADENA zarnfxml_texto_etiqueta_con_propiedades(const char *etiqueta,
                                                         ArrCADENA textos_propiedades,
                                                         ArrCADENA datos_propiedades) {
     ZARN_ASSERT_NO_NULL(etiqueta, ORIGEN);
-    const uint32_t num_propiedades = arr_NumElemsCADENA(textos_propiedades);
-    ZARN_ASSERT_TEXTO(num_propiedades == arr_NumElemsCADENA(datos_propiedades),
+    const uint32_t num_propiedades = i_arr_NumElemsCADENA(textos_propiedades);
+    ZARN_ASSERT_TEXTO(num_propiedades == i_arr_NumElemsCADENA(datos_propiedades),
                       "num_propiedades == arr_NumElemsCADENA(datos_propiedades)", ORIGEN);
     std::string texto = etiqueta;
     for (uint32_t i = 0; i < num_propiedades; ++i)

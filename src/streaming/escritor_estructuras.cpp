@@ -8,7 +8,6 @@ using zarn::ORIGEN_STREAMING;
 
 namespace {
 
-#define I_ASSERT_FUNC(func, texto) ZARN_ASSERT_TEXTO((func) != nullptr, texto, ORIGEN_STREAMING)
 constexpr const char *FUNC_NO_NULL = "(func_graba_xml_item) != NULL";
 constexpr const char *FUNC_1EXTRA_NO_NULL = "(func_graba_xml_item_1extra) != NULL";
 
@@ -25,10 +24,41 @@ void i_graba_item_en_bloque(zarnfxml_t *xml, const void *item, func_graba_xml_it
     I_ASSERT_FUNC(func, FUNC_NO_NULL);
     abre();
     func(item, xml);
-    zarnfxml_graba_fin_bloque(xml);
+    i_graba_fin_bloque(xml);
+}
+
+// Calls graba(item) for each element of an array of the caller's structures; a null array writes
+// nothing. The count is taken once, before the first call.
+template <typename F> void i_graba_cada(ArrPuntero arr, func_graba_xml_item func, F &&graba) {
+    if (arr == nullptr)
+        return;
+    I_ASSERT_FUNC(func, FUNC_NO_NULL);
+    const size_t n = arr->v.size();
+    for (size_t i = 0; i < n; ++i)
+        graba(arr->v[i]);
 }
 
 } // namespace
+
+void i_nousar_graba_estructura_opcional_con_etiqueta_y_propiedad1(
+    zarnfxml_t *xml, const char *etiqueta, const char *texto_propiedad, const char *dato_propiedad,
+    const void *item, func_graba_xml_item func) {
+    if (item == nullptr)
+        return;
+    i_graba_item_en_bloque(xml, item, func, [&] {
+        i_graba_inicio_bloque_propiedad1(xml, etiqueta, texto_propiedad, dato_propiedad);
+    });
+}
+
+void i_nousar_graba_estructura_opcional_con_etiqueta_y_valor_propiedad1(
+    zarnfxml_t *xml, const char *etiqueta, const char *texto_propiedad, uint32_t valor,
+    const void *item, func_graba_xml_item func) {
+    if (item == nullptr)
+        return;
+    const std::string dato = i_texto_u(valor);
+    i_nousar_graba_estructura_opcional_con_etiqueta_y_propiedad1(xml, etiqueta, texto_propiedad,
+                                                                 dato.c_str(), item, func);
+}
 
 extern "C" {
 
@@ -54,17 +84,14 @@ ZARN_API void zarnfxml_nousar_graba_estructura_opcional_con_etiqueta(zarnfxml_t 
                                                                      func_graba_xml_item func) {
     if (item == nullptr)
         return;
-    i_graba_item_en_bloque(xml, item, func, [&] { zarnfxml_graba_inicio_bloque(xml, etiqueta); });
+    i_graba_item_en_bloque(xml, item, func, [&] { i_graba_inicio_bloque(xml, etiqueta); });
 }
 
 ZARN_API void zarnfxml_nousar_graba_estructura_opcional_con_etiqueta_y_propiedad1(
     zarnfxml_t *xml, const char *etiqueta, const char *texto_propiedad, const char *dato_propiedad,
     const void *item, func_graba_xml_item func) {
-    if (item == nullptr)
-        return;
-    i_graba_item_en_bloque(xml, item, func, [&] {
-        zarnfxml_graba_inicio_bloque_propiedad1(xml, etiqueta, texto_propiedad, dato_propiedad);
-    });
+    i_nousar_graba_estructura_opcional_con_etiqueta_y_propiedad1(xml, etiqueta, texto_propiedad,
+                                                                 dato_propiedad, item, func);
 }
 
 ZARN_API void zarnfxml_nousar_graba_estructura_opcional_con_etiqueta_y_propiedad2(
@@ -74,8 +101,8 @@ ZARN_API void zarnfxml_nousar_graba_estructura_opcional_con_etiqueta_y_propiedad
     if (item == nullptr)
         return;
     i_graba_item_en_bloque(xml, item, func, [&] {
-        zarnfxml_graba_inicio_bloque_propiedad2(xml, etiqueta, texto_propiedad1, dato_propiedad1,
-                                                texto_propiedad2, dato_propiedad2);
+        i_graba_inicio_bloque_propiedad2(xml, etiqueta, texto_propiedad1, dato_propiedad1,
+                                         texto_propiedad2, dato_propiedad2);
     });
 }
 
@@ -87,20 +114,17 @@ ZARN_API void zarnfxml_nousar_graba_estructura_opcional_con_etiqueta_y_propiedad
     if (item == nullptr)
         return;
     i_graba_item_en_bloque(xml, item, func, [&] {
-        zarnfxml_graba_inicio_bloque_propiedad3(xml, etiqueta, texto_propiedad1, dato_propiedad1,
-                                                texto_propiedad2, dato_propiedad2, texto_propiedad3,
-                                                dato_propiedad3);
+        i_graba_inicio_bloque_propiedad3(xml, etiqueta, texto_propiedad1, dato_propiedad1,
+                                         texto_propiedad2, dato_propiedad2, texto_propiedad3,
+                                         dato_propiedad3);
     });
 }
 
 ZARN_API void zarnfxml_nousar_graba_estructura_opcional_con_etiqueta_y_valor_propiedad1(
     zarnfxml_t *xml, const char *etiqueta, const char *texto_propiedad, uint32_t valor,
     const void *item, func_graba_xml_item func) {
-    if (item == nullptr)
-        return;
-    const std::string dato = i_texto_u(valor);
-    zarnfxml_nousar_graba_estructura_opcional_con_etiqueta_y_propiedad1(
-        xml, etiqueta, texto_propiedad, dato.c_str(), item, func);
+    i_nousar_graba_estructura_opcional_con_etiqueta_y_valor_propiedad1(
+        xml, etiqueta, texto_propiedad, valor, item, func);
 }
 
 ZARN_API void zarnfxml_nousar_graba_arr_punterosST(zarnfxml_t *xml, ArrPuntero arr,
@@ -132,32 +156,25 @@ ZARN_API void zarnfxml_nousar_graba_arr_punterosST_con_etiqueta(zarnfxml_t *xml,
     I_ASSERT_FUNC(func, FUNC_NO_NULL);
     const size_t n = arr->v.size();
     for (size_t i = 0; i < n; ++i)
-        i_graba_item_en_bloque(xml, arr->v[i], func,
-                               [&] { zarnfxml_graba_inicio_bloque(xml, etiqueta); });
+        i_graba_item_en_bloque(xml, arr->v[i], func, [&] { i_graba_inicio_bloque(xml, etiqueta); });
 }
 
 ZARN_API void zarnfxml_nousar_graba_arr_punterosST_con_etiqueta_y_propiedad1(
     zarnfxml_t *xml, const char *etiqueta, const char *texto_propiedad, const char *dato_propiedad,
     ArrPuntero arr, func_graba_xml_item func) {
-    if (arr == nullptr)
-        return;
-    I_ASSERT_FUNC(func, FUNC_NO_NULL);
-    const size_t n = arr->v.size();
-    for (size_t i = 0; i < n; ++i)
-        zarnfxml_nousar_graba_estructura_opcional_con_etiqueta_y_propiedad1(
-            xml, etiqueta, texto_propiedad, dato_propiedad, arr->v[i], func);
+    i_graba_cada(arr, func, [&](void *item) {
+        i_nousar_graba_estructura_opcional_con_etiqueta_y_propiedad1(xml, etiqueta, texto_propiedad,
+                                                                     dato_propiedad, item, func);
+    });
 }
 
 ZARN_API void zarnfxml_nousar_graba_arr_punterosST_con_etiqueta_y_valor_propiedad1(
     zarnfxml_t *xml, const char *etiqueta, const char *texto_propiedad, uint32_t valor,
     ArrPuntero arr, func_graba_xml_item func) {
-    if (arr == nullptr)
-        return;
-    I_ASSERT_FUNC(func, FUNC_NO_NULL);
-    const size_t n = arr->v.size();
-    for (size_t i = 0; i < n; ++i)
-        zarnfxml_nousar_graba_estructura_opcional_con_etiqueta_y_valor_propiedad1(
-            xml, etiqueta, texto_propiedad, valor, arr->v[i], func);
+    i_graba_cada(arr, func, [&](void *item) {
+        i_nousar_graba_estructura_opcional_con_etiqueta_y_valor_propiedad1(
+            xml, etiqueta, texto_propiedad, valor, item, func);
+    });
 }
 
 ZARN_API void zarnfxml_nousar_graba_arr_punterosST_como_lista_elementos_1extra(
@@ -165,24 +182,24 @@ ZARN_API void zarnfxml_nousar_graba_arr_punterosST_como_lista_elementos_1extra(
     ZARN_ASSERT_NO_NULL(arr, ORIGEN_STREAMING);
     I_ASSERT_FUNC(func, FUNC_1EXTRA_NO_NULL);
     const size_t n = arr->v.size();
-    zarnfxml_graba_inicio_bloque(xml, "list");
-    zarnfxml_graba_ulong(xml, "count", static_cast<uint32_t>(n));
+    i_graba_inicio_bloque(xml, "list");
+    i_graba_ulong(xml, "count", static_cast<uint32_t>(n));
     for (size_t i = 0; i < n; ++i) {
         const void *zarnxml_item = arr->v[i];
         ZARN_ASSERT_NO_NULL(zarnxml_item, ORIGEN_STREAMING);
-        zarnfxml_graba_inicio_bloque(xml, "item");
+        i_graba_inicio_bloque(xml, "item");
         func(zarnxml_item, extra, xml);
-        zarnfxml_graba_fin_bloque(xml);
+        i_graba_fin_bloque(xml);
     }
-    zarnfxml_graba_fin_bloque(xml);
+    i_graba_fin_bloque(xml);
 }
 
 ZARN_API void zarnfxml_nousar_graba_apunorde(zarnfxml_t *xml, ApunOrde arr,
                                              func_graba_xml_item func) {
     I_ASSERT_FUNC(func, FUNC_NO_NULL);
     ZARN_ASSERT_NO_NULL(arr, ORIGEN_STREAMING);
-    const uint32_t n = apunorde_nousar_numelems(arr);
+    const uint32_t n = i_apunorde_nousar_numelems(arr);
     for (uint32_t i = 0; i < n; ++i)
-        func(apunorde_nousar_get(arr, i), xml);
+        func(i_apunorde_nousar_get(arr, i), xml);
 }
 }

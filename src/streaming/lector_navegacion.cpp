@@ -14,7 +14,8 @@ namespace {
 
 // ---- Small helpers ---------------------------------------------------------------------------
 
-void i_asserta_tipo_registro(int32_t tipo_registro, int32_t esperado, const char *texto) {
+void i_asserta_tipo_registro(i_tipo_registro_t tipo_registro, i_tipo_registro_t esperado,
+                             const char *texto) {
     ZARN_ASSERT_TEXTO(tipo_registro == esperado, texto, ORIGEN_STREAMING);
 }
 
@@ -23,7 +24,7 @@ void i_copia_etiqueta_registro(const i_xml_lectura *xml, CADENA *etiqueta) {
         *etiqueta = zarn::dup(i_etiqueta_registro(&xml->registro));
 }
 
-bool i_es_pieza(const zarnfxml_pieza_t *pieza, int32_t tipo) {
+bool i_es_pieza(const i_pieza_t *pieza, int32_t tipo) {
     return pieza && pieza->tipo_pieza == tipo;
 }
 
@@ -32,7 +33,7 @@ bool i_es_pieza(const zarnfxml_pieza_t *pieza, int32_t tipo) {
 bool i_nada_puede_seguir(const i_xml_lectura *xml) {
     ZARN_ASSERT_NO_NULL(xml, ORIGEN_STREAMING);
     ZARN_ASSERT_NO_NULL(xml->conf, ORIGEN_STREAMING);
-    const zarnfxml_pieza_t *actual = xml->pieza_actual();
+    const i_pieza_t *actual = xml->pieza_actual();
     if (i_es_pieza(actual, i_PIEZA_FIN_FICHERO) || i_es_pieza(actual, i_PIEZA_ERROR))
         return true;
     return i_es_pieza(actual, i_PIEZA_INICIO_Y_FIN_BLOQUE) &&
@@ -42,14 +43,14 @@ bool i_nada_puede_seguir(const i_xml_lectura *xml) {
 zybool i_siguiente_es_definicion_comentario(i_xml_lectura *xml) {
     if (i_nada_puede_seguir(xml))
         return FALSO;
-    const zybool es = i_lee_pieza(xml).tipo_pieza == i_PIEZA_DEFINICION_COMENTARIO ? CIERTO : FALSO;
+    const zybool es = zarn::zb(i_lee_pieza(xml).tipo_pieza == i_PIEZA_DEFINICION_COMENTARIO);
     i_devuelve_pieza(xml);
     return es;
 }
 
 const i_propiedad_lectura_t *i_propiedad_registro(const i_xml_lectura *xml,
                                                   const char *texto_propiedad) {
-    const zarnfxml_registro_t &registro = i_registro(xml);
+    const i_registro_t &registro = i_registro(xml);
     ZARN_ASSERT_NO_NULL(texto_propiedad, ORIGEN_STREAMING);
     return i_busca_propiedad(i_propiedades_registro(&registro), texto_propiedad);
 }
@@ -57,8 +58,8 @@ const i_propiedad_lectura_t *i_propiedad_registro(const i_xml_lectura *xml,
 const std::u16string &i_dato_propiedad_requerida(const i_xml_lectura *xml,
                                                  const char *texto_propiedad) {
     const i_propiedad_lectura_t *p = i_propiedad_registro(xml, texto_propiedad);
-    const zybool existe_propiedad = p ? CIERTO : FALSO;
-    ZARN_ASSERT_TEXTO(existe_propiedad == CIERTO, "existe_propiedad == CIERTO", ORIGEN_STREAMING);
+    const zybool existe_propiedad = zarn::zb(p != nullptr);
+    ZARN_ASSERT(existe_propiedad == CIERTO, ORIGEN_STREAMING);
     return p->dato_propiedad.texto();
 }
 
@@ -71,7 +72,7 @@ std::atomic<signed char> uso_xml_bloque{-1};
 // tag of the block being passed. Definitions have no level and are passed like the rest.
 void i_salta_piezas_de_nivel(i_xml_lectura *xml, uint32_t nivel) {
     for (;;) {
-        const zarnfxml_pieza_t *p = xml->pieza_actual();
+        const i_pieza_t *p = xml->pieza_actual();
         ZARN_ASSERT_NO_NULL(p, ORIGEN_STREAMING);
         if (p->nivel_etiquetado < nivel || p->tipo_pieza == i_PIEZA_FIN_FICHERO ||
             p->tipo_pieza == i_PIEZA_ERROR)
@@ -87,7 +88,7 @@ bool i_linea_siguiente_es_hijo(const i_xml_lectura *xml) {
     const auto &pila = xml->etiquetas_abiertas;
     if (xml->num_pendientes() != 1 || pila.size() < 2)
         return false;
-    const zarnfxml_pieza_t &hijo = xml->pendiente(0);
+    const i_pieza_t &hijo = xml->pendiente(0);
     return hijo.tipo_pieza == i_PIEZA_INICIO_BLOQUE && pila.back() == hijo.etiqueta &&
            pila[pila.size() - 2] == xml->pieza_actual()->etiqueta;
 }
@@ -96,7 +97,7 @@ bool i_linea_siguiente_es_hijo(const i_xml_lectura *xml) {
 void i_descarta_hijo_pendiente(i_xml_lectura *xml) {
     const zybool desapila =
         i_desapila_etiqueta(xml->etiquetas_abiertas, xml->pendiente(0).etiqueta, nullptr, nullptr);
-    ZARN_ASSERT_TEXTO(desapila == CIERTO, "desapila == CIERTO", ORIGEN_STREAMING);
+    ZARN_ASSERT(desapila == CIERTO, ORIGEN_STREAMING);
     i_descarta_pendientes(xml);
 }
 
@@ -119,11 +120,11 @@ void i_salta_lineas_hasta_fin_etiqueta(i_xml_lectura *xml, const std::string &et
 // The line path: the block's start piece becomes its end piece without lexing its inside.
 void i_salta_bloque_por_lineas(i_xml_lectura *xml) {
     i_descarta_hijo_pendiente(xml);
-    zarnfxml_pieza_t &p = *xml->pieza_actual();
+    i_pieza_t &p = *xml->pieza_actual();
     i_salta_lineas_hasta_fin_etiqueta(xml, p.etiqueta);
     const zybool desapila =
         i_desapila_etiqueta(xml->etiquetas_abiertas, p.etiqueta, nullptr, nullptr);
-    ZARN_ASSERT_TEXTO(desapila == CIERTO, "desapila == CIERTO", ORIGEN_STREAMING);
+    ZARN_ASSERT(desapila == CIERTO, ORIGEN_STREAMING);
     p.tipo_pieza = i_PIEZA_FIN_BLOQUE;
     p.propiedades.clear();
 }
@@ -153,12 +154,13 @@ bool i_en_inicio_bloque_con_contenido(const i_xml_lectura *xml) {
 
 // ---- Internal operations ---------------------------------------------------------------------
 
-zybool i_es_siguiente_pieza(i_xml_lectura *xml, int32_t tipo1, int32_t tipo2, const char *etiqueta,
-                            const char *texto_propiedad, const char16_t *dato_propiedad) {
+zybool i_es_siguiente_pieza(i_xml_lectura *xml, i_tipo_pieza_t tipo1, i_tipo_pieza_t tipo2,
+                            const char *etiqueta, const char *texto_propiedad,
+                            const char16_t *dato_propiedad) {
     if (i_nada_puede_seguir(xml))
         return FALSO;
     int leidas = 1;
-    const zarnfxml_pieza_t *pieza = &i_lee_pieza(xml);
+    const i_pieza_t *pieza = &i_lee_pieza(xml);
     if (pieza->tipo_pieza == i_PIEZA_DEFINICION_FICHERO_XML) {
         pieza = &i_lee_pieza(xml);
         ++leidas;
@@ -171,7 +173,7 @@ zybool i_es_siguiente_pieza(i_xml_lectura *xml, int32_t tipo1, int32_t tipo2, co
                                          dato_propiedad ? dato_propiedad : u"") == CIERTO;
     for (; leidas > 0; --leidas)
         i_devuelve_pieza(xml);
-    return es ? CIERTO : FALSO;
+    return zarn::zb(es);
 }
 
 zybool i_es_siguiente_inicio_bloque(i_xml_lectura *xml, const char *etiqueta) {
@@ -180,11 +182,11 @@ zybool i_es_siguiente_inicio_bloque(i_xml_lectura *xml, const char *etiqueta) {
 }
 
 void i_lee_inicio_bloque(i_xml_lectura *xml, const char *etiqueta) {
-    const int32_t tipo_registro = i_lee_registro(xml, FALSO);
+    const i_tipo_registro_t tipo_registro = i_lee_registro(xml, FALSO);
     i_asserta_tipo_registro(tipo_registro, i_REGISTRO_INICIO_BLOQUE,
                             "tipo_registro == i_REGISTRO_INICIO_BLOQUE");
     const zybool es_etiqueta_igual = i_es_etiqueta_registro_igual(xml, etiqueta);
-    ZARN_ASSERT_TEXTO(es_etiqueta_igual == CIERTO, "es_etiqueta_igual == CIERTO", ORIGEN_STREAMING);
+    ZARN_ASSERT(es_etiqueta_igual == CIERTO, ORIGEN_STREAMING);
 }
 
 zybool i_se_lee_inicio_bloque(i_xml_lectura *xml, const char *etiqueta) {
@@ -195,11 +197,10 @@ zybool i_se_lee_inicio_bloque(i_xml_lectura *xml, const char *etiqueta) {
 }
 
 void i_lee_fin_bloque_con_comprobacion(i_xml_lectura *xml, const char *etiqueta) {
-    const int32_t tipo_registro = i_lee_registro(xml, FALSO);
+    const i_tipo_registro_t tipo_registro = i_lee_registro(xml, FALSO);
     i_asserta_tipo_registro(tipo_registro, i_REGISTRO_FIN_BLOQUE,
                             "tipo_registro == i_REGISTRO_FIN_BLOQUE");
-    ZARN_ASSERT_TEXTO(i_es_etiqueta_registro_igual(xml, etiqueta) == CIERTO,
-                      "i_es_etiqueta_registro_igual(xml, etiqueta) == CIERTO", ORIGEN_STREAMING);
+    ZARN_ASSERT(i_es_etiqueta_registro_igual(xml, etiqueta) == CIERTO, ORIGEN_STREAMING);
 }
 
 bool i_uso_xml_bloque() {
@@ -211,12 +212,15 @@ bool i_uso_xml_bloque() {
     return uso == 1;
 }
 
+void i_olvida_uso_xml_bloque() {
+    uso_xml_bloque.store(-1, std::memory_order_relaxed);
+}
+
 void i_salta_hasta_fin_bloque(i_xml_lectura *xml, uint32_t nivel_etiquetado_lineas_bloque,
                               bool por_lineas) {
     ZARN_ASSERT_NO_NULL(xml, ORIGEN_STREAMING);
-    const zarnfxml_registro_t &registro = i_registro(xml);
-    ZARN_ASSERT_TEXTO(nivel_etiquetado_lineas_bloque > 0, "nivel_etiquetado_lineas_bloque > 0",
-                      ORIGEN_STREAMING);
+    const i_registro_t &registro = i_registro(xml);
+    ZARN_ASSERT(nivel_etiquetado_lineas_bloque > 0, ORIGEN_STREAMING);
     const uint32_t l = nivel_etiquetado_lineas_bloque;
     const uint32_t n = registro.nivel_etiquetado;
     switch (registro.tipo_registro) {
@@ -256,7 +260,7 @@ void i_salta_hasta_fin_bloque(i_xml_lectura *xml, uint32_t nivel_etiquetado_line
     default:
         ZARN_DEFAULT_ERROR(ORIGEN_STREAMING);
     }
-    const zarnfxml_pieza_t *actual = xml->pieza_actual();
+    const i_pieza_t *actual = xml->pieza_actual();
     ZARN_ASSERT_NO_NULL(actual, ORIGEN_STREAMING);
     if (actual->tipo_pieza == i_PIEZA_INICIO_Y_FIN_BLOQUE)
         i_registro_fin_bloque(xml, *actual);
@@ -265,6 +269,39 @@ void i_salta_hasta_fin_bloque(i_xml_lectura *xml, uint32_t nivel_etiquetado_line
 }
 
 // ---- Public interface ------------------------------------------------------------------------
+
+void i_lee_definicion_comentario(zarnfxml_t *xml, CADENA *etiqueta) {
+    i_xml_lectura *x = I_LECTOR(xml);
+    const i_tipo_registro_t tipo_registro = i_lee_registro(x, FALSO);
+    i_asserta_tipo_registro(tipo_registro, i_REGISTRO_DEFINICION_COMENTARIO,
+                            "tipo_registro == i_REGISTRO_DEFINICION_COMENTARIO");
+    i_copia_etiqueta_registro(x, etiqueta);
+}
+
+void i_lee_inicio_bloque_con_nivel_etiquetado(zarnfxml_t *xml, const char *etiqueta,
+                                              uint32_t *nivel_etiquetado_lineas_bloque) {
+    const zybool se_lee =
+        i_se_lee_inicio_bloque_con_nivel_etiquetado(xml, etiqueta, nivel_etiquetado_lineas_bloque);
+    ZARN_ASSERT(se_lee == CIERTO, ORIGEN_STREAMING);
+}
+
+void i_lee_inicio_bloque_desconocido(zarnfxml_t *xml, CADENA *etiqueta) {
+    i_xml_lectura *x = I_LECTOR(xml);
+    const i_tipo_registro_t tipo_registro = i_lee_registro(x, FALSO);
+    i_asserta_tipo_registro(tipo_registro, i_REGISTRO_INICIO_BLOQUE,
+                            "tipo_registro == i_REGISTRO_INICIO_BLOQUE");
+    i_copia_etiqueta_registro(x, etiqueta);
+}
+
+zybool i_se_lee_inicio_bloque_con_nivel_etiquetado(zarnfxml_t *xml, const char *etiqueta,
+                                                   uint32_t *nivel_etiquetado_lineas_bloque) {
+    i_xml_lectura *x = I_LECTOR(xml);
+    ZARN_ASSERT_NO_NULL(nivel_etiquetado_lineas_bloque, ORIGEN_STREAMING);
+    if (!i_se_lee_inicio_bloque(x, etiqueta))
+        return FALSO;
+    *nivel_etiquetado_lineas_bloque = x->registro.nivel_etiquetado + 1;
+    return CIERTO;
+}
 
 extern "C" {
 
@@ -278,34 +315,24 @@ ZARN_API zybool zarnfxml_se_lee_inicio_bloque(zarnfxml_t *xml, const char *etiqu
 
 ZARN_API zybool zarnfxml_se_lee_inicio_bloque_con_nivel_etiquetado(
     zarnfxml_t *xml, const char *etiqueta, uint32_t *nivel_etiquetado_lineas_bloque) {
-    i_xml_lectura *x = I_LECTOR(xml);
-    ZARN_ASSERT_NO_NULL(nivel_etiquetado_lineas_bloque, ORIGEN_STREAMING);
-    if (!i_se_lee_inicio_bloque(x, etiqueta))
-        return FALSO;
-    *nivel_etiquetado_lineas_bloque = x->registro.nivel_etiquetado + 1;
-    return CIERTO;
+    return i_se_lee_inicio_bloque_con_nivel_etiquetado(xml, etiqueta,
+                                                       nivel_etiquetado_lineas_bloque);
 }
 
 ZARN_API void
 zarnfxml_lee_inicio_bloque_con_nivel_etiquetado(zarnfxml_t *xml, const char *etiqueta,
                                                 uint32_t *nivel_etiquetado_lineas_bloque) {
-    const zybool se_lee = zarnfxml_se_lee_inicio_bloque_con_nivel_etiquetado(
-        xml, etiqueta, nivel_etiquetado_lineas_bloque);
-    ZARN_ASSERT_TEXTO(se_lee == CIERTO, "se_lee == CIERTO", ORIGEN_STREAMING);
+    i_lee_inicio_bloque_con_nivel_etiquetado(xml, etiqueta, nivel_etiquetado_lineas_bloque);
 }
 
 ZARN_API void zarnfxml_lee_inicio_bloque_desconocido(zarnfxml_t *xml, CADENA *etiqueta) {
-    i_xml_lectura *x = I_LECTOR(xml);
-    const int32_t tipo_registro = i_lee_registro(x, FALSO);
-    i_asserta_tipo_registro(tipo_registro, i_REGISTRO_INICIO_BLOQUE,
-                            "tipo_registro == i_REGISTRO_INICIO_BLOQUE");
-    i_copia_etiqueta_registro(x, etiqueta);
+    i_lee_inicio_bloque_desconocido(xml, etiqueta);
 }
 
 ZARN_API zybool zarnfxml_se_lee_inicio_bloque_desconocido(zarnfxml_t *xml, CADENA *etiqueta) {
     if (!i_es_siguiente_inicio_bloque(I_LECTOR(xml), nullptr))
         return FALSO;
-    zarnfxml_lee_inicio_bloque_desconocido(xml, etiqueta);
+    i_lee_inicio_bloque_desconocido(xml, etiqueta);
     return CIERTO;
 }
 
@@ -315,22 +342,18 @@ ZARN_API zybool zarnfxml_etiqueta_siguiente_es_inicio_bloque(zarnfxml_t *xml,
 }
 
 ZARN_API void zarnfxml_lee_definicion_comentario(zarnfxml_t *xml, CADENA *etiqueta) {
-    i_xml_lectura *x = I_LECTOR(xml);
-    const int32_t tipo_registro = i_lee_registro(x, FALSO);
-    i_asserta_tipo_registro(tipo_registro, i_REGISTRO_DEFINICION_COMENTARIO,
-                            "tipo_registro == i_REGISTRO_DEFINICION_COMENTARIO");
-    i_copia_etiqueta_registro(x, etiqueta);
+    i_lee_definicion_comentario(xml, etiqueta);
 }
 
 ZARN_API zybool zarnfxml_se_lee_definicion_comentario(zarnfxml_t *xml, CADENA *etiqueta) {
     if (!i_siguiente_es_definicion_comentario(I_LECTOR(xml)))
         return FALSO;
-    zarnfxml_lee_definicion_comentario(xml, etiqueta);
+    i_lee_definicion_comentario(xml, etiqueta);
     return CIERTO;
 }
 
 ZARN_API void zarnfxml_lee_fin_bloque(zarnfxml_t *xml) {
-    const int32_t tipo_registro = i_lee_registro(I_LECTOR(xml), FALSO);
+    const i_tipo_registro_t tipo_registro = i_lee_registro(I_LECTOR(xml), FALSO);
     i_asserta_tipo_registro(tipo_registro, i_REGISTRO_FIN_BLOQUE,
                             "tipo_registro == i_REGISTRO_FIN_BLOQUE");
 }
@@ -346,14 +369,14 @@ ZARN_API void zarnfxml_salta_hasta_fin_bloque(zarnfxml_t *xml,
 
 ZARN_API void zarnfxml_salta_etiqueta(zarnfxml_t *xml, const char *etiqueta) {
     uint32_t nivel = 0;
-    zarnfxml_lee_inicio_bloque_con_nivel_etiquetado(xml, etiqueta, &nivel);
-    zarnfxml_salta_hasta_fin_bloque(xml, nivel);
+    i_lee_inicio_bloque_con_nivel_etiquetado(xml, etiqueta, &nivel);
+    i_salta_hasta_fin_bloque(I_LECTOR(xml), nivel, i_uso_xml_bloque());
 }
 
 ZARN_API void zarnfxml_salta_etiqueta_si_existe(zarnfxml_t *xml, const char *etiqueta) {
     uint32_t nivel = 0;
-    if (zarnfxml_se_lee_inicio_bloque_con_nivel_etiquetado(xml, etiqueta, &nivel))
-        zarnfxml_salta_hasta_fin_bloque(xml, nivel);
+    if (i_se_lee_inicio_bloque_con_nivel_etiquetado(xml, etiqueta, &nivel))
+        i_salta_hasta_fin_bloque(I_LECTOR(xml), nivel, i_uso_xml_bloque());
 }
 
 ZARN_API void
@@ -361,7 +384,7 @@ zarnfxml_salta_hasta_etiqueta_y_lee_inicio_bloque(zarnfxml_t *xml, const char *e
                                                   uint32_t *nivel_etiquetado_lineas_bloque) {
     i_xml_lectura *x = I_LECTOR(xml);
     for (;;) {
-        const int32_t tipo_registro = i_lee_registro(x, FALSO);
+        const i_tipo_registro_t tipo_registro = i_lee_registro(x, FALSO);
         i_asserta_tipo_registro(tipo_registro, i_REGISTRO_INICIO_BLOQUE,
                                 "tipo_registro == i_REGISTRO_INICIO_BLOQUE");
         const uint32_t nivel = x->registro.nivel_etiquetado + 1;
@@ -378,8 +401,8 @@ ZARN_API zybool zarnfxml_lee_siguiente(zarnfxml_t *xml, const char **etiqueta, u
                                        CADENA *dato, uint32_t *nivel) {
     i_xml_lectura *x = I_LECTOR(xml);
     for (;;) {
-        const int32_t tipo_registro = i_lee_registro(x, CIERTO);
-        const zarnfxml_registro_t *r = &x->registro;
+        const i_tipo_registro_t tipo_registro = i_lee_registro(x, CIERTO);
+        const i_registro_t *r = &x->registro;
         uint32_t t = 0;
         uint32_t nv = i_SIN_NIVEL;
         switch (tipo_registro) {
@@ -461,12 +484,12 @@ ZARN_API CADENA_u zarnfxml_get_cadena_propiedad_inicio_bloque_u(zarnfxml_t *xml,
 
 ZARN_API double zarnfxml_get_double_propiedad_inicio_bloque(zarnfxml_t *xml,
                                                             const char *texto_propiedad) {
-    return zarnfxml_atof_u(i_dato_propiedad_requerida(I_LECTOR(xml), texto_propiedad).c_str());
+    return i_atof_u(i_dato_propiedad_requerida(I_LECTOR(xml), texto_propiedad).c_str());
 }
 
 ZARN_API uint32_t zarnfxml_get_ulong_propiedad_inicio_bloque(zarnfxml_t *xml,
                                                              const char *texto_propiedad) {
-    return zarnfxml_atoul_u(i_dato_propiedad_requerida(I_LECTOR(xml), texto_propiedad).c_str());
+    return i_atoul_u(i_dato_propiedad_requerida(I_LECTOR(xml), texto_propiedad).c_str());
 }
 
 ZARN_API CADENA zarnfxml_get_indice_propiedad_inicio_bloque(zarnfxml_t *xml, uint32_t indice) {
@@ -493,7 +516,7 @@ ZARN_API void zarnfxml_lee_campos_bloque_conocido(zarnfxml_t *xml, uint32_t num_
         // out before every field has been read.
         std::vector<std::string> leidos;
         for (uint32_t i = 0; i < num_campos; ++i) {
-            const int32_t tipo_registro = i_lee_registro(x, CIERTO);
+            const i_tipo_registro_t tipo_registro = i_lee_registro(x, CIERTO);
             i_asserta_tipo_registro(tipo_registro, i_REGISTRO_CAMPO,
                                     "tipo_registro == i_REGISTRO_CAMPO");
             leidos.push_back(x->registro.etiqueta);

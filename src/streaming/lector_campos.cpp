@@ -7,11 +7,10 @@ using zarn::ORIGEN_STREAMING;
 namespace {
 
 void i_lee_campo_con(i_xml_lectura *xml, const char *etiqueta, zybool admite_campo_vacio) {
-    const int32_t tipo_registro = i_lee_registro(xml, admite_campo_vacio);
-    ZARN_ASSERT_TEXTO(tipo_registro == i_REGISTRO_CAMPO, "tipo_registro == i_REGISTRO_CAMPO",
-                      ORIGEN_STREAMING);
+    const i_tipo_registro_t tipo_registro = i_lee_registro(xml, admite_campo_vacio);
+    ZARN_ASSERT(tipo_registro == i_REGISTRO_CAMPO, ORIGEN_STREAMING);
     const zybool es_etiqueta_igual = i_es_etiqueta_registro_igual(xml, etiqueta);
-    ZARN_ASSERT_TEXTO(es_etiqueta_igual == CIERTO, "es_etiqueta_igual == CIERTO", ORIGEN_STREAMING);
+    ZARN_ASSERT(es_etiqueta_igual == CIERTO, ORIGEN_STREAMING);
 }
 
 const i_dato_t &i_dato(const i_xml_lectura *xml) {
@@ -42,26 +41,26 @@ zybool i_dato_registro_a_bool(const i_xml_lectura *xml) {
 }
 
 int32_t i_dato_a_long(const i_xml_lectura *xml) {
-    return widestr_nousar_atol(i_dato_campo(xml).c_str(), ORIGEN_STREAMING, __LINE__);
+    return i_widestr_nousar_atol(i_dato_campo(xml).c_str(), ORIGEN_STREAMING, __LINE__);
 }
 
 uint32_t i_dato_a_ulong(const i_xml_lectura *xml) {
-    return cambtipo_double_a_ulong(zarnfxml_atof_u(i_dato_campo(xml).c_str()));
+    return i_cambtipo_double_a_ulong(i_atof_u(i_dato_campo(xml).c_str()));
 }
 
 double i_dato_a_double(const i_xml_lectura *xml) {
     const i_dato_t &d = i_dato(xml);
-    return d.es_ascii_llano() ? zarnfxml_atof(d.bruto().c_str()) : zarnfxml_atof_u(d.c_str());
+    return d.es_ascii_llano() ? i_atof(d.bruto().c_str()) : i_atof_u(d.c_str());
 }
 
 // A file opened for reading, closed at the end of the scope however the scope ends.
 struct i_fichero_lectura {
     zarnio_fichero_t *f;
     explicit i_fichero_lectura(const char16_t *nombre)
-        : f(f_lc_fopen_u(nombre, u"rb", ORIGEN_STREAMING, __LINE__)) {}
+        : f(i_f_lc_fopen_u(nombre, u"rb", ORIGEN_STREAMING, __LINE__)) {}
     ~i_fichero_lectura() {
         if (f)
-            lc_fclose(&f);
+            i_lc_fclose(&f);
     }
     i_fichero_lectura(const i_fichero_lectura &) = delete;
     i_fichero_lectura &operator=(const i_fichero_lectura &) = delete;
@@ -84,6 +83,31 @@ zybool i_lee_campo_si_existe(i_xml_lectura *xml, const char *etiqueta) {
     return CIERTO;
 }
 
+CADENA_u i_lee_cadena_u(zarnfxml_t *xml, const char *etiqueta) {
+    i_xml_lectura *x = I_LECTOR(xml);
+    i_lee_campo_admite_vacio(x, etiqueta);
+    const i_dato_t &d = i_dato(x);
+    return d.es_ascii_llano() ? zarn::dup_utf16(d.bruto()) : zarn::dup_u(d.texto());
+}
+
+double i_lee_double(zarnfxml_t *xml, const char *etiqueta) {
+    i_xml_lectura *x = I_LECTOR(xml);
+    i_lee_campo(x, etiqueta);
+    return i_dato_a_double(x);
+}
+
+int32_t i_lee_long(zarnfxml_t *xml, const char *etiqueta) {
+    i_xml_lectura *x = I_LECTOR(xml);
+    i_lee_campo(x, etiqueta);
+    return i_dato_a_long(x);
+}
+
+uint32_t i_lee_ulong(zarnfxml_t *xml, const char *etiqueta) {
+    i_xml_lectura *x = I_LECTOR(xml);
+    i_lee_campo(x, etiqueta);
+    return i_dato_a_ulong(x);
+}
+
 extern "C" {
 
 ZARN_API zybool zarnfxml_lee_bool(zarnfxml_t *xml, const char *etiqueta) {
@@ -98,9 +122,7 @@ ZARN_API zybool zarnfxml_lee_bool_opcional(zarnfxml_t *xml, const char *etiqueta
 }
 
 ZARN_API int32_t zarnfxml_lee_long(zarnfxml_t *xml, const char *etiqueta) {
-    i_xml_lectura *x = I_LECTOR(xml);
-    i_lee_campo(x, etiqueta);
-    return i_dato_a_long(x);
+    return i_lee_long(xml, etiqueta);
 }
 
 ZARN_API int32_t zarnfxml_lee_long_opcional(zarnfxml_t *xml, const char *etiqueta,
@@ -110,9 +132,7 @@ ZARN_API int32_t zarnfxml_lee_long_opcional(zarnfxml_t *xml, const char *etiquet
 }
 
 ZARN_API uint32_t zarnfxml_lee_ulong(zarnfxml_t *xml, const char *etiqueta) {
-    i_xml_lectura *x = I_LECTOR(xml);
-    i_lee_campo(x, etiqueta);
-    return i_dato_a_ulong(x);
+    return i_lee_ulong(xml, etiqueta);
 }
 
 ZARN_API uint32_t zarnfxml_lee_ulong_opcional(zarnfxml_t *xml, const char *etiqueta) {
@@ -121,14 +141,12 @@ ZARN_API uint32_t zarnfxml_lee_ulong_opcional(zarnfxml_t *xml, const char *etiqu
 }
 
 ZARN_API uint32_t zarnfxml_lee_ulong_con_ulong_max_cero(zarnfxml_t *xml, const char *etiqueta) {
-    const uint32_t v = zarnfxml_lee_ulong(xml, etiqueta);
+    const uint32_t v = i_lee_ulong(xml, etiqueta);
     return v == 0 ? 0xFFFFFFFFu : v - 1;
 }
 
 ZARN_API double zarnfxml_lee_double(zarnfxml_t *xml, const char *etiqueta) {
-    i_xml_lectura *x = I_LECTOR(xml);
-    i_lee_campo(x, etiqueta);
-    return i_dato_a_double(x);
+    return i_lee_double(xml, etiqueta);
 }
 
 ZARN_API double zarnfxml_lee_double_opcional(zarnfxml_t *xml, const char *etiqueta) {
@@ -144,14 +162,11 @@ ZARN_API CADENA zarnfxml_lee_cadena(zarnfxml_t *xml, const char *etiqueta) {
 }
 
 ZARN_API CADENA_u zarnfxml_lee_cadena_u(zarnfxml_t *xml, const char *etiqueta) {
-    i_xml_lectura *x = I_LECTOR(xml);
-    i_lee_campo_admite_vacio(x, etiqueta);
-    const i_dato_t &d = i_dato(x);
-    return d.es_ascii_llano() ? zarn::dup_utf16(d.bruto()) : zarn::dup_u(d.texto());
+    return i_lee_cadena_u(xml, etiqueta);
 }
 
 ZARN_API int64_t zarnfxml_lee_fecha(zarnfxml_t *xml, const char *etiqueta) {
-    return cambtipo_long_a_time_t(zarnfxml_lee_long(xml, etiqueta));
+    return i_cambtipo_long_a_time_t(i_lee_long(xml, etiqueta));
 }
 
 ZARN_API zybool zarnfxml_salta_registro_campo(zarnfxml_t *xml, const char *etiqueta) {
@@ -175,11 +190,11 @@ ZARN_API zybool zarnfxml_bool(zarnfxml_t *xml_in, const char16_t *texto) {
 ZARN_API CADENA zarnfxml_lee_fichero_xml_string(const char16_t *nombre_fichero) {
     ZARN_ASSERT_NO_NULL(nombre_fichero, ORIGEN_STREAMING);
     i_fichero_lectura fichero(nombre_fichero);
-    const auto tamanyo = static_cast<uint64_t>(lc_tamanyo_fichero(fichero.f));
-    std::unique_ptr<char, void (*)(void *)> bloque(creacadena(tamanyo), zarn::libera);
+    const auto tamanyo = static_cast<uint64_t>(i_lc_tamanyo_fichero(fichero.f));
+    std::unique_ptr<char, void (*)(void *)> bloque(i_creacadena(tamanyo), zarn::libera);
     bloque.get()[tamanyo] = '\0';
     if (tamanyo != 0)
-        f_lc_fread_sin_error(bloque.get(), tamanyo, 1, fichero.f);
+        i_f_lc_fread_sin_error(bloque.get(), tamanyo, 1, fichero.f);
     return bloque.release();
 }
 

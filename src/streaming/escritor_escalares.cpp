@@ -25,13 +25,30 @@ void i_graba_texto_numero(zarnfxml_t *handle, const char *etiqueta, const std::s
 
 } // namespace
 
+void i_graba_clave(zarnfxml_t *handle, const char *etiqueta, const char *clave) {
+    i_graba_campo(I_ESCRITOR(handle), etiqueta, zarn::vista(clave));
+}
+
+void i_graba_double_con_conversion(zarnfxml_t *xml, const char *etiqueta, double valor,
+                                   uint32_t ancho, uint32_t decimales) {
+    i_graba_texto_numero(xml, etiqueta, zarn::double_a_texto(valor, ancho, decimales, true));
+}
+
+void i_graba_long(zarnfxml_t *xml, const char *etiqueta, int32_t valor) {
+    i_graba_entero(xml, etiqueta, valor);
+}
+
+void i_graba_ulong(zarnfxml_t *xml, const char *etiqueta, uint32_t valor) {
+    i_graba_entero(xml, etiqueta, valor);
+}
+
 extern "C" {
 
 ZARN_API void zarnfxml_graba_bool(zarnfxml_t *handle, const char *etiqueta, zybool valor) {
     i_xml_escritura *xml = I_ESCRITOR(handle);
     ZARN_ASSERT_NO_NULL(xml->conf, ORIGEN_STREAMING);
     if (valor != CIERTO)
-        ZARN_ASSERT_TEXTO(valor == FALSO, "valor == FALSO", ORIGEN_STREAMING);
+        ZARN_ASSERT(valor == FALSO, ORIGEN_STREAMING);
     const std::u16string &texto =
         valor == CIERTO ? xml->conf->texto_zybool_true : xml->conf->texto_zybool_false;
     const int32_t tipo = xml->conf->tipo_codificacion;
@@ -39,11 +56,11 @@ ZARN_API void zarnfxml_graba_bool(zarnfxml_t *handle, const char *etiqueta, zybo
 }
 
 ZARN_API void zarnfxml_graba_long(zarnfxml_t *xml, const char *etiqueta, int32_t valor) {
-    i_graba_entero(xml, etiqueta, valor);
+    i_graba_long(xml, etiqueta, valor);
 }
 
 ZARN_API void zarnfxml_graba_ulong(zarnfxml_t *xml, const char *etiqueta, uint32_t valor) {
-    i_graba_entero(xml, etiqueta, valor);
+    i_graba_ulong(xml, etiqueta, valor);
 }
 
 ZARN_API void zarnfxml_graba_ushort(zarnfxml_t *xml, const char *etiqueta, uint16_t valor) {
@@ -52,11 +69,11 @@ ZARN_API void zarnfxml_graba_ushort(zarnfxml_t *xml, const char *etiqueta, uint1
 
 ZARN_API void zarnfxml_graba_ulong_con_ulong_max_cero(zarnfxml_t *xml, const char *etiqueta,
                                                       uint32_t valor) {
-    zarnfxml_graba_ulong(xml, etiqueta, valor == UINT32_MAX ? 0u : valor + 1u);
+    i_graba_ulong(xml, etiqueta, valor == UINT32_MAX ? 0u : valor + 1u);
 }
 
 ZARN_API void zarnfxml_graba_fecha(zarnfxml_t *xml, const char *etiqueta, int64_t fecha) {
-    zarnfxml_graba_long(xml, etiqueta, cambtipo_time_t_a_long(fecha));
+    i_graba_long(xml, etiqueta, i_cambtipo_time_t_a_long(fecha));
 }
 
 ZARN_API void zarnfxml_graba_fecha64(zarnfxml_t *xml, const char *etiqueta, int64_t fecha) {
@@ -65,13 +82,13 @@ ZARN_API void zarnfxml_graba_fecha64(zarnfxml_t *xml, const char *etiqueta, int6
 
 ZARN_API void zarnfxml_graba_double(zarnfxml_t *xml, const char *etiqueta, double valor,
                                     uint32_t decimales) {
-    zarnfxml_graba_double_con_conversion(xml, etiqueta, valor, 145, decimales);
+    i_graba_double_con_conversion(xml, etiqueta, valor, 145, decimales);
 }
 
 ZARN_API void zarnfxml_graba_double_con_conversion(zarnfxml_t *xml, const char *etiqueta,
                                                    double valor, uint32_t ancho,
                                                    uint32_t decimales) {
-    i_graba_texto_numero(xml, etiqueta, zarn::double_a_texto(valor, ancho, decimales, true));
+    i_graba_double_con_conversion(xml, etiqueta, valor, ancho, decimales);
 }
 
 ZARN_API void zarnfxml_graba_double_con_todos_decimales(zarnfxml_t *xml, const char *etiqueta,
@@ -81,19 +98,19 @@ ZARN_API void zarnfxml_graba_double_con_todos_decimales(zarnfxml_t *xml, const c
 }
 
 ZARN_API void zarnfxml_graba_clave(zarnfxml_t *handle, const char *etiqueta, const char *clave) {
-    i_graba_campo(I_ESCRITOR(handle), etiqueta, zarn::vista(clave));
+    i_graba_clave(handle, etiqueta, clave);
 }
 
 ZARN_API void zarnfxml_graba_cadena_opcional(zarnfxml_t *xml, const char *etiqueta,
                                              const char *cadena) {
     if (cadena != nullptr)
-        zarnfxml_graba_cadena(xml, etiqueta, cadena);
+        i_graba_cadena(xml, etiqueta, cadena);
 }
 
 ZARN_API void zarnfxml_graba_cadena_opcional_u(zarnfxml_t *xml, const char *etiqueta,
                                                const char16_t *cadena) {
     if (cadena != nullptr)
-        zarnfxml_graba_cadena_u(xml, etiqueta, cadena);
+        i_graba_cadena_u(xml, etiqueta, cadena);
 }
 
 ZARN_API void zarnfxml_graba_cadena_con_comillas(zarnfxml_t *handle, const char *etiqueta,
@@ -128,12 +145,12 @@ ZARN_API void zarnfxml_graba_ulong_con_propiedad(zarnfxml_t *handle, const char 
 
 ZARN_API CADENA_u zarnfxml_double_a_texto_con_todos_decimales(double valor, uint32_t ancho,
                                                               uint32_t decimales) {
-    return convers_texto_ex(nullptr, valor, ancho, decimales, FALSO, FALSO);
+    return zarn::dup_utf16(zarn::double_a_texto(valor, ancho, decimales, false));
 }
 
 ZARN_API CADENA_u zarnfxml_double_a_texto_sin_decimales_si_no_tiene(double valor, uint32_t ancho,
                                                                     uint32_t decimales) {
-    return convers_texto_ex(nullptr, valor, ancho, decimales, CIERTO, FALSO);
+    return zarn::dup_utf16(zarn::double_a_texto(valor, ancho, decimales, true));
 }
 
 ZARN_API CADENA_u zarnfxml_doubles_a_texto_sin_decimales_si_no_tiene(ArrDouble valores,

@@ -71,7 +71,7 @@ void i_texto_propiedades(std::string &l, ArrPuntero propiedades, int32_t tipo) {
 }
 
 void i_destruye_propiedades(ArrPuntero *propiedades) {
-    arr_DestruyeEstructurasConTipo(propiedades, i_destruye_propiedad_void);
+    i_arr_DestruyeEstructurasConTipo(propiedades, i_destruye_propiedad_void);
 }
 
 // The block start or self-closing block of a list, which it consumes.
@@ -95,6 +95,23 @@ void i_graba_bloque_con_propiedades(zarnfxml_t *handle, const char *etiqueta,
 }
 
 } // namespace
+
+void i_graba_inicio_bloque_propiedad1(zarnfxml_t *xml, const char *etiqueta, const char *texto1,
+                                      const char *dato1) {
+    i_graba_con_propiedades_fijas<char>(xml, etiqueta, {{texto1, dato1}}, true);
+}
+
+void i_graba_inicio_bloque_propiedad2(zarnfxml_t *xml, const char *etiqueta, const char *texto1,
+                                      const char *dato1, const char *texto2, const char *dato2) {
+    i_graba_con_propiedades_fijas<char>(xml, etiqueta, {{texto1, dato1}, {texto2, dato2}}, true);
+}
+
+void i_graba_inicio_bloque_propiedad3(zarnfxml_t *xml, const char *etiqueta, const char *texto1,
+                                      const char *dato1, const char *texto2, const char *dato2,
+                                      const char *texto3, const char *dato3) {
+    i_graba_con_propiedades_fijas<char>(xml, etiqueta,
+                                        {{texto1, dato1}, {texto2, dato2}, {texto3, dato3}}, true);
+}
 
 extern "C" {
 
@@ -123,7 +140,7 @@ ZARN_API void zarnfxml_append_propiedad_bool(zarnfxml_t *handle, const char *tex
 
 ZARN_API void zarnfxml_graba_inicio_bloque_propiedad1(zarnfxml_t *xml, const char *etiqueta,
                                                       const char *texto1, const char *dato1) {
-    i_graba_con_propiedades_fijas<char>(xml, etiqueta, {{texto1, dato1}}, true);
+    i_graba_inicio_bloque_propiedad1(xml, etiqueta, texto1, dato1);
 }
 
 ZARN_API void zarnfxml_graba_inicio_bloque_propiedad1_u(zarnfxml_t *xml, const char *etiqueta,
@@ -134,15 +151,14 @@ ZARN_API void zarnfxml_graba_inicio_bloque_propiedad1_u(zarnfxml_t *xml, const c
 ZARN_API void zarnfxml_graba_inicio_bloque_propiedad2(zarnfxml_t *xml, const char *etiqueta,
                                                       const char *texto1, const char *dato1,
                                                       const char *texto2, const char *dato2) {
-    i_graba_con_propiedades_fijas<char>(xml, etiqueta, {{texto1, dato1}, {texto2, dato2}}, true);
+    i_graba_inicio_bloque_propiedad2(xml, etiqueta, texto1, dato1, texto2, dato2);
 }
 
 ZARN_API void zarnfxml_graba_inicio_bloque_propiedad3(zarnfxml_t *xml, const char *etiqueta,
                                                       const char *texto1, const char *dato1,
                                                       const char *texto2, const char *dato2,
                                                       const char *texto3, const char *dato3) {
-    i_graba_con_propiedades_fijas<char>(xml, etiqueta,
-                                        {{texto1, dato1}, {texto2, dato2}, {texto3, dato3}}, true);
+    i_graba_inicio_bloque_propiedad3(xml, etiqueta, texto1, dato1, texto2, dato2, texto3, dato3);
 }
 
 ZARN_API void zarnfxml_graba_inicio_bloque_propiedad3_u(zarnfxml_t *xml, const char *etiqueta,
@@ -178,10 +194,10 @@ ZARN_API void zarnfxml_graba_inicio_bloque_propiedad1_ex(zarnfxml_t *xml, const 
                                                          const char *texto_propiedad,
                                                          const char *dato_propiedad) {
     if (con_propiedad == CIERTO)
-        zarnfxml_graba_inicio_bloque_propiedad1(xml, etiqueta_con_propiedad, texto_propiedad,
-                                                dato_propiedad);
+        i_graba_inicio_bloque_propiedad1(xml, etiqueta_con_propiedad, texto_propiedad,
+                                         dato_propiedad);
     else
-        zarnfxml_graba_inicio_bloque(xml, etiqueta);
+        i_graba_inicio_bloque(xml, etiqueta);
 }
 
 ZARN_API void zarnfxml_graba_inicio_bloque_con_propiedades(zarnfxml_t *xml, const char *etiqueta,

@@ -57,7 +57,7 @@ public:
     Lexico(i_xml_lectura &xml, int32_t tipo_codificacion)
         : x_(xml), lin_(xml.ind_linea), col_(xml.ind_columna), tipo_(tipo_codificacion) {}
 
-    void lee(zarnfxml_pieza_t &pieza);
+    void lee(i_pieza_t &pieza);
 
 private:
     const char *pos() const { return linea_ + col_; }
@@ -101,12 +101,12 @@ private:
     bool lee_texto(std::string &acumulado, uint8_t fin, char union_lineas);
     void lee_dato(std::string &dato);
     bool lee_dato_propiedad(i_dato_t &valor);
-    void lee_propiedades(zarnfxml_pieza_t &pieza);
-    void lee_definicion(zarnfxml_pieza_t &pieza);
-    void lee_fin_bloque(zarnfxml_pieza_t &pieza);
-    void lee_inicio_bloque(zarnfxml_pieza_t &pieza);
-    void lee_cdata(zarnfxml_pieza_t &pieza);
-    void error(zarnfxml_pieza_t &pieza, const char *texto_error, const char *detalle1,
+    void lee_propiedades(i_pieza_t &pieza);
+    void lee_definicion(i_pieza_t &pieza);
+    void lee_fin_bloque(i_pieza_t &pieza);
+    void lee_inicio_bloque(i_pieza_t &pieza);
+    void lee_cdata(i_pieza_t &pieza);
+    void error(i_pieza_t &pieza, const char *texto_error, const char *detalle1,
                const char *detalle2);
 
     i_xml_lectura &x_;
@@ -117,7 +117,7 @@ private:
     zybool fin_ = FALSO;
 };
 
-void Lexico::error(zarnfxml_pieza_t &pieza, const char *texto_error, const char *detalle1,
+void Lexico::error(i_pieza_t &pieza, const char *texto_error, const char *detalle1,
                    const char *detalle2) {
     pieza.reinicia(i_PIEZA_ERROR, i_SIN_NIVEL);
     pieza.mensaje_error = i_mensaje_error(texto_error, detalle1, detalle2, lin_, col_);
@@ -259,7 +259,7 @@ bool Lexico::lee_dato_propiedad(i_dato_t &valor) {
 
 // The properties of a tag, up to "/", "?" or ">". A property without a quoted value, or any
 // stray byte, turns the piece into an error that names what was read as the name.
-void Lexico::lee_propiedades(zarnfxml_pieza_t &pieza) {
+void Lexico::lee_propiedades(i_pieza_t &pieza) {
     for (;;) {
         const char c = byte();
         if (c == '/' || c == '?' || c == '>')
@@ -283,7 +283,7 @@ void Lexico::lee_propiedades(zarnfxml_pieza_t &pieza) {
 }
 
 // "<?": the declaration "<?xml ...?>" or another definition, "<?name text?>".
-void Lexico::lee_definicion(zarnfxml_pieza_t &pieza) {
+void Lexico::lee_definicion(i_pieza_t &pieza) {
     avanza(2);
     const std::string_view nombre = lee_nombre();
     if (zarn::iguales_may_o_min(nombre, std::string_view("xml"))) {
@@ -311,7 +311,7 @@ void Lexico::lee_definicion(zarnfxml_pieza_t &pieza) {
 }
 
 // "</": an end tag, checked against the innermost open tag.
-void Lexico::lee_fin_bloque(zarnfxml_pieza_t &pieza) {
+void Lexico::lee_fin_bloque(i_pieza_t &pieza) {
     avanza(2);
     std::string_view nombre = lee_nombre();
     if (byte() != '>') {
@@ -337,7 +337,7 @@ void Lexico::lee_fin_bloque(zarnfxml_pieza_t &pieza) {
 }
 
 // "<": a start tag, or a self-closing one. Its tag is pushed; a self-closing one pops it again.
-void Lexico::lee_inicio_bloque(zarnfxml_pieza_t &pieza) {
+void Lexico::lee_inicio_bloque(i_pieza_t &pieza) {
     avanza(1);
     const std::string_view nombre = lee_nombre();
     pieza.reinicia(i_PIEZA_INICIO_BLOQUE, static_cast<uint32_t>(x_.etiquetas_abiertas.size()));
@@ -351,7 +351,7 @@ void Lexico::lee_inicio_bloque(zarnfxml_pieza_t &pieza) {
         avanza(2);
         const zybool desapila =
             i_desapila_etiqueta(x_.etiquetas_abiertas, pieza.etiqueta, nullptr, nullptr);
-        ZARN_ASSERT_TEXTO(desapila == CIERTO, "desapila == CIERTO", ORIGEN_STREAMING);
+        ZARN_ASSERT(desapila == CIERTO, ORIGEN_STREAMING);
         pieza.tipo_pieza = i_PIEZA_INICIO_Y_FIN_BLOQUE;
         return;
     }
@@ -363,7 +363,7 @@ void Lexico::lee_inicio_bloque(zarnfxml_pieza_t &pieza) {
 }
 
 // The inside of "<![CDATA[" ... "]]>", its lines joined by line feeds as they stand.
-void Lexico::lee_cdata(zarnfxml_pieza_t &pieza) {
+void Lexico::lee_cdata(i_pieza_t &pieza) {
     pieza.reinicia(i_PIEZA_DATO, static_cast<uint32_t>(x_.etiquetas_abiertas.size()));
     std::string &texto = pieza.dato.bruto();
     dame(lin_);
@@ -393,7 +393,7 @@ void Lexico::lee_cdata(zarnfxml_pieza_t &pieza) {
     avanza(3);
 }
 
-void Lexico::lee(zarnfxml_pieza_t &pieza) {
+void Lexico::lee(i_pieza_t &pieza) {
     // The full skip, which fetches the line first: the lexer is new for each piece.
     salta_blancos_lento(true, false, nullptr);
     const char *s = pos();
@@ -466,9 +466,9 @@ std::string i_mensaje_error(const char *texto_error, const char *detalle1, const
     return m;
 }
 
-zarnfxml_pieza_t &i_lee_pieza(i_xml_lectura *xml) {
+i_pieza_t &i_lee_pieza(i_xml_lectura *xml) {
     ZARN_ASSERT_NO_NULL(xml, ORIGEN_STREAMING);
-    zarnfxml_pieza_t &pieza = xml->piezas[xml->cursor % i_NUM_PIEZAS];
+    i_pieza_t &pieza = xml->piezas[xml->cursor % i_NUM_PIEZAS];
     if (xml->cursor == xml->producidas) {
         Lexico(*xml, xml->conf->tipo_codificacion).lee(pieza);
         ++xml->producidas;
@@ -480,9 +480,7 @@ zarnfxml_pieza_t &i_lee_pieza(i_xml_lectura *xml) {
 void i_devuelve_pieza(i_xml_lectura *xml) {
     ZARN_ASSERT_NO_NULL(xml, ORIGEN_STREAMING);
     // The current piece and those given back must stay in the ring while the next are lexed.
-    ZARN_ASSERT_TEXTO(xml->cursor > 0 && xml->num_pendientes() + 2 < i_NUM_PIEZAS,
-                      "xml->cursor > 0 && xml->num_pendientes() + 2 < i_NUM_PIEZAS",
-                      ORIGEN_STREAMING);
+    ZARN_ASSERT(xml->cursor > 0 && xml->num_pendientes() + 2 < i_NUM_PIEZAS, ORIGEN_STREAMING);
     --xml->cursor;
 }
 

@@ -10,32 +10,20 @@ namespace {
 
 constexpr const char *ORIGEN = zarn::ORIGEN_ARBOL;
 
-struct destruye_nodo {
-    void operator()(zarnxml_nodo_t *nodo) const { zarnxml_destruye(&nodo); }
-};
-using nodo_ptr = std::unique_ptr<zarnxml_nodo_t, destruye_nodo>;
-
 // An array of found nodes; the nodes stay the tree's.
-struct destruye_nodos {
-    void operator()(ArrPuntero nodos) const { zarnxml_destruye_array_const_nodos(&nodos); }
-};
-using nodos_ptr = std::unique_ptr<ArrPuntero_s, destruye_nodos>;
-
-inline zybool zb(bool b) {
-    return b ? CIERTO : FALSO;
-}
+using nodos_ptr = zarn::ArrPropio<ArrPuntero_s>;
 
 // The one child etiqueta of the node where the reader stands, or null.
 const zarnxml_nodo_t *hijo(const zarnxml_lectura_t *xml, const char *etiqueta) {
     ZARN_ASSERT_NO_NULL(xml, ORIGEN);
     const zarnxml_nodo_t *nodo_hijo = nullptr;
-    return zarnxml_existe_nodo(xml->nodo_actual, etiqueta, &nodo_hijo) ? nodo_hijo : nullptr;
+    return i_existe_nodo(xml->nodo_actual, etiqueta, &nodo_hijo) ? nodo_hijo : nullptr;
 }
 
 // Every child etiqueta of nodo, or null when there is none.
 nodos_ptr hijos(const zarnxml_nodo_t *nodo, const char *etiqueta) {
     ArrPuntero nodos = nullptr;
-    zarnxml_existen_nodos(nodo, etiqueta, &nodos);
+    i_existen_nodos(nodo, etiqueta, &nodos);
     return nodos_ptr(nodos);
 }
 
@@ -56,7 +44,7 @@ void desapila_nodo(zarnxml_lectura_t *xml) {
 
 // Leaves the node that an operation opened; the caller's function must have closed all else.
 void desapila_nodo_actual(zarnxml_lectura_t *xml, const zarnxml_nodo_t *nodo) {
-    ZARN_ASSERT_TEXTO(xml->nodo_actual == nodo, "xml->nodo_actual == nodo", ORIGEN);
+    ZARN_ASSERT(xml->nodo_actual == nodo, ORIGEN);
     desapila_nodo(xml);
 }
 
@@ -98,8 +86,7 @@ ArrDouble doubles_de_nodos(const ArrPuntero_s *nodos) {
     if (nodos) {
         valores->v.reserve(nodos->v.size());
         for (const void *nodo : nodos->v)
-            valores->v.push_back(
-                zarnxml_get_dato_double(static_cast<const zarnxml_nodo_t *>(nodo)));
+            valores->v.push_back(i_get_dato_double(static_cast<const zarnxml_nodo_t *>(nodo)));
     }
     return valores.release();
 }
@@ -120,13 +107,34 @@ ArrPuntero lee_nodos(const ArrPuntero_s *nodos, func_lee_nodo_xml func) {
 zarnxml_lectura_t *i_crea_lectura_de_arbol(zarnxml_nodo_t **xml_raiz) {
     ZARN_ASSERT_NO_NULL(xml_raiz, ORIGEN);
     ZARN_ASSERT_NO_NULL(*xml_raiz, ORIGEN);
-    nodo_ptr nodo_vacio(i_crea_nodo_vacio((*xml_raiz)->configuracion));
+    i_nodo_propio nodo_vacio(i_crea_nodo_vacio((*xml_raiz)->configuracion));
     auto xml = std::make_unique<zarnxml_lectura_t>();
     xml->xml_raiz = std::exchange(*xml_raiz, nullptr);
     xml->nodo_vacio = nodo_vacio.release();
     xml->nodo_actual = nullptr;
     xml->dentro_de_bloque = FALSO;
     return xml.release();
+}
+
+ArrPuntero i_nousar_lee_arr_punterosST(zarnxml_lectura_t *xml, const char *etiqueta,
+                                       func_lee_xml func_item, func_lee_xml_1extra func_item_1extra,
+                                       void *extra) {
+    ZARN_ASSERT_NO_NULL(xml, ORIGEN);
+    return lee_items(xml, hijos(xml->nodo_actual, etiqueta).get(), func_item, func_item_1extra,
+                     extra);
+}
+
+ArrPuntero i_nousar_lee_arr_punterosST_ConPropiedadFija(zarnxml_lectura_t *xml,
+                                                        const char *etiqueta,
+                                                        const char *texto_propiedad,
+                                                        const char16_t *dato_propiedad,
+                                                        func_lee_xml func_item) {
+    ZARN_ASSERT_NO_NULL(xml, ORIGEN);
+    ZARN_ASSERT_TEXTO(func_item != nullptr, "(func_lee_xml_item) != NULL", ORIGEN);
+    ArrPuntero encontrados = nullptr;
+    i_existe_nodos_ex(xml->nodo_actual, etiqueta, texto_propiedad, dato_propiedad, &encontrados);
+    const nodos_ptr nodos(encontrados);
+    return lee_items(xml, nodos.get(), func_item, nullptr, nullptr);
 }
 
 extern "C" {
@@ -138,8 +146,8 @@ ZARN_API zarnxml_lectura_t *zarnxml_crea_para_lectura_de_fichero_u(const char16_
                                                                    const char *texto_false,
                                                                    zybool *hay_error,
                                                                    CADENA *mensaje_error) {
-    zarnxml_nodo_t *raiz = zarnxml_crea_de_fichero_u(nombre_fichero, texto_true, texto_false,
-                                                     hay_error, mensaje_error);
+    zarnxml_nodo_t *raiz =
+        i_crea_de_fichero_u(nombre_fichero, texto_true, texto_false, hay_error, mensaje_error);
     return i_crea_lectura_de_arbol(&raiz);
 }
 
@@ -147,8 +155,8 @@ ZARN_API void zarnxml_destruye_xml_lectura(zarnxml_lectura_t **xml_lectura) {
     ZARN_ASSERT_NO_NULL(xml_lectura, ORIGEN);
     ZARN_ASSERT_NO_NULL(*xml_lectura, ORIGEN);
     std::unique_ptr<zarnxml_lectura_t> xml(std::exchange(*xml_lectura, nullptr));
-    zarnxml_destruye(&xml->xml_raiz);
-    zarnxml_destruye(&xml->nodo_vacio);
+    i_destruye_nodo(std::exchange(xml->xml_raiz, nullptr));
+    i_destruye_nodo(std::exchange(xml->nodo_vacio, nullptr));
 }
 
 // ---- Blocks ----------------------------------------------------------------------------------
@@ -173,46 +181,46 @@ ZARN_API void zarnxml_lee_fin_bloque(zarnxml_lectura_t *xml) {
 
 ZARN_API zybool zarnxml_lee_bool(zarnxml_lectura_t *xml, const char *etiqueta) {
     const zarnxml_nodo_t *nodo = hijo(xml, etiqueta);
-    return nodo ? zarnxml_get_dato_bool(nodo) : FALSO;
+    return nodo ? i_get_dato_bool(nodo) : FALSO;
 }
 
 ZARN_API zybool zarnxml_lee_bool_opcional(zarnxml_lectura_t *xml, const char *etiqueta,
                                           zybool valor_defecto) {
     const zarnxml_nodo_t *nodo = hijo(xml, etiqueta);
-    return nodo ? zarnxml_get_dato_bool(nodo) : valor_defecto;
+    return nodo ? i_get_dato_bool(nodo) : valor_defecto;
 }
 
 ZARN_API int32_t zarnxml_lee_long(zarnxml_lectura_t *xml, const char *etiqueta) {
     const zarnxml_nodo_t *nodo = hijo(xml, etiqueta);
-    return nodo ? zarnxml_get_dato_long(nodo) : 0;
+    return nodo ? i_get_dato_long(nodo) : 0;
 }
 
 ZARN_API int32_t zarnxml_lee_long_opcional(zarnxml_lectura_t *xml, const char *etiqueta,
                                            int32_t valor_defecto) {
     const zarnxml_nodo_t *nodo = hijo(xml, etiqueta);
-    return nodo ? zarnxml_get_dato_long(nodo) : valor_defecto;
+    return nodo ? i_get_dato_long(nodo) : valor_defecto;
 }
 
 ZARN_API uint32_t zarnxml_lee_ulong(zarnxml_lectura_t *xml, const char *etiqueta) {
     const zarnxml_nodo_t *nodo = hijo(xml, etiqueta);
-    return nodo ? zarnxml_get_dato_ulong(nodo) : 0;
+    return nodo ? i_get_dato_ulong(nodo) : 0;
 }
 
 ZARN_API uint32_t zarnxml_lee_ulong_con_ulong_max_cero(zarnxml_lectura_t *xml,
                                                        const char *etiqueta) {
     const zarnxml_nodo_t *nodo = hijo(xml, etiqueta);
-    const uint32_t v = nodo ? zarnxml_get_dato_ulong(nodo) : 0;
+    const uint32_t v = nodo ? i_get_dato_ulong(nodo) : 0;
     return v == 0 ? 0xFFFFFFFFu : v - 1;
 }
 
 ZARN_API double zarnxml_lee_double(zarnxml_lectura_t *xml, const char *etiqueta) {
     const zarnxml_nodo_t *nodo = hijo(xml, etiqueta);
-    return nodo ? zarnxml_get_dato_double(nodo) : 0.0;
+    return nodo ? i_get_dato_double(nodo) : 0.0;
 }
 
 ZARN_API CADENA zarnxml_lee_cadena(zarnxml_lectura_t *xml, const char *etiqueta) {
     const zarnxml_nodo_t *nodo = hijo(xml, etiqueta);
-    return nodo ? zarnxml_get_dato_cadena(nodo) : zarn::dup("");
+    return nodo ? i_get_dato_cadena(nodo) : zarn::dup("");
 }
 
 ZARN_API CADENA_u zarnxml_lee_cadena_u(zarnxml_lectura_t *xml, const char *etiqueta) {
@@ -223,8 +231,8 @@ ZARN_API CADENA_u zarnxml_lee_cadena_u(zarnxml_lectura_t *xml, const char *etiqu
 ZARN_API zybool zarnxml_se_lee_double(zarnxml_lectura_t *xml, const char *etiqueta, double *valor) {
     const zarnxml_nodo_t *nodo = hijo(xml, etiqueta);
     if (nodo && valor)
-        *valor = zarnxml_get_dato_double(nodo);
-    return zb(nodo != nullptr);
+        *valor = i_get_dato_double(nodo);
+    return zarn::zb(nodo != nullptr);
 }
 
 ZARN_API zybool zarnxml_se_lee_cadena_u(zarnxml_lectura_t *xml, const char *etiqueta,
@@ -232,7 +240,7 @@ ZARN_API zybool zarnxml_se_lee_cadena_u(zarnxml_lectura_t *xml, const char *etiq
     const zarnxml_nodo_t *nodo = hijo(xml, etiqueta);
     if (dato)
         *dato = nodo ? zarn::dup_u(i_dato(nodo)) : nullptr;
-    return zb(nodo != nullptr);
+    return zarn::zb(nodo != nullptr);
 }
 
 // ---- Numbered arrays of doubles --------------------------------------------------------------
@@ -244,19 +252,19 @@ ZARN_API ArrDouble zarnxml_lee_arr_double_numerados(zarnxml_lectura_t *xml, cons
     case ZARNFXML_NUMERACION_ARRAY_NINGUNA: {
         const zarnxml_nodo_t *nodo = hijo(xml, etiqueta);
         return nodo ? i_lista_double(i_dato(nodo), nodo->configuracion->separador_items)
-                    : arr_CreaDouble(0);
+                    : i_arr_CreaDouble(0);
     }
     case ZARNFXML_NUMERACION_ARRAY_BLOQUE_LINEAS: {
         // One number to a line; the blanks around it are indentation of a literal datum.
         const zarnxml_nodo_t *nodo = hijo(xml, etiqueta);
-        return nodo ? i_lista_double(i_dato(nodo), u"\n\r\t ") : arr_CreaDouble(0);
+        return nodo ? i_lista_double(i_dato(nodo), u"\n\r\t ") : i_arr_CreaDouble(0);
     }
     case ZARNFXML_NUMERACION_ARRAY_BLOQUE_CAMPOS:
     case ZARNFXML_NUMERACION_ARRAY_BLOQUE_DESDE_0:
     case ZARNFXML_NUMERACION_ARRAY_BLOQUE_DESDE_1: {
         const zarnxml_nodo_t *bloque = hijo(xml, etiqueta);
         if (!bloque)
-            return arr_CreaDouble(0);
+            return i_arr_CreaDouble(0);
         apila_nodo(xml, bloque, CIERTO);
         ArrDouble valores = doubles_de_nodos(hijos(bloque, etiqueta).get());
         desapila_nodo_actual(xml, bloque);
@@ -284,21 +292,14 @@ ZARN_API ArrPuntero zarnxml_nousar_lee_arr_punterosST(zarnxml_lectura_t *xml, co
                                                       func_lee_xml func_item,
                                                       func_lee_xml_1extra func_item_1extra,
                                                       void *extra) {
-    ZARN_ASSERT_NO_NULL(xml, ORIGEN);
-    return lee_items(xml, hijos(xml->nodo_actual, etiqueta).get(), func_item, func_item_1extra,
-                     extra);
+    return i_nousar_lee_arr_punterosST(xml, etiqueta, func_item, func_item_1extra, extra);
 }
 
 ZARN_API ArrPuntero zarnxml_nousar_lee_arr_punterosST_ConPropiedadFija(
     zarnxml_lectura_t *xml, const char *etiqueta, const char *texto_propiedad,
     const char16_t *dato_propiedad, func_lee_xml func_item) {
-    ZARN_ASSERT_NO_NULL(xml, ORIGEN);
-    ZARN_ASSERT_TEXTO(func_item != nullptr, "(func_lee_xml_item) != NULL", ORIGEN);
-    ArrPuntero encontrados = nullptr;
-    zarnxml_existe_nodos_ex(xml->nodo_actual, etiqueta, texto_propiedad, dato_propiedad,
-                            &encontrados);
-    const nodos_ptr nodos(encontrados);
-    return lee_items(xml, nodos.get(), func_item, nullptr, nullptr);
+    return i_nousar_lee_arr_punterosST_ConPropiedadFija(xml, etiqueta, texto_propiedad,
+                                                        dato_propiedad, func_item);
 }
 
 ZARN_API ArrPuntero zarnxml_nousar_lee_arr_punterosST_ConPropiedadFija_Ex(
@@ -306,9 +307,9 @@ ZARN_API ArrPuntero zarnxml_nousar_lee_arr_punterosST_ConPropiedadFija_Ex(
     const char *etiqueta_propiedad_fija, const char *texto_propiedad,
     const char16_t *dato_propiedad, func_lee_xml func_item) {
     if (con_propiedad_fija)
-        return zarnxml_nousar_lee_arr_punterosST_ConPropiedadFija(
+        return i_nousar_lee_arr_punterosST_ConPropiedadFija(
             xml, etiqueta_propiedad_fija, texto_propiedad, dato_propiedad, func_item);
-    return zarnxml_nousar_lee_arr_punterosST(xml, etiqueta, func_item, nullptr, nullptr);
+    return i_nousar_lee_arr_punterosST(xml, etiqueta, func_item, nullptr, nullptr);
 }
 
 // ---- Structures from a node ------------------------------------------------------------------
@@ -317,7 +318,7 @@ ZARN_API void *zarnxml_nousar_lee_dato_estructura(const zarnxml_nodo_t *nodo, co
                                                   func_lee_nodo_xml func) {
     ZARN_ASSERT_NO_NULL(func, ORIGEN);
     const zarnxml_nodo_t *nodo_hijo = nullptr;
-    return zarnxml_existe_nodo(nodo, etiqueta, &nodo_hijo) ? func(nodo_hijo) : nullptr;
+    return i_existe_nodo(nodo, etiqueta, &nodo_hijo) ? func(nodo_hijo) : nullptr;
 }
 
 ZARN_API ArrPuntero zarnxml_nousar_lee_dato_array_estructura(const zarnxml_nodo_t *nodo,
@@ -333,9 +334,8 @@ ZARN_API ArrPuntero zarnxml_nousar_lee_dato_array_estructura_como_lista(const za
     ZARN_ASSERT_NO_NULL(func, ORIGEN);
     const zarnxml_nodo_t *bloque = nullptr;
     const zarnxml_nodo_t *lista = nullptr;
-    if (!zarnxml_existe_nodo(nodo, etiqueta, &bloque) ||
-        !zarnxml_existe_nodo(bloque, "list", &lista))
-        return arr_CreaPunteroConTipo(0);
+    if (!i_existe_nodo(nodo, etiqueta, &bloque) || !i_existe_nodo(bloque, "list", &lista))
+        return i_arr_CreaPunteroConTipo(0);
     return lee_nodos(hijos(lista, "item").get(), func);
 }
 

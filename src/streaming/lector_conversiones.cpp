@@ -17,54 +17,86 @@ bool contiene_nan(std::string_view s) {
 
 } // namespace
 
-extern "C" {
-
-ZARN_API double zarnfxml_atof(const char *texto) {
+double i_atof(const char *texto) {
     ZARN_ASSERT_NO_NULL(texto, ORIGEN_STREAMING);
     const std::string_view s(texto);
     if (contiene_nan(s))
         return 0.0;
     if (s.find(',') == std::string_view::npos)
-        return cad_atof(texto);
+        return i_cad_atof(texto);
     std::string copia(s);
     std::replace(copia.begin(), copia.end(), ',', '.');
-    return cad_atof(copia.c_str());
+    return i_cad_atof(copia.c_str());
 }
 
-ZARN_API double zarnfxml_atof_u(const char16_t *texto) {
+double i_atof_u(const char16_t *texto) {
     ZARN_ASSERT_NO_NULL(texto, ORIGEN_STREAMING);
     const std::u16string_view s(texto);
     if (zarn::contiene_may_o_min(s, u"NaN"))
         return 0.0;
     if (s.find(u',') == std::u16string_view::npos)
-        return widestr_nousar_atof(texto, ORIGEN_STREAMING, __LINE__);
+        return i_widestr_nousar_atof(texto, ORIGEN_STREAMING, __LINE__);
     std::u16string copia(s);
     std::replace(copia.begin(), copia.end(), u',', u'.');
-    return widestr_nousar_atof(copia.c_str(), ORIGEN_STREAMING, __LINE__);
+    return i_widestr_nousar_atof(copia.c_str(), ORIGEN_STREAMING, __LINE__);
+}
+
+int32_t i_atol(const char *texto) {
+    return i_cambtipo_double_a_long(i_atof(texto));
+}
+
+int32_t i_atol_u(const char16_t *texto) {
+    return i_cambtipo_double_a_long(i_atof_u(texto));
+}
+
+uint32_t i_atoul(const char *texto) {
+    return i_cambtipo_double_a_ulong(i_atof(texto));
+}
+
+uint32_t i_atoul_u(const char16_t *texto) {
+    return i_cambtipo_double_a_ulong(i_atof_u(texto));
+}
+
+uint16_t i_atous(const char *texto) {
+    return i_cambtipo_unsigned_long_a_unsigned_short(i_atoul(texto));
+}
+
+uint16_t i_atous_u(const char16_t *texto) {
+    return i_cambtipo_unsigned_long_a_unsigned_short(i_atoul_u(texto));
+}
+
+extern "C" {
+
+ZARN_API double zarnfxml_atof(const char *texto) {
+    return i_atof(texto);
+}
+
+ZARN_API double zarnfxml_atof_u(const char16_t *texto) {
+    return i_atof_u(texto);
 }
 
 ZARN_API int32_t zarnfxml_atol(const char *texto) {
-    return cambtipo_double_a_long(zarnfxml_atof(texto));
+    return i_atol(texto);
 }
 
 ZARN_API int32_t zarnfxml_atol_u(const char16_t *texto) {
-    return cambtipo_double_a_long(zarnfxml_atof_u(texto));
+    return i_atol_u(texto);
 }
 
 ZARN_API uint32_t zarnfxml_atoul(const char *texto) {
-    return cambtipo_double_a_ulong(zarnfxml_atof(texto));
+    return i_atoul(texto);
 }
 
 ZARN_API uint32_t zarnfxml_atoul_u(const char16_t *texto) {
-    return cambtipo_double_a_ulong(zarnfxml_atof_u(texto));
+    return i_atoul_u(texto);
 }
 
 ZARN_API uint16_t zarnfxml_atous(const char *texto) {
-    return cambtipo_unsigned_long_a_unsigned_short(zarnfxml_atoul(texto));
+    return i_atous(texto);
 }
 
 ZARN_API uint16_t zarnfxml_atous_u(const char16_t *texto) {
-    return cambtipo_unsigned_long_a_unsigned_short(zarnfxml_atoul_u(texto));
+    return i_atous_u(texto);
 }
 
 } // extern "C"

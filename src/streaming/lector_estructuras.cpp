@@ -6,7 +6,6 @@ using zarn::ORIGEN_STREAMING;
 
 namespace {
 
-#define I_ASSERT_FUNC(func, texto) ZARN_ASSERT_TEXTO((func) != nullptr, texto, ORIGEN_STREAMING)
 constexpr const char *FUNC_NO_NULL = "(func_lee_xml_item) != NULL";
 
 zybool i_sigue_elemento(i_xml_lectura *xml, const char *etiqueta, const char *texto_propiedad,
@@ -20,9 +19,9 @@ template <typename F>
 ArrPuntero i_lee_serie(zarnfxml_t *xml, const char *etiqueta, const char *texto_propiedad,
                        const char16_t *dato_propiedad, F &&lee_item) {
     i_xml_lectura *x = I_LECTOR(xml);
-    i_arr_propio<ArrPuntero_s> arr(arr_CreaPunteroConTipo(0));
+    zarn::ArrPropio<ArrPuntero_s> arr(i_arr_CreaPunteroConTipo(0));
     while (i_sigue_elemento(x, etiqueta, texto_propiedad, dato_propiedad))
-        arr_AppendPunteroConTipo(arr.get(), lee_item());
+        i_arr_AppendPunteroConTipo(arr.get(), lee_item());
     return arr.release();
 }
 
@@ -141,9 +140,11 @@ ZARN_API ApunOrde zarnfxml_nousar_lee_apunorde_3extra(zarnfxml_t *xml, const cha
                                                       void *extra2, void *extra3) {
     I_ASSERT_FUNC(func, "(func_lee_xml_item_3extra) != NULL");
     i_xml_lectura *x = I_LECTOR(xml);
-    i_arr_propio<ApunOrde_s> arr(apunorde_nousar_crea(crea1, crea2, crea3));
+    // The creation values are reserved for an order of the caller's choosing, and not read.
+    static_cast<void>(crea1), static_cast<void>(crea2), static_cast<void>(crea3);
+    zarn::ArrPropio<ApunOrde_s> arr(i_apunorde_nousar_crea());
     while (i_sigue_elemento(x, etiqueta, nullptr, nullptr))
-        apunorde_nousar_inserta_original(arr.get(), func(extra1, extra2, extra3, xml), 0);
+        i_apunorde_nousar_inserta_original(arr.get(), func(extra1, extra2, extra3, xml));
     return arr.release();
 }
 

@@ -12,101 +12,15 @@ using zarn::ORIGEN_STREAMING;
 
 namespace {
 
-// The first block read from a file, enough for a small document; a file that fills it is read
-// on in blocks of TAM_BLOQUE, and only a line that does not fit makes the block larger.
-constexpr size_t TAM_INICIAL = size_t{64} << 10;
-constexpr size_t TAM_BLOQUE = size_t{1} << 20;
-// Enough for the longest line, the two bytes of a CR LF behind it, and room to read on.
-constexpr size_t TAM_MAXIMO = size_t{i_MAX_LINEA} + 2 + TAM_BLOQUE;
-
 constexpr const char *LINEA_VACIA = "";
 
 } // namespace
-
-// ---- Lines out of large blocks ---------------------------------------------------------------
-
-i_bloque_lineas::i_bloque_lineas(zarnio_fichero_s &fichero)
-    : fichero_(fichero), buf_(std::make_unique_for_overwrite<char[]>(TAM_INICIAL + 1)),
-      cap_(TAM_INICIAL) {}
-
-void i_bloque_lineas::agranda(size_t nueva) {
-    auto otro = std::make_unique_for_overwrite<char[]>(nueva + 1);
-    std::memcpy(otro.get(), buf_.get() + pos_, fin_ - pos_);
-    fin_ -= pos_;
-    pos_ = 0;
-    buf_ = std::move(otro);
-    cap_ = nueva;
-}
-
-void i_bloque_lineas::lee_mas() {
-    if (fin_ == cap_ && (cap_ < TAM_BLOQUE || pos_ == 0)) {
-        // The first block was full, so the file is a large one; or a line fills the block.
-        agranda(cap_ < TAM_BLOQUE ? TAM_BLOQUE : std::min(cap_ * 2, TAM_MAXIMO));
-    } else if (pos_ > 0) {
-        std::memmove(buf_.get(), buf_.get() + pos_, fin_ - pos_);
-        fin_ -= pos_;
-        pos_ = 0;
-    }
-    const size_t leidos = zarn::lee_bytes(fichero_, buf_.get() + fin_, cap_ - fin_);
-    if (leidos == 0)
-        agotado_ = true;
-    fin_ += leidos;
-}
-
-char *i_bloque_lineas::siguiente() {
-    if (hay_guardado_) {
-        buf_[pos_] = guardado_;
-        hay_guardado_ = false;
-    }
-    constexpr size_t MAX = i_MAX_LINEA;
-    for (;;) {
-        char *linea = buf_.get() + pos_;
-        const size_t hay = fin_ - pos_;
-        // An LF right behind the longest line still ends that line.
-        const size_t tope = std::min(hay, MAX + 1);
-        if (buscado_ < tope) {
-            const auto *lf =
-                static_cast<const char *>(std::memchr(linea + buscado_, '\n', tope - buscado_));
-            if (lf) {
-                const size_t k = static_cast<size_t>(lf - linea);
-                const size_t largo = (k > 0 && linea[k - 1] == '\r') ? k - 1 : k;
-                linea[largo] = '\0';
-                pos_ += k + 1;
-                buscado_ = 0;
-                return linea;
-            }
-            buscado_ = tope;
-        }
-        if (hay > MAX && (hay >= MAX + 2 || agotado_)) {
-            // Too long: cut. A CR LF right behind the cut is the line's end after all.
-            if (hay >= MAX + 2 && linea[MAX] == '\r' && linea[MAX + 1] == '\n') {
-                pos_ += MAX + 2;
-            } else {
-                guardado_ = linea[MAX];
-                hay_guardado_ = true;
-                pos_ += MAX;
-            }
-            linea[MAX] = '\0';
-            buscado_ = 0;
-            return linea;
-        }
-        if (agotado_) {
-            if (hay == 0)
-                return nullptr;
-            linea[hay] = '\0'; // the last line has no line end: the spare byte ends it
-            pos_ = fin_;
-            buscado_ = 0;
-            return linea;
-        }
-        lee_mas();
-    }
-}
 
 // ---- The reader object -----------------------------------------------------------------------
 
 i_fuente_t::~i_fuente_t() {
     if (destruye_lineas && lineas)
-        arr_DestruyeCADENA(&lineas);
+        i_arr_DestruyeCADENA(&lineas);
 }
 
 i_xml_lectura::i_xml_lectura() : zarnfxml_s(i_clase_objeto::lector), conf(i_crea_conf_UTF_8()) {}
@@ -126,17 +40,16 @@ std::unique_ptr<i_xml_lectura> i_crea_para_lectura_de_fichero_u(const char16_t *
     xml->dato_literal = dato_literal;
     i_fuente_t &f = xml->fuente;
     f.tipo_fuente = i_FUENTE_FICHERO;
-    f.fichero_ancho = zarnfile_es_fichero_unicode(nombre_fichero);
+    f.fichero_ancho = i_zarnfile_es_fichero_unicode(nombre_fichero);
     if (f.fichero_ancho) {
         // A UTF-16 file cannot be cut into 8-bit lines as it is read: it is read whole into
         // UTF-8 lines, which the reader owns, and served as a list.
         f.tipo_fuente = i_FUENTE_LINEAS;
-        f.lineas = zarnfxml_lee_lineas_fichero(nombre_fichero);
+        f.lineas = i_lee_lineas_fichero(nombre_fichero);
         f.destruye_lineas = CIERTO;
         return xml;
     }
     f.fichero = zarn::abre(nombre_fichero, "rb", ORIGEN_STREAMING, __LINE__);
-    f.buffer_linea = std::make_unique<i_bloque_lineas>(*f.fichero);
     return xml;
 }
 
@@ -172,7 +85,9 @@ const char *i_dame_linea(i_fuente_t *fuente, uint32_t ind_linea, zybool *alcanza
         break;
     }
     case i_FUENTE_FICHERO: {
-        const char *linea = fuente->buffer_linea->siguiente();
+        // A file source delivers lines of at most ZTXT_MAX_LINEA bytes; a longer one is cut
+        // and the rest comes next.
+        const char *linea = fuente->fichero->lineas.siguiente(*fuente->fichero, ZTXT_MAX_LINEA);
         *alcanzado_final_fichero = linea ? FALSO : CIERTO;
         fuente->linea_actual = linea ? linea : LINEA_VACIA;
         break;
@@ -243,11 +158,10 @@ const std::u16string &i_dato_t::texto() const {
     return texto_;
 }
 
-void i_aplica_definicion_fichero_xml(const zarnfxml_pieza_t *pieza, zarnfxml_conf_t *conf) {
+void i_aplica_definicion_fichero_xml(const i_pieza_t *pieza, i_conf_t *conf) {
     ZARN_ASSERT_NO_NULL(pieza, ORIGEN_STREAMING);
     ZARN_ASSERT_TEXTO(conf != nullptr, "(tipo_codificacion) != NULL", ORIGEN_STREAMING);
-    ZARN_ASSERT_TEXTO(pieza->tipo_pieza == i_PIEZA_DEFINICION_FICHERO_XML,
-                      "pieza->tipo_pieza == i_PIEZA_DEFINICION_FICHERO_XML", ORIGEN_STREAMING);
+    ZARN_ASSERT(pieza->tipo_pieza == i_PIEZA_DEFINICION_FICHERO_XML, ORIGEN_STREAMING);
     for (const i_propiedad_lectura_t &p : pieza->propiedades) {
         if (!zarn::iguales_may_o_min(std::string_view(p.texto_propiedad), "encoding"))
             continue;
@@ -259,6 +173,21 @@ void i_aplica_definicion_fichero_xml(const zarnfxml_pieza_t *pieza, zarnfxml_con
 }
 
 // ---- Public interface ------------------------------------------------------------------------
+
+ArrCADENA i_lee_lineas_fichero(const char16_t *nombre_fichero) {
+    ZARN_ASSERT_NO_NULL(nombre_fichero, ORIGEN_STREAMING);
+    if (i_zarnfile_es_fichero_unicode(nombre_fichero)) {
+        ArrCADENA_u anchas = i_lc_LeeFicheroTxt_unicode(nombre_fichero);
+        ArrCADENA lineas = i_unicode_array_salida_ANSI(anchas);
+        i_arr_DestruyeCADENA_u(&anchas);
+        return lineas;
+    }
+    zarn::Fichero fichero = zarn::abre(nombre_fichero, "rb", ORIGEN_STREAMING, __LINE__);
+    ArrCADENA lineas = i_arr_CreaCADENA(0);
+    while (const char *linea = fichero->lineas.siguiente(*fichero, ZTXT_MAX_LINEA))
+        lineas->v.push_back(zarn::dup(linea));
+    return lineas;
+}
 
 extern "C" {
 
@@ -285,19 +214,7 @@ ZARN_API void zarnfxml_destruye_xml_lectura(zarnfxml_t **xml) {
 }
 
 ZARN_API ArrCADENA zarnfxml_lee_lineas_fichero(const char16_t *nombre_fichero) {
-    ZARN_ASSERT_NO_NULL(nombre_fichero, ORIGEN_STREAMING);
-    if (zarnfile_es_fichero_unicode(nombre_fichero)) {
-        ArrCADENA_u anchas = lc_LeeFicheroTxt_unicode(nombre_fichero);
-        ArrCADENA lineas = unicode_array_salida_ANSI(anchas);
-        arr_DestruyeCADENA_u(&anchas);
-        return lineas;
-    }
-    zarn::Fichero fichero = zarn::abre(nombre_fichero, "rb", ORIGEN_STREAMING, __LINE__);
-    i_bloque_lineas bloque(*fichero);
-    ArrCADENA lineas = arr_CreaCADENA(0);
-    while (const char *linea = bloque.siguiente())
-        lineas->v.push_back(zarn::dup(linea));
-    return lineas;
+    return i_lee_lineas_fichero(nombre_fichero);
 }
 
 } // extern "C"

@@ -1,6 +1,8 @@
 // Document assembly and text output: joining writers, the text of a writer, files of text.
 #include "streaming/escritor.hpp"
 
+#include "services/ficheros.hpp"
+
 using zarn::ORIGEN_STREAMING;
 
 extern "C" {
@@ -19,7 +21,8 @@ ZARN_API void zarnfxml_concatena(zarnfxml_t *xml, zarnfxml_t *xml_anadir) {
     ZARN_ASSERT_NO_NULL(xml_anadir, ORIGEN_STREAMING);
     i_xml_escritura *anadir = I_ESCRITOR(xml_anadir);
     ZARN_ASSERT_TEXTO(anadir->etiquetas_abiertas.empty(),
-                      "arr_NumElemsCADENA(xml_anadir->etiquetas_abiertas) == 0", ORIGEN_STREAMING);
+                      "arr_NumElemsCADENA(xml_anadir->etiquetas_abiertas) == 0",
+                      ORIGEN_STREAMING);
     // Line by line, as zarnfxml_concatena_codigo_xml does; xml_anadir may be xml itself.
     i_xml_escritura *destino = I_ESCRITOR(xml);
     anadir->lineas.recorre(anadir->lineas.size(),
@@ -49,9 +52,9 @@ ZARN_API CADENA zarnfxml_xml_escritura_a_char(zarnfxml_t *handle, zybool con_cab
 
 ZARN_API void zarnfxml_escr_fichero_xml_string(const char *texto, const char16_t *nombre_fichero) {
     zarnio_fichero_t *fichero =
-        f_lc_fopen_u(nombre_fichero, u"wb", ORIGEN_STREAMING, static_cast<uint32_t>(__LINE__));
-    ztxt_escr_string_sin_salto_de_linea(texto, fichero);
-    lc_fclose_al_final(&fichero);
+        i_f_lc_fopen_u(nombre_fichero, u"wb", ORIGEN_STREAMING, static_cast<uint32_t>(__LINE__));
+    i_ztxt_escr_string_sin_salto_de_linea(texto, fichero);
+    i_lc_fclose_al_final(&fichero);
 }
 
 ZARN_API void zarnfxml_append_a_fichero_salida_para_test(zarnfxml_t *xml,
