@@ -13,26 +13,7 @@
 
 namespace {
 
-struct Arbol {
-    zarnxml_nodo_t *raiz;
-    Arbol(const std::string &texto, const char *verdad, const char *falso) {
-        ArrCADENA lineas = cad_obten_lista_lineas(texto.c_str());
-        zybool hay_error = CIERTO;
-        raiz = zarnxml_crea_de_lineas(&lineas, verdad, falso, &hay_error, nullptr);
-        EXPECT_EQ(hay_error, FALSO) << texto;
-    }
-    Arbol(const Arbol &) = delete;
-    ~Arbol() { zarnxml_destruye(&raiz); }
-};
-
 using Nodo = const zarnxml_nodo_t *;
-
-std::string u8(const char *s) {
-    return s ? s : "<null>";
-}
-std::string u8(const char16_t *s) {
-    return s ? zarn::utf16_a_utf8(s) : "<null>";
-}
 // A truth value: Y or N.
 std::string zb(zybool b) {
     return b ? "Y" : "N";
@@ -250,6 +231,8 @@ TEST(ArbolAccesores, Propiedades) {
     EXPECT_EQ(prop(zarnxml_existe_propiedad_bool, zybool(42), "c"), "N 42");
     EXPECT_EQ(prop(zarnxml_existe_propiedad_double, 42.0, "z"), "N 42");
     EXPECT_EQ(zarnxml_existe_propiedad_cadena_u(r, "nombre", nullptr), CIERTO);
+    EXPECT_EQ(u8(zarnxml_propiedad(r, 6)->dato_propiedad), "99");
+    EXPECT_EQ(COND(zarnxml_propiedad(r, 7)), "ind < num_propiedades");
 }
 
 } // namespace

@@ -87,6 +87,12 @@ TEST(Fuente, UnFicheroUtf16LlegaComoLineasUtf8) {
     auto xml = i_crea_para_lectura_de_fichero_u(dir.u("w.xml").c_str(), FALSO);
     EXPECT_EQ(xml->fuente.fichero_ancho, CIERTO);
     EXPECT_EQ(piezas_de(xml.get()), V({"2:0:a", "4:1:'\u00e9\u20ac'", "5:0:/a", "3:0:b", "6:-:"}));
+    // The public reader over the 8-bit path, which is UTF-8, of a name outside ASCII.
+    std::filesystem::rename(dir / "w.xml", dir / "\u00f1\u20ac.xml");
+    zarnfxml_t *r =
+        zarnfxml_crea_para_lectura_de_fichero((dir.ruta.string() + "/\u00f1\u20ac.xml").c_str());
+    EXPECT_EQ(toma(zarnfxml_lee_cadena(r, "a")), "\u00e9\u20ac");
+    zarnfxml_destruye_xml_lectura(&r);
 }
 
 // A file that does not open, and a writer destroyed as a reader, are internal errors.
