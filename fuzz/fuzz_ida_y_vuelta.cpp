@@ -23,14 +23,18 @@ constexpr size_t MAX_PROFUNDIDAD = 40;
 
 struct Perfil {
     const char *nombre;
+    zarnfxml_t *(*crea)();
     bool iso;
     const char *verdad, *falso;
 };
-const Perfil PERFILES[] = {{"ISO_8859_1", true, "1", "0"},
-                           {"UTF_8", false, "1", "0"},
-                           {"UTF_8_androidstudio", false, "true", "false"},
-                           {"UTF_8_codificando_comillas_cadena", false, "True", "False"},
-                           {"UTF_8_indenta_con_espacios", false, "1", "0"}};
+const Perfil PERFILES[] = {{"ISO_8859_1", zarnfxml_crea_para_escritura_ISO_8859_1, true, "1", "0"},
+                           {"UTF_8", zarnfxml_crea_para_escritura_UTF_8, false, "1", "0"},
+                           {"UTF_8_androidstudio", zarnfxml_crea_para_escritura_UTF_8_androidstudio,
+                            false, "true", "false"},
+                           {"UTF_8_codificando_comillas_cadena",
+                            zarnfxml_crea_para_escritura_UTF_8_codificando_comillas_cadena, false,
+                            "True", "False"},
+                           {"UTF_8_indenta_con_espacios", nullptr, false, "1", "0"}};
 
 enum class Clase { Bloque, Texto, Long, ULong, Double, Bool, Fichmem };
 
@@ -370,21 +374,6 @@ zarnxml_nodo_t *arbol(ArrCADENA lineas, const char16_t *ruta, const Perfil &p, c
     return raiz;
 }
 
-zarnfxml_t *crea_escritor(uint8_t perfil, uint32_t espacios) {
-    switch (perfil) {
-    case 0:
-        return zarnfxml_crea_para_escritura_ISO_8859_1();
-    case 1:
-        return zarnfxml_crea_para_escritura_UTF_8();
-    case 2:
-        return zarnfxml_crea_para_escritura_UTF_8_androidstudio();
-    case 3:
-        return zarnfxml_crea_para_escritura_UTF_8_codificando_comillas_cadena();
-    default:
-        return zarnfxml_crea_para_escritura_UTF_8_indenta_con_espacios(espacios);
-    }
-}
-
 } // namespace
 
 extern "C" int LLVMFuzzerTestOneInput(const uint8_t *datos, size_t tamanyo) {
@@ -392,7 +381,9 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t *datos, size_t tamanyo) {
     fuzz::Entrada entrada(datos, tamanyo);
     const uint8_t perfil = entrada.byte() % 5;
     const Perfil &p = PERFILES[perfil];
-    zarnfxml_t *w = crea_escritor(perfil, perfil == 4 ? entrada.byte() % 9 : 0);
+    zarnfxml_t *w =
+        p.crea ? p.crea()
+               : zarnfxml_crea_para_escritura_UTF_8_indenta_con_espacios(entrada.byte() % 9);
     const std::vector<Elemento> els = Escritura(entrada, p, w).escribe();
     fuzz::Cadena texto(zarnfxml_xml_escritura_a_char(w, CIERTO));
     zarnfxml_destruye_xml_escritura(&w);
