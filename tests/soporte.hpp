@@ -57,10 +57,10 @@ inline std::string u8(const char16_t *s) {
 inline std::string u8(const char *s) {
     return s ? s : "<null>";
 }
-// A heap text taken over: its contents, freed.
-inline std::string toma(CADENA c) {
-    std::string s = u8(c);
-    zarn::libera(c);
+// A heap text taken over: its contents ("<null>" for none), freed.
+template <typename C> std::basic_string<C> toma(C *p) {
+    std::basic_string<C> s = p ? p : std::basic_string<C>{'<', 'n', 'u', 'l', 'l', '>'};
+    zarn::libera(p);
     return s;
 }
 

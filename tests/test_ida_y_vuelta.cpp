@@ -39,12 +39,6 @@ const Crea utf8_ = zarnfxml_crea_para_escritura_UTF_8,
 const Crea perfiles[] = {iso, utf8_, android, comillas,
                          [] { return zarnfxml_crea_para_escritura_UTF_8_indenta_con_espacios(3); }};
 
-template <typename C> std::basic_string<C> toma(C *s) {
-    std::basic_string<C> r(s);
-    zarn::libera(s);
-    return r;
-}
-
 TEST(IdaYVuelta, CadenasEnCadaPerfil) {
     // The value, what a UTF-8 profile gives back, what ISO-8859-1 gives back (it escapes
     // nothing, so '<' and '>' are not for it).
@@ -361,31 +355,25 @@ void comprueba_arbol(const zarnxml_nodo_t *r, bool iso) {
 }
 
 TEST(IdaYVuelta, PorElArbolEnCadaPerfil) {
-    const struct {
-        zarnfxml_t *(*crea)();
-        const char *verdad, *falso;
-    } perfiles[] = {
-        {zarnfxml_crea_para_escritura_ISO_8859_1, "1", "0"},
-        {zarnfxml_crea_para_escritura_UTF_8, "1", "0"},
-        {zarnfxml_crea_para_escritura_UTF_8_androidstudio, "true", "false"},
-        {zarnfxml_crea_para_escritura_UTF_8_codificando_comillas_cadena, "True", "False"},
-        {[] { return zarnfxml_crea_para_escritura_UTF_8_indenta_con_espacios(2); }, "1", "0"},
-    };
-    for (const auto &p : perfiles) {
-        const bool iso = &p == &perfiles[0];
-        SCOPED_TRACE(p.verdad + std::string(iso ? " iso" : ""));
-        zarnfxml_t *w = p.crea();
-        escribe_para_arbol(w, iso);
+    // The truth texts of each profile, in the order of perfiles.
+    const char *const verdades[][2] = {
+        {"1", "0"}, {"1", "0"}, {"true", "false"}, {"True", "False"}, {"1", "0"}};
+    for (size_t i = 0; i < std::size(perfiles); ++i) {
+        const bool es_iso = perfiles[i] == iso;
+        const char *verdad = verdades[i][0], *falso = verdades[i][1];
+        SCOPED_TRACE(i);
+        zarnfxml_t *w = perfiles[i]();
+        escribe_para_arbol(w, es_iso);
         CADENA texto = zarnfxml_xml_escritura_a_char(w, CIERTO);
         DirTemporal dir;
         zarnfxml_genera_fichero_salida(w, dir.u("doc.xml").c_str());
         zarnfxml_destruye_xml_escritura(&w);
-        Arbol de_texto(toma(texto), p.verdad, p.falso);
+        Arbol de_texto(toma(texto), verdad, falso);
         ASSERT_EQ(de_texto.mensaje, "ok");
-        comprueba_arbol(de_texto, iso);
-        Arbol fichero(Fichero{dir / "doc.xml"}, p.verdad, p.falso);
+        comprueba_arbol(de_texto, es_iso);
+        Arbol fichero(Fichero{dir / "doc.xml"}, verdad, falso);
         ASSERT_EQ(fichero.mensaje, "ok");
-        comprueba_arbol(fichero, iso);
+        comprueba_arbol(fichero, es_iso);
     }
 }
 
