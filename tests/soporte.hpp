@@ -10,12 +10,15 @@
 
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <cstdio>
 #include <filesystem>
 #include <fstream>
 #include <iterator>
 #include <stdexcept>
 #include <string>
+#include <utility>
+#include <vector>
 
 struct ErrorInterno : std::runtime_error {
     std::string condicion;
@@ -72,6 +75,20 @@ inline std::string lee_fichero(const std::filesystem::path &p) {
 inline void escribe_fichero(const std::filesystem::path &p, const std::string &datos) {
     std::ofstream out(p, std::ios::binary);
     out << datos;
+}
+
+// The golden cases of tests/data/<carpeta>: each <name>.xml, in name order, with what is
+// expected of it, the text of <name><extension>.
+inline std::vector<std::pair<std::filesystem::path, std::string>> casos(const char *carpeta,
+                                                                        const char *extension) {
+    std::vector<std::pair<std::filesystem::path, std::string>> r;
+    for (const auto &e :
+         std::filesystem::directory_iterator(std::string(ZARNXML_TEST_DATA "/") + carpeta))
+        if (e.path().extension() == ".xml")
+            r.emplace_back(e.path(), lee_fichero(std::filesystem::path(e.path()).replace_extension(
+                                         extension)));
+    std::sort(r.begin(), r.end());
+    return r;
 }
 
 // A fresh directory under the system's temporary directory, removed at the end of the scope.
