@@ -45,8 +45,7 @@ struct Elemento {
     std::vector<size_t> hijos;
     bool plano = false;  // a text that comes back exactly
     std::u16string dato; // of a plain text
-    int64_t entero = 0;
-    double real = 0;
+    double valor = 0;    // of a number or a truth value (0 or 1), exact as a double
     std::string bytes;
 };
 
@@ -123,16 +122,19 @@ private:
     void numero(Clase c) {
         Elemento &el = nuevo(etiqueta(), c);
         const char *t = el.etiqueta.c_str();
-        if (c == Clase::Long)
-            zarnfxml_graba_long(w_, t,
-                                static_cast<int32_t>(el.entero = static_cast<int32_t>(e_.u32())));
-        else if (c == Clase::ULong)
-            zarnfxml_graba_ulong(w_, t, static_cast<uint32_t>(el.entero = e_.u32()));
-        else if (c == Clase::Bool)
-            zarnfxml_graba_bool(w_, t, (el.entero = e_.byte() & 1) ? CIERTO : FALSO);
-        else // eighths are exact with three decimals or more
-            zarnfxml_graba_double(w_, t, el.real = static_cast<int16_t>(e_.u16()) / 8.0,
-                                  3 + e_.byte() % 6);
+        if (c == Clase::Long) {
+            const auto v = static_cast<int32_t>(e_.u32());
+            zarnfxml_graba_long(w_, t, v), el.valor = v;
+        } else if (c == Clase::ULong) {
+            const uint32_t v = e_.u32();
+            zarnfxml_graba_ulong(w_, t, v), el.valor = v;
+        } else if (c == Clase::Bool) {
+            el.valor = e_.byte() & 1;
+            zarnfxml_graba_bool(w_, t, el.valor ? CIERTO : FALSO);
+        } else { // eighths are exact with three decimals or more
+            el.valor = static_cast<int16_t>(e_.u16()) / 8.0;
+            zarnfxml_graba_double(w_, t, el.valor, 3 + e_.byte() % 6);
+        }
     }
 
     void operacion(uint8_t op) {
@@ -271,24 +273,16 @@ public:
             textos.push_back(d);
             return;
         }
-        case Clase::Long:
-            if (zarnxml_get_dato_long(n) != el.entero)
-                falla("%s: the integer of <%s> differs", donde_, t);
-            return;
-        case Clase::ULong:
-            if (zarnxml_get_dato_ulong(n) != el.entero)
-                falla("%s: the unsigned integer of <%s> differs", donde_, t);
-            return;
-        case Clase::Double:
-            if (zarnxml_get_dato_double(n) != el.real)
-                falla("%s: the double of <%s> differs", donde_, t);
-            return;
-        case Clase::Bool:
-            if (zarnxml_get_dato_bool(n) != el.entero)
-                falla("%s: the truth value of <%s> differs", donde_, t);
-            return;
         case Clase::Fichmem:
             return; // read through the parent, by its tag of its own
+        default: {
+            const double v = el.clase == Clase::Long    ? zarnxml_get_dato_long(n)
+                             : el.clase == Clase::ULong ? zarnxml_get_dato_ulong(n)
+                             : el.clase == Clase::Bool  ? zarnxml_get_dato_bool(n)
+                                                        : zarnxml_get_dato_double(n);
+            if (v != el.valor)
+                falla("%s: the value of <%s> differs", donde_, t);
+        }
         }
     }
 
@@ -337,27 +331,22 @@ void lee_estricto(zarnfxml_t *r, const std::vector<Elemento> &els, size_t i, con
             falla("strict: the text of <%s> differs from the tree's", t);
         return;
     }
-    case Clase::Long:
-        if (zarnfxml_lee_long(r, t) != el.entero)
-            falla("strict: the integer of <%s> differs", t);
-        return;
-    case Clase::ULong:
-        if (zarnfxml_lee_ulong(r, t) != el.entero)
-            falla("strict: the unsigned integer of <%s> differs", t);
-        return;
-    case Clase::Double:
-        if (zarnfxml_lee_double(r, t) != el.real)
-            falla("strict: the double of <%s> differs", t);
-        return;
-    case Clase::Bool: {
-        fuzz::Cadena d(zarnfxml_lee_cadena(r, t));
-        if (d.vista() != (el.entero ? p.verdad : p.falso))
-            falla("strict: the truth value of <%s> differs", t);
-        return;
-    }
     case Clase::Fichmem:
         zarnfxml_salta_registro_campo(r, t); // its Base64 lines are one datum
         return;
+    case Clase::Bool: { // a strict truth read knows only 1 and 0
+        fuzz::Cadena d(zarnfxml_lee_cadena(r, t));
+        if (d.vista() != (el.valor ? p.verdad : p.falso))
+            falla("strict: the truth value of <%s> differs", t);
+        return;
+    }
+    default: {
+        const double v = el.clase == Clase::Long    ? zarnfxml_lee_long(r, t)
+                         : el.clase == Clase::ULong ? zarnfxml_lee_ulong(r, t)
+                                                    : zarnfxml_lee_double(r, t);
+        if (v != el.valor)
+            falla("strict: the value of <%s> differs", t);
+    }
     }
 }
 
