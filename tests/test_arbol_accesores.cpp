@@ -203,6 +203,10 @@ TEST(ArbolAccesores, ListasEnUnDato) {
     ASSERT_EQ(arr_NumElemsCADENA_u(datos), 1u);
     EXPECT_EQ(u8(arr_GetCADENA_u(datos, 0)), "1 2  3 ");
     arr_DestruyeCADENA_u(&datos);
+    datos = zarnxml_get_ArrCadenaU_hijos(a.raiz, "Q"); // the last child
+    ASSERT_EQ(arr_NumElemsCADENA_u(datos), 1u);
+    EXPECT_EQ(u8(arr_GetCADENA_u(datos, 0)), "1;2,3;;4");
+    arr_DestruyeCADENA_u(&datos);
     datos = zarnxml_get_ArrCadenaU_hijos(a.raiz, "z");
     EXPECT_EQ(arr_NumElemsCADENA_u(datos), 0u);
     arr_DestruyeCADENA_u(&datos);
