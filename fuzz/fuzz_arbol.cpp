@@ -1,6 +1,6 @@
 // Fuzz target: the tree builder takes any bytes and answers with a tree or a message, and every
-// lookup and accessor answers over whatever tree it built. The tree walk and the sequential
-// reader over a tree are held to the same tree. The input is one document, loaded
+// lookup and accessor answers over whatever tree it built. The tree walk is held to the same
+// tree. The input is one document, loaded
 // from lines (data taken literally) and from a file (data normalised). A bad document gives the
 // check's own message and a blank root; a good one gives a tree whose every node answers the
 // questions of the tree's interface with tags of its own children, a few bytes of the input, and
@@ -15,6 +15,7 @@
 namespace {
 
 using fuzz::falla;
+using fuzz::libera;
 using Nodo = const zarnxml_nodo_t;
 
 fuzz::FicheroTemporal &fichero() {
@@ -28,10 +29,6 @@ constexpr size_t MAX_ETIQUETAS = 6;
 // Below this depth the search at any depth keeps within its own limit of 10000 levels.
 constexpr size_t PROFUNDIDAD_BUSQUEDA = 9000;
 
-struct Destruye {
-    void operator()(ArrPuntero a) const { zarnxml_destruye_array_const_nodos(&a); }
-};
-
 // The nodes of a found array, which is freed.
 std::vector<Nodo *> nodos_de(ArrPuntero encontrados) {
     std::vector<Nodo *> v;
@@ -43,28 +40,6 @@ std::vector<Nodo *> nodos_de(ArrPuntero encontrados) {
     if (encontrados)
         falla("zarnxml_destruye_array_const_nodos left the handle");
     return v;
-}
-
-void libera(ArrDouble a) {
-    arr_DestruyeDouble(&a);
-}
-void libera(ArrULong a) {
-    arr_DestruyeULong(&a);
-}
-void libera(ArrPunto2D a) {
-    arr_DestruyePunto2D(&a);
-}
-void libera(ArrCADENA_u a) {
-    arr_DestruyeCADENA_u(&a);
-}
-void libera(fichmem *f) {
-    fichmem_destruye(&f);
-}
-void libera(CADENA s) {
-    std::free(s);
-}
-void libera(CADENA_u s) {
-    std::free(s);
 }
 
 // The node's own datum through every typed read.
@@ -488,146 +463,6 @@ void compara_recorrido(Nodo *raiz, const Recorrido &r, const char *que) {
         falla("%s: the walk calls %zu times for %zu nodes", que, r.visitas.size(), i);
 }
 
-// ---- The sequential reader over a tree ---------------------------------------------------------
-
-// A structure's function: the reader stands on the node, whose tag comes as the extra value.
-void *lee_estructura(zarnxml_lectura_t *x, void *extra) {
-    const char *etiqueta = static_cast<const char *>(extra);
-    CADENA c = nullptr;
-    if (zarnxml_in_existe_propiedad_cadena(x, "id", &c))
-        std::free(c);
-    zybool b = 0;
-    (void)zarnxml_in_existe_propiedad_bool(x, "ok", &b);
-    zarnxml_lee_inicio_bloque(x, etiqueta);
-    zarnxml_lee_fin_bloque(x);
-    return &inicial;
-}
-
-void *lee_estructura_sin_extra(zarnxml_lectura_t *) {
-    return &inicial;
-}
-
-void *lee_nodo(const zarnxml_nodo_t *) {
-    return &inicial;
-}
-
-size_t cuenta(Nodo *n, const char *t) {
-    ArrPuntero encontrados = nullptr;
-    return zarnxml_existen_nodos(n, t, &encontrados) ? nodos_de(encontrados).size() : 0;
-}
-
-void libera_items(ArrPuntero a) {
-    for (uint32_t i = 0; i < arr_NumElemsPuntero(a); ++i)
-        if (arr_GetPunteroConTipo(a, i) != &inicial)
-            falla("a structure's record came back changed");
-    arr_DestruyeEstructurasConstConTipo(&a);
-}
-
-// The reads of the reader, which stands on n, by the child tag t: each agrees with the tree.
-void lee_en_secuencia_por(zarnxml_lectura_t *x, Nodo *n, const char *t) {
-    const size_t num = cuenta(n, t);
-    for (const int32_t tipo : {3, 4, 5})
-        libera(zarnxml_lee_arr_double_numerados(x, t, tipo));
-    libera_items(
-        zarnxml_nousar_lee_arr_punterosST(x, t, nullptr, lee_estructura, const_cast<char *>(t)));
-    libera_items(zarnxml_nousar_lee_arr_punterosST_ConPropiedadFija(x, t, "id", u"1",
-                                                                    lee_estructura_sin_extra));
-    libera_items(zarnxml_nousar_lee_arr_punterosST_ConPropiedadFija_Ex(
-        x, t, FALSO, t, nullptr, nullptr, lee_estructura_sin_extra));
-    libera_items(zarnxml_nousar_lee_dato_array_estructura(n, t, lee_nodo));
-    if (num > 1)
-        return;
-    Nodo *h = num ? zarnxml_dame_nodo(n, t) : nullptr;
-    if (zarnxml_existe_dato(x, t) != (num ? CIERTO : FALSO))
-        falla("sequential: zarnxml_existe_dato(%s) disagrees with the tree", t);
-    if (zarnxml_lee_long(x, t) != (h ? zarnxml_get_dato_long(h) : 0) ||
-        zarnxml_lee_long_opcional(x, t, -5) != (h ? zarnxml_get_dato_long(h) : -5) ||
-        zarnxml_lee_ulong(x, t) != (h ? zarnxml_get_dato_ulong(h) : 0u))
-        falla("sequential: an integer read of %s disagrees with the tree", t);
-    (void)zarnxml_lee_ulong_con_ulong_max_cero(x, t);
-    const double d = zarnxml_lee_double(x, t), esperado = h ? zarnxml_get_dato_double(h) : 0.0;
-    if (!(d == esperado || (d != d && esperado != esperado)))
-        falla("sequential: the double of %s disagrees with the tree", t);
-    fuzz::CadenaU u(zarnxml_lee_cadena_u(x, t));
-    const char16_t *dato = h ? zarnxml_get_dato_cadena_u(h) : nullptr;
-    if (u.vista() != (dato ? std::u16string_view(dato) : std::u16string_view()))
-        falla("sequential: the text of %s disagrees with the tree", t);
-    libera(zarnxml_lee_cadena(x, t));
-    double v = 0;
-    CADENA_u cu = nullptr;
-    if (zarnxml_se_lee_double(x, t, &v) != (h ? CIERTO : FALSO) ||
-        zarnxml_se_lee_cadena_u(x, t, &cu) != (h ? CIERTO : FALSO) ||
-        (h != nullptr) != (cu != nullptr))
-        falla("sequential: a se_lee read of %s disagrees with the tree", t);
-    std::free(cu);
-    if (!h || zarnxml_es_dato_bool(h, nullptr)) {
-        (void)zarnxml_lee_bool(x, t);
-        (void)zarnxml_lee_bool_opcional(x, t, CIERTO);
-    }
-    for (const int32_t tipo : {0, 1, 2, 6, 7})
-        libera(zarnxml_lee_arr_double_numerados(x, t, tipo));
-    CADENA c = nullptr;
-    if (zarnxml_existe_etiqueta_con_propiedad_cadena(x, t, "id", &c))
-        std::free(c);
-    if (void *r =
-            zarnxml_nousar_lee_estructura(x, t, nullptr, lee_estructura, const_cast<char *>(t));
-        r != (h ? &inicial : nullptr))
-        falla("sequential: zarnxml_nousar_lee_estructura(%s) gives %p", t, r);
-    if (zarnxml_nousar_lee_dato_estructura(n, t, lee_nodo) != (h ? &inicial : nullptr))
-        falla("zarnxml_nousar_lee_dato_estructura(%s) disagrees with the tree", t);
-    if (!h || cuenta(h, "list") <= 1)
-        libera_items(zarnxml_nousar_lee_dato_array_estructura_como_lista(n, t, lee_nodo));
-}
-
-// Opens the blocks of the tree one after another with a sequential reader over the same file
-// and reads at each the children by their tags, as far as the tags allow (a tag that stands
-// twice is read only as a series). A missing block opens on a blank node.
-void lee_en_secuencia(const char16_t *ruta, Nodo *raiz) {
-    zybool hay_error = 2;
-    CADENA m = nullptr;
-    zarnxml_lectura_t *x =
-        zarnxml_crea_para_lectura_de_fichero_u(ruta, "true", "false", &hay_error, &m);
-    std::free(m);
-    const char *etiqueta_raiz = zarnxml_get_etiqueta(raiz);
-    if (!zarnxml_es_etiqueta_nodo_raiz(x, etiqueta_raiz))
-        falla("sequential: the root's tag is not %s", etiqueta_raiz);
-    struct Marco {
-        Nodo *n;
-        std::vector<std::string> etiquetas;
-        size_t siguiente;
-    };
-    std::vector<Marco> pila;
-    size_t visitados = 0;
-    const auto entra = [&](Nodo *n, const char *t) {
-        zarnxml_lee_inicio_bloque(x, t);
-        pila.push_back({n, etiquetas_para(n, t), 0});
-        ++visitados;
-    };
-    entra(raiz, etiqueta_raiz);
-    while (!pila.empty()) {
-        Marco &m_ = pila.back();
-        if (m_.siguiente == m_.etiquetas.size() || visitados > MAX_NODOS) {
-            zarnxml_lee_inicio_bloque(x, "\x01no");
-            (void)zarnxml_lee_long_opcional(x, m_.etiquetas.front().c_str(), 3);
-            zarnxml_lee_fin_bloque(x);
-            zarnxml_lee_fin_bloque(x);
-            pila.pop_back();
-            continue;
-        }
-        Nodo *n = m_.n;
-        const std::string t = m_.etiquetas[m_.siguiente++];
-        lee_en_secuencia_por(x, n, t.c_str());
-        if (cuenta(n, t.c_str()) == 1 && pila.size() < 64) {
-            Nodo *h = zarnxml_dame_nodo(n, t.c_str());
-            if (zarnxml_num_nodos_hijos(h) > 0)
-                entra(h, t.c_str());
-        }
-    }
-    zarnxml_destruye_xml_lectura(&x);
-    if (x)
-        falla("sequential: zarnxml_destruye_xml_lectura left the handle");
-}
-
 void prueba_arbol(zarnxml_nodo_t *raiz, zybool hay_error, CADENA mensaje, zybool correcto,
                   const fuzz::Cadena &mensaje_comprobacion, const char *que,
                   const std::string &de_entrada, const std::u16string &separadores) {
@@ -678,7 +513,7 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t *datos, size_t tamanyo) {
             compara_recorrido(raiz, r, "walk over lines");
         destruye(raiz, "lines");
     }
-    // From a file, data normalised; the walk and the sequential reader over the same file.
+    // From a file, data normalised; the walk over the same file.
     {
         const char16_t *ruta = fichero().escribe(datos, tamanyo);
         CADENA m = nullptr;
@@ -695,7 +530,6 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t *datos, size_t tamanyo) {
                      separadores);
         if (correcto && !hay_error)
             compara_recorrido(raiz, r, "walk over the file");
-        lee_en_secuencia(ruta, raiz);
         destruye(raiz, "file");
     }
     // Without the optional outputs.

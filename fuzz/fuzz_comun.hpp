@@ -13,6 +13,7 @@
 #include <cstdlib>
 #include <filesystem>
 #include <fstream>
+#include <regex>
 #include <string>
 #include <string_view>
 #include <system_error>
@@ -114,10 +115,6 @@ public:
         const uint32_t a = u16();
         return a | (static_cast<uint32_t>(u16()) << 16);
     }
-    uint64_t u64() {
-        const uint64_t a = u32();
-        return a | (static_cast<uint64_t>(u32()) << 32);
-    }
     // Up to n bytes, as they come.
     std::string_view bytes(size_t n) {
         if (n > quedan())
@@ -153,23 +150,10 @@ struct ConManejadorQueLanza {
     ConManejadorQueLanza &operator=(const ConManejadorQueLanza &) = delete;
 };
 
-// A message of the checks begins "Ln <n>, Col <n>".
+// A message of the checks begins "Ln <n>, Col <n>", then ends or goes on with ':'.
 inline bool es_mensaje_de_comprobacion(const char *m) {
-    if (!m || std::string_view(m).substr(0, 3) != "Ln ")
-        return false;
-    const char *p = m + 3;
-    if (*p < '0' || *p > '9')
-        return false;
-    while (*p >= '0' && *p <= '9')
-        ++p;
-    if (std::string_view(p).substr(0, 6) != ", Col ")
-        return false;
-    p += 6;
-    if (*p < '0' || *p > '9')
-        return false;
-    while (*p >= '0' && *p <= '9')
-        ++p;
-    return *p == '\0' || *p == ':';
+    static const std::regex forma("Ln [0-9]+, Col [0-9]+(:.*)?", std::regex::extended);
+    return m && std::regex_match(m, forma);
 }
 
 // Owners of what the library hands out (its strings are malloc'd blocks).
@@ -192,6 +176,36 @@ struct CadenaU {
     CadenaU &operator=(const CadenaU &) = delete;
     std::u16string_view vista() const { return s ? std::u16string_view(s) : std::u16string_view(); }
 };
+
+// Frees what a read handed out, whatever it is.
+inline void libera(CADENA s) {
+    std::free(s);
+}
+inline void libera(CADENA_u s) {
+    std::free(s);
+}
+inline void libera(ArrCADENA a) {
+    arr_DestruyeCADENA(&a);
+}
+inline void libera(ArrCADENA_u a) {
+    arr_DestruyeCADENA_u(&a);
+}
+inline void libera(ArrDouble a) {
+    arr_DestruyeDouble(&a);
+}
+inline void libera(ArrULong a) {
+    arr_DestruyeULong(&a);
+}
+inline void libera(ArrPunto2D a) {
+    arr_DestruyePunto2D(&a);
+}
+inline void libera(fichmem *f) {
+    fichmem_destruye(&f);
+}
+inline void libera(ArrPuntero a) {
+    if (a)
+        arr_DestruyeEstructurasConstConTipo(&a);
+}
 
 struct Lineas {
     ArrCADENA a = nullptr;

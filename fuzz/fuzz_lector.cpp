@@ -18,6 +18,7 @@
 namespace {
 
 using fuzz::falla;
+using fuzz::libera;
 
 fuzz::FicheroTemporal &fichero() {
     static fuzz::FicheroTemporal f("lector");
@@ -43,23 +44,6 @@ void *lee_elemento_1extra(void *extra, zarnfxml_t *xml) {
     if (extra != &marca)
         falla("the extra value of a callback changed");
     return lee_elemento(xml);
-}
-
-void libera(ArrCADENA a) {
-    arr_DestruyeCADENA(&a);
-}
-void libera(ArrCADENA_u a) {
-    arr_DestruyeCADENA_u(&a);
-}
-void libera(ArrDouble a) {
-    arr_DestruyeDouble(&a);
-}
-void libera(ArrPunto2D a) {
-    arr_DestruyePunto2D(&a);
-}
-void libera(ArrPuntero a) {
-    if (a)
-        arr_DestruyeEstructurasConstConTipo(&a);
 }
 
 class Programa {

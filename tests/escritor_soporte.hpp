@@ -10,9 +10,6 @@
 #include <memory>
 #include <string>
 
-// The condition text of the internal error that the statement ends in.
-#define COND(...) condicion_de([&] { __VA_ARGS__; })
-
 using Perfil = zarnfxml_t *(*)();
 constexpr Perfil ISO = zarnfxml_crea_para_escritura_ISO_8859_1;
 constexpr Perfil UTF8 = zarnfxml_crea_para_escritura_UTF_8;

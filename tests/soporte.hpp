@@ -1,17 +1,24 @@
 // Shared helpers of the test suites: a handler for internal errors that throws, so that a test
-// can assert the exact condition text, and small conversions for building expectations.
+// can assert the exact condition text, texts taken from what the library hands out, temporary
+// files and a tree owned by the scope.
 #pragma once
 
+#include "services/servicios.hpp"
+
+#include <zarnxml/zarnxml.h>
 #include <zarnxml/zyassert.h>
 
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <cstdio>
 #include <filesystem>
 #include <fstream>
 #include <iterator>
 #include <stdexcept>
 #include <string>
+#include <utility>
+#include <vector>
 
 struct ErrorInterno : std::runtime_error {
     std::string condicion;
@@ -43,6 +50,23 @@ template <typename F> std::string condicion_de(F &&f) {
     return "<none>";
 }
 
+// The condition text of the internal error that the statement ends in.
+#define COND(...) condicion_de([&] { __VA_ARGS__; })
+
+// A text handed out by the library as UTF-8, or "<null>".
+inline std::string u8(const char16_t *s) {
+    return s ? zarn::utf16_a_utf8(s) : "<null>";
+}
+inline std::string u8(const char *s) {
+    return s ? s : "<null>";
+}
+// A heap text taken over: its contents ("<null>" for none), freed.
+template <typename C> std::basic_string<C> toma(C *p) {
+    std::basic_string<C> s = p ? p : std::basic_string<C>{'<', 'n', 'u', 'l', 'l', '>'};
+    zarn::libera(p);
+    return s;
+}
+
 inline std::string lee_fichero(const std::filesystem::path &p) {
     std::ifstream in(p, std::ios::binary);
     return std::string(std::istreambuf_iterator<char>(in), std::istreambuf_iterator<char>());
@@ -51,6 +75,20 @@ inline std::string lee_fichero(const std::filesystem::path &p) {
 inline void escribe_fichero(const std::filesystem::path &p, const std::string &datos) {
     std::ofstream out(p, std::ios::binary);
     out << datos;
+}
+
+// The golden cases of tests/data/<carpeta>: each <name>.xml, in name order, with what is
+// expected of it, the text of <name><extension>.
+inline std::vector<std::pair<std::filesystem::path, std::string>> casos(const char *carpeta,
+                                                                        const char *extension) {
+    std::vector<std::pair<std::filesystem::path, std::string>> r;
+    for (const auto &e :
+         std::filesystem::directory_iterator(std::string(ZARNXML_TEST_DATA "/") + carpeta))
+        if (e.path().extension() == ".xml")
+            r.emplace_back(e.path(), lee_fichero(std::filesystem::path(e.path()).replace_extension(
+                                         extension)));
+    std::sort(r.begin(), r.end());
+    return r;
 }
 
 // A fresh directory under the system's temporary directory, removed at the end of the scope.
@@ -69,4 +107,40 @@ struct DirTemporal {
     }
     std::u16string u(const std::string &nombre) const { return (ruta / nombre).u16string(); }
     std::filesystem::path operator/(const std::string &nombre) const { return ruta / nombre; }
+};
+
+// A file to load, told apart from a text to load.
+struct Fichero {
+    std::filesystem::path ruta;
+};
+
+// A tree loaded from a text's lines or from a file, with its creator's answer: "ok", or the
+// message of the fault.
+struct Arbol {
+    zarnxml_nodo_t *raiz = nullptr;
+    zybool hay_error = 2;
+    std::string mensaje;
+    explicit Arbol(const std::string &texto, const char *verdad = "1", const char *falso = "0") {
+        ArrCADENA lineas = cad_obten_lista_lineas(texto.c_str());
+        static char sin_tocar[] = "sin tocar";
+        CADENA m = sin_tocar; // written on every path
+        raiz = zarnxml_crea_de_lineas(&lineas, verdad, falso, &hay_error, &m);
+        EXPECT_EQ(lineas, nullptr);
+        EXPECT_NE(m, sin_tocar);
+        responde(m);
+    }
+    explicit Arbol(const Fichero &f, const char *verdad = "1", const char *falso = "0") {
+        CADENA m = nullptr;
+        raiz = zarnxml_crea_de_fichero_u(f.ruta.u16string().c_str(), verdad, falso, &hay_error, &m);
+        responde(m);
+    }
+    Arbol(const Arbol &) = delete;
+    ~Arbol() { zarnxml_destruye(&raiz); }
+    operator const zarnxml_nodo_t *() const { return raiz; }
+
+private:
+    void responde(CADENA m) {
+        EXPECT_EQ(hay_error == CIERTO, m != nullptr);
+        mensaje = hay_error == CIERTO ? toma(m) : (zarn::libera(m), "ok");
+    }
 };

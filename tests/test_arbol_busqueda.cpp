@@ -11,22 +11,6 @@
 
 namespace {
 
-struct Arbol {
-    zarnxml_nodo_t *raiz;
-    explicit Arbol(const std::string &texto) {
-        ArrCADENA lineas = cad_obten_lista_lineas(texto.c_str());
-        zybool hay_error = CIERTO;
-        raiz = zarnxml_crea_de_lineas(&lineas, "1", "0", &hay_error, nullptr);
-        EXPECT_EQ(hay_error, FALSO) << texto;
-    }
-    Arbol(const Arbol &) = delete;
-    ~Arbol() { zarnxml_destruye(&raiz); }
-};
-
-std::string u8(const char16_t *s) {
-    return s ? zarn::utf16_a_utf8(s) : "<null>";
-}
-
 // The data of the nodes of an array of found nodes, joined by commas; the array is freed.
 std::string datos(ArrPuntero *nodos) {
     std::string s;

@@ -13,11 +13,6 @@ namespace {
 
 constexpr const char *O = "test";
 
-template <typename C> std::basic_string<C> toma(C *p) {
-    std::basic_string<C> r(p);
-    std::free(p);
-    return r;
-}
 // The tokens from the first to the last, each followed by '|'.
 std::u16string tokens(const char16_t *s, const char16_t *seps) {
     std::u16string r;

@@ -12,12 +12,6 @@
 
 namespace {
 
-template <typename C> std::basic_string<C> toma(C *p) {
-    std::basic_string<C> r(p);
-    std::free(p);
-    return r;
-}
-
 // Windows-1252 for 0x80-0x9F, the undefined five as the C1 control of the same value.
 const std::u16string CP1252_80_9F =
     u"\u20AC\u0081\u201A\u0192\u201E\u2026\u2020\u2021\u02C6\u2030\u0160\u2039\u0152\u008D"

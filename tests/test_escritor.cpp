@@ -3,40 +3,42 @@
 
 #include <zarnxml/zarnfxml.h>
 
-namespace {
-
-std::string cabecera(const char *codificacion) {
-    return std::string("<?xml version=\"1.0\" encoding=\"") + codificacion + "\"?>";
-}
-
-} // namespace
-
-TEST(EscritorPerfiles, EjemploEnLosCincoPerfiles) {
-    const std::string c_utf8 = "<c>x&lt;y &amp; z</c>";
-    const struct {
-        Perfil crea;
-        const char *codificacion, *nivel;
-        std::string linea_c;
-    } filas[] = {{ISO, "iso-8859-1", "\t", "<c>x<y & z</c>"},
-                 {UTF8, "UTF-8", "\t", c_utf8},
-                 {AS, "UTF-8", "    ", c_utf8},
-                 {COM, "UTF-8", "\t", c_utf8},
-                 {espacios2, "UTF-8", "  ", c_utf8}};
+// data/perfiles/<profile>.xml: the same calls in each profile, with the declaration; the file
+// holds that text and a line feed.
+TEST(EscritorPerfiles, LoQueCambiaDeUnPerfilAOtro) {
+    const std::pair<Perfil, const char *> perfiles[] = {{ISO, "iso_8859_1"},
+                                                        {UTF8, "utf_8"},
+                                                        {AS, "androidstudio"},
+                                                        {COM, "comillas"},
+                                                        {espacios2, "espacios_2"}};
     DirTemporal dir;
-    for (const auto &f : filas) {
-        SCOPED_TRACE(std::string(f.codificacion) + "/" + f.nivel);
-        Escritor e(f.crea);
-        zarnfxml_graba_inicio_bloque(e, "a");
-        zarnfxml_graba_inicio_bloque(e, "b");
-        zarnfxml_graba_cadena(e, "c", "x<y & z");
-        zarnfxml_graba_fin_bloque(e);
-        zarnfxml_graba_cadena(e, "d", "");
-        zarnfxml_graba_fin_bloque(e);
-        const std::string t = f.nivel;
-        const std::string esperado = cabecera(f.codificacion) + "\n<a>\n" + t + "<b>\n" + t + t +
-                                     f.linea_c + "\n" + t + "</b>\n" + t + "<d></d>\n</a>";
-        EXPECT_EQ(texto_de(e, CIERTO), esperado);
-        zarnfxml_genera_fichero_salida(e, dir.u("sub/dir/f.xml").c_str());
+    for (const auto &[perfil, nombre] : perfiles) {
+        SCOPED_TRACE(nombre);
+        Escritor x(perfil);
+        zarnfxml_graba_inicio_bloque(x, "a");
+        zarnfxml_graba_inicio_bloque(x, "b");
+        zarnfxml_graba_cadena(x, "c", "x<y & z");
+        zarnfxml_graba_fin_bloque(x);
+        zarnfxml_graba_cadena(x, "d", "");
+        zarnfxml_graba_bool(x, "e", CIERTO);
+        zarnfxml_graba_bool(x, "e", FALSO);
+        ArrPuntero p = arr_CreaPunteroConTipo(0);
+        zarnfxml_append_propiedad_bool(x, "v", CIERTO, p);
+        zarnfxml_append_propiedad_bool(x, "f", FALSO, p);
+        zarnfxml_append_propiedad_bool(x, "o", 2, p);
+        zarnfxml_graba_inicio_fin_bloque_con_propiedades(x, "t", &p);
+        zarnfxml_graba_cadena_con_comillas(x, "q", "a&<\"b");
+        zarnfxml_graba_cadena_con_comillas(x, "q", "");
+        zarnfxml_graba_clave(x, "k", "a&b");
+        zarnfxml_graba_clave(x, "k", "\xE9<");
+        zarnfxml_graba_cadena_xml(x, "k", "a&b");
+        zarnfxml_graba_cadena_xml(x, "k", "\xE9<");
+        zarnfxml_graba_cadena_xml(x, "k", nullptr);
+        zarnfxml_graba_fin_bloque(x);
+        const std::string esperado =
+            lee_fichero(std::string(ZARNXML_TEST_DATA "/perfiles/") + nombre + ".xml");
+        EXPECT_EQ(texto_de(x, CIERTO), esperado);
+        zarnfxml_genera_fichero_salida(x, dir.u("sub/dir/f.xml").c_str());
         EXPECT_EQ(lee_fichero(dir / "sub/dir/f.xml"), esperado + "\n");
     }
 }
@@ -124,7 +126,8 @@ TEST(EscritorSalida, LineasPrestadasYLineasLargas) {
         "<a>1</a>\n<b>" + larga + "</b>\n<c>2</c>\n<d>" + muy_larga + "</d>\n";
     EXPECT_EQ(texto_de(e), cuerpo);
     zarnfxml_genera_fichero_salida(e, dir.u("f.xml").c_str());
-    EXPECT_EQ(lee_fichero(dir / "f.xml"), cabecera("UTF-8") + "\n" + cuerpo + "\n");
+    EXPECT_EQ(lee_fichero(dir / "f.xml"),
+              "<?xml version=\"1.0\" encoding=\"UTF-8\"?>\n" + cuerpo + "\n");
 }
 
 TEST(EscritorErrores, BloquesYDestruccion) {

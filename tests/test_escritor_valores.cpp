@@ -89,39 +89,6 @@ TEST(EscritorPropiedades, ListasConsumidas) {
                            "\t\t\t<t>w</t>\n\t\t</g>\n\t</f>\n</e>");
 }
 
-// The texts that differ between the profiles, and those that must not.
-TEST(EscritorPerfiles, VerdadComillasClaves) {
-    const struct {
-        Perfil p;
-        std::string v, f, m;
-    } filas[] = {{ISO, "1", "0", "\""},
-                 {UTF8, "1", "0", "\""},
-                 {AS, "true", "false", "\""},
-                 {COM, "True", "False", "&#34;"},
-                 {espacios2, "1", "0", "\""}};
-    for (const auto &r : filas) {
-        const std::string t = escribe(r.p, [](zarnfxml_t *x) {
-            zarnfxml_graba_bool(x, "e", CIERTO);
-            zarnfxml_graba_bool(x, "e", FALSO);
-            ArrPuntero p = arr_CreaPunteroConTipo(0);
-            zarnfxml_append_propiedad_bool(x, "v", CIERTO, p);
-            zarnfxml_append_propiedad_bool(x, "f", FALSO, p);
-            zarnfxml_append_propiedad_bool(x, "o", 2, p);
-            zarnfxml_graba_inicio_fin_bloque_con_propiedades(x, "t", &p);
-            zarnfxml_graba_cadena_con_comillas(x, "q", "a&<\"b");
-            zarnfxml_graba_cadena_con_comillas(x, "q", "");
-            zarnfxml_graba_clave(x, "k", "a&b");
-            zarnfxml_graba_clave(x, "k", "\xE9<");
-            zarnfxml_graba_cadena_xml(x, "k", "a&b");
-            zarnfxml_graba_cadena_xml(x, "k", "\xE9<");
-            zarnfxml_graba_cadena_xml(x, "k", nullptr);
-        });
-        EXPECT_EQ(t, "<e>" + r.v + "</e>\n<e>" + r.f + "</e>\n<t v=\"" + r.v + "\" f=\"" + r.f +
-                         "\" o=\"" + r.f + "\"/>\n<q>" + r.m + "a&<\"b" + r.m + "</q>\n<q>" + r.m +
-                         r.m + "</q>\n<k>a&b</k>\n<k>\xE9<</k>\n<k>a&b</k>\n<k>\xC3\xA9<</k>");
-    }
-}
-
 TEST(EscritorEscalares, Numeros) {
     Escritor e;
     zarnfxml_graba_long(e, "l", -1);

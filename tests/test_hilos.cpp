@@ -67,12 +67,6 @@ void escribe(const Esperado &e, zarnfxml_t *w) {
     zarnfxml_graba_fin_bloque(w);
 }
 
-std::string toma(CADENA c) {
-    std::string s = c ? c : "<null>";
-    zarn::libera(c);
-    return s;
-}
-
 // A difference, noted for the main thread to report (kept apart per thread).
 struct Diferencias {
     std::vector<std::string> lista;

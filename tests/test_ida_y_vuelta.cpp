@@ -1,10 +1,12 @@
 // Round trips: what each write operation writes, its reading twin gives back, exactly, or with
-// exactly the change that the dialect makes (normalised data, Latin-1, fixed decimals).
+// exactly the change that the dialect makes (normalised data, Latin-1, fixed decimals); through
+// the strict reader and through the tree.
 #include "lector_soporte.hpp"
 
 #include <algorithm>
 #include <cfloat>
 #include <cmath>
+#include <cstring>
 #include <deque>
 #include <functional>
 #include <optional>
@@ -36,12 +38,6 @@ const Crea utf8_ = zarnfxml_crea_para_escritura_UTF_8,
            comillas = zarnfxml_crea_para_escritura_UTF_8_codificando_comillas_cadena;
 const Crea perfiles[] = {iso, utf8_, android, comillas,
                          [] { return zarnfxml_crea_para_escritura_UTF_8_indenta_con_espacios(3); }};
-
-template <typename C> std::basic_string<C> toma(C *s) {
-    std::basic_string<C> r(s);
-    zarn::libera(s);
-    return r;
-}
 
 TEST(IdaYVuelta, CadenasEnCadaPerfil) {
     // The value, what a UTF-8 profile gives back, what ISO-8859-1 gives back (it escapes
@@ -293,6 +289,91 @@ TEST(IdaYVuelta, Ficheros) {
     for (const std::string bytes : {std::string("a\r\nb\xC3\xA9\n\x01"), std::string()}) {
         zarnfxml_escr_fichero_xml_string(bytes.c_str(), dir.u("t.xml").c_str());
         EXPECT_EQ(toma(zarnfxml_lee_fichero_xml_string(dir.u("t.xml").c_str())), bytes);
+    }
+}
+
+// ---- Through the tree --------------------------------------------------------------------------
+
+const uint8_t BYTES[] = {0, 1, 0xFF, 0x80, 'z', 0x3E};
+
+// ISO-8859-1 escapes nothing and holds no euro: its texts are plainer.
+void escribe_para_arbol(zarnfxml_t *w, bool iso) {
+    zarnfxml_graba_inicio_bloque_propiedad2(w, "raiz", "id", iso ? "r1" : "a&b", "n", "3");
+    zarnfxml_graba_cadena(w, "cadena", iso ? "texto simple" : "a & b < c > d");
+    zarnfxml_graba_cadena_u(w, "cadena_u", iso ? u"Jos\u00e9" : u"Jos\u00e9 \u20ac \U0001F600 &");
+    zarnfxml_graba_long(w, "long", INT32_MIN);
+    zarnfxml_graba_ulong(w, "ulong", 4000000000u);
+    zarnfxml_graba_double(w, "double", -2.125, 6);
+    zarnfxml_graba_bool(w, "si", CIERTO);
+    zarnfxml_graba_bool(w, "no", FALSO);
+    zarnfxml_graba_fecha64(w, "fecha64", int64_t(1) << 40);
+    ArrULong ul = arr_CreaULong(0);
+    arr_AppendULong(ul, 7);
+    arr_AppendULong(ul, 4294967295u);
+    zarnfxml_graba_arr_ulong(w, "lista", ul);
+    arr_DestruyeULong(&ul);
+    zarnfxml_graba_inicio_fin_bloque_propiedad1(w, "hueco", "clave", "k");
+    zarnfxml_graba_inicio_bloque(w, "datos");
+    auto *copia = static_cast<uint8_t *>(zarnspy_nousar_malloc(sizeof BYTES));
+    std::memcpy(copia, BYTES, sizeof BYTES);
+    fichmem *fm = fichmem_crea_original(&copia, sizeof BYTES);
+    zarnfxml_graba_fichmem(w, fm);
+    fichmem_destruye(&fm);
+    zarnfxml_graba_fin_bloque(w);
+    zarnfxml_graba_linea_comentario(w, "fin");
+    zarnfxml_graba_fin_bloque(w);
+}
+
+void comprueba_arbol(const zarnxml_nodo_t *r, bool iso) {
+    ConManejadorQueLanza con;
+    EXPECT_STREQ(zarnxml_get_etiqueta(r), "raiz");
+    ASSERT_EQ(zarnxml_num_propiedades(r), 2u);
+    EXPECT_EQ(u8(zarnxml_propiedad(r, 0)->dato_propiedad), iso ? "r1" : "a&b");
+    CADENA c = zarnxml_get_dato_hijo_cadena_ansi(r, "cadena");
+    EXPECT_STREQ(c, iso ? "texto simple" : "a & b < c > d");
+    zarn::libera(c);
+    EXPECT_EQ(std::u16string(zarnxml_get_dato_hijo_cadena(r, "cadena_u")),
+              iso ? u"Jos\u00e9" : u"Jos\u00e9 \u20ac \U0001F600 &");
+    EXPECT_EQ(zarnxml_get_dato_hijo_long(r, "long"), INT32_MIN);
+    EXPECT_EQ(zarnxml_get_dato_hijo_ulong(r, "ulong"), 4000000000u);
+    EXPECT_EQ(zarnxml_get_dato_hijo_double(r, "double"), -2.125);
+    EXPECT_EQ(zarnxml_get_dato_hijo_bool(r, "si"), CIERTO);
+    EXPECT_EQ(zarnxml_get_dato_hijo_bool(r, "no"), FALSO);
+    EXPECT_EQ(zarnxml_get_dato_hijo_fecha_64(r, "fecha64"), int64_t(1) << 40);
+    ArrULong ul = zarnxml_get_dato_hijo_ArrULong(r, "lista");
+    ASSERT_EQ(arr_NumElemsULong(ul), 2u);
+    EXPECT_EQ(arr_GetULong(ul, 1), 4294967295u);
+    arr_DestruyeULong(&ul);
+    const zarnxml_nodo_t *hueco = zarnxml_dame_nodo(r, "hueco");
+    EXPECT_EQ(u8(zarnxml_get_dato_cadena_u(hueco)), "");
+    EXPECT_EQ(u8(zarnxml_propiedad(hueco, 0)->dato_propiedad), "k");
+    fichmem *fm = zarnxml_get_dato_hijo_fichmem(r, "datos");
+    ASSERT_EQ(fm->tamanyo, sizeof BYTES);
+    EXPECT_EQ(std::memcmp(fm->buffer, BYTES, sizeof BYTES), 0);
+    fichmem_destruye(&fm);
+    EXPECT_EQ(zarnxml_num_nodos_hijos(r), 11u); // the comment left no node
+}
+
+TEST(IdaYVuelta, PorElArbolEnCadaPerfil) {
+    // The truth texts of each profile, in the order of perfiles.
+    const char *const verdades[][2] = {
+        {"1", "0"}, {"1", "0"}, {"true", "false"}, {"True", "False"}, {"1", "0"}};
+    for (size_t i = 0; i < std::size(perfiles); ++i) {
+        const bool es_iso = perfiles[i] == iso;
+        const char *verdad = verdades[i][0], *falso = verdades[i][1];
+        SCOPED_TRACE(i);
+        zarnfxml_t *w = perfiles[i]();
+        escribe_para_arbol(w, es_iso);
+        CADENA texto = zarnfxml_xml_escritura_a_char(w, CIERTO);
+        DirTemporal dir;
+        zarnfxml_genera_fichero_salida(w, dir.u("doc.xml").c_str());
+        zarnfxml_destruye_xml_escritura(&w);
+        Arbol de_texto(toma(texto), verdad, falso);
+        ASSERT_EQ(de_texto.mensaje, "ok");
+        comprueba_arbol(de_texto, es_iso);
+        Arbol fichero(Fichero{dir / "doc.xml"}, verdad, falso);
+        ASSERT_EQ(fichero.mensaje, "ok");
+        comprueba_arbol(fichero, es_iso);
     }
 }
 

@@ -30,9 +30,7 @@ Lectura lectura(const std::string &texto) {
 }
 
 std::string texto(CADENA s) {
-    std::string r = s ? s : "<null>";
-    zarn::libera(s);
-    return r;
+    return toma(s);
 }
 std::string texto(CADENA_u s) {
     std::string r = s ? zarn::utf16_a_utf8(s) : "<null>";

@@ -87,6 +87,12 @@ TEST(Fuente, UnFicheroUtf16LlegaComoLineasUtf8) {
     auto xml = i_crea_para_lectura_de_fichero_u(dir.u("w.xml").c_str(), FALSO);
     EXPECT_EQ(xml->fuente.fichero_ancho, CIERTO);
     EXPECT_EQ(piezas_de(xml.get()), V({"2:0:a", "4:1:'\u00e9\u20ac'", "5:0:/a", "3:0:b", "6:-:"}));
+    // The public reader over the 8-bit path, which is UTF-8, of a name outside ASCII.
+    std::filesystem::rename(dir / "w.xml", dir / "\u00f1\u20ac.xml");
+    zarnfxml_t *r =
+        zarnfxml_crea_para_lectura_de_fichero((dir.ruta.string() + "/\u00f1\u20ac.xml").c_str());
+    EXPECT_EQ(toma(zarnfxml_lee_cadena(r, "a")), "\u00e9\u20ac");
+    zarnfxml_destruye_xml_lectura(&r);
 }
 
 // A file that does not open, and a writer destroyed as a reader, are internal errors.
@@ -128,76 +134,13 @@ static std::string trozos(const std::string &texto, bool literal = false) {
     return r;
 }
 
+// data/piezas/<name>.xml: a text, and in <name>.piezas its pieces joined by " | " (see the
+// folder's README for what each group of cases shows).
 TEST(Piezas, ElDialectoPiezaAPieza) {
-    const std::pair<const char *, const char *> casos[] = {
-        {"<?xml version=\"1.0\" encoding=\"UTF-8\"?>\n<a b=\"1\">\n  <c>x</c>\n  <d/>\n</a>",
-         "0:-:xml{version=1.0,encoding=UTF-8} | 2:0:a{b=1} | 2:1:c | 4:2:'x' | 5:1:/c | 3:1:d | "
-         "5:0:/a | 6:-:"},
-        // Line-break tags inside a text become line feeds; not before any text, nor with a space.
-        {"<a>x<BR/>y<bR/>z</a>", "2:0:a | 4:1:'x\n\ny\nz' | 5:0:/a | 6:-:"},
-        {"<a>x<br/></a>", "2:0:a | 4:1:'x\n' | 5:0:/a | 6:-:"},
-        {"<a>x<br />y</a>", "2:0:a | 4:1:'x' | 3:1:br | 4:1:'y' | 5:0:/a | 6:-:"},
-        {"<a><br/>x</a>", "2:0:a | 3:1:br | 4:1:'x' | 5:0:/a | 6:-:"},
-        {"<a>\n  hola  \n\n   mundo  \n</a>", "2:0:a | 4:1:'hola  \nmundo  ' | 5:0:/a | 6:-:"},
-        {"x\ny", "4:0:'x\ny' | 6:-:"},
-        // Property values.
-        {"<a b=\"x\n   y\" c=\"  z\"/>", "3:0:a{b=x y,c=  z} | 6:-:"},
-        {"<a b=\"\" />", "3:0:a{b=} | 6:-:"},
-        {"<a b=\"x'y\" c='p\"q'/>", "3:0:a{b=x'y,c=p\"q} | 6:-:"},
-        {"<a b=\"x\n'y\" c = \n'1'>\n</a>", "2:0:a{b=x 'y,c=1} | 5:0:/a | 6:-:"},
-        {"<a b=\"1<br/>2\" b=\"&lt;&amp;\">",
-         "2:0:a{b=1  2,b=<&} | 7:-:Ln 2, Col 1: Unexpected end of file"},
-        {"<a =\"1\"/>", "3:0:a{=1} | 6:-:"},
-        {"<>x</>", "2:0: | 4:1:'x' | 5:0:/ | 6:-:"},
-        // Definitions and declarations.
-        {"<?php echo?>", "1:-:php echo | 6:-:"},
-        {"<?php   ?>", "1:-:php | 6:-:"},
-        {"<?xml-stylesheet href=\"a\"?>", "1:-:xml-stylesheet href=\"a\" | 6:-:"},
-        {"<?a\nb=\"1\"?>", "1:-:a{b=1} | 6:-:"},
-        {"<?XmL encoding=\"x\"?>\n<a/>\n<?xml?>", "0:-:XmL{encoding=x} | 3:0:a | 0:-:xml | 6:-:"},
-        // Comments and CDATA.
-        {"<a>x<!-- c -->y</a>", "2:0:a | 4:1:'x' | 4:1:'y' | 5:0:/a | 6:-:"},
-        {"<a><!-- c -- d\n--></a>", "2:0:a | 5:0:/a | 6:-:"},
-        {"<!-- nunca cerrado", "6:-:"},
-        {"<a> <![CDATA[ x ]]> </a>", "2:0:a | 4:1:' x ' | 5:0:/a | 6:-:"},
-        {"<a><![CDATA[ x <b> &lt;\n  y]]></a>", "2:0:a | 4:1:' x <b> <\n  y' | 5:0:/a | 6:-:"},
-        {"<a><![CDATA[]]></a>", "2:0:a | 4:1:'' | 5:0:/a | 6:-:"},
-        {"<a><![cdata[x]]></a>", "2:0:a | 2:1:![cdata[x]] | 7:-:Ln 1, Col 20: The end tag does "
-                                 "not match the initial tag (![cdata[x]]) (a)"},
-        // The byte order mark is skipped and counts three columns; every other byte counts one.
-        {"\xEF\xBB\xBF</a>", "7:-:Ln 1, Col 7: No open tags (a)"},
-        {"<a>\xEF\xBB\xBFx</a>", "2:0:a | 4:1:'x' | 5:0:/a | 6:-:"},
-        {"\t<\xC3\xA9>\r</x>", "2:0:\xC3\xA9 | 7:-:Ln 1, Col 10: The end tag does not match the "
-                               "initial tag (\xC3\xA9) (x)"},
-        {"<a>\n\n</b>",
-         "2:0:a | 7:-:Ln 3, Col 4: The end tag does not match the initial tag (a) (b)"},
-        // Every message of the lexer, with its exact position.
-        {"<a>", "2:0:a | 7:-:Ln 2, Col 1: Unexpected end of file"},
-        {"<a>\n<!-- x", "2:0:a | 7:-:Ln 3, Col 1: Unexpected end of file"},
-        {"<a><b></a>",
-         "2:0:a | 2:1:b | 7:-:Ln 1, Col 10: The end tag does not match the initial tag (b) (a)"},
-        {"<a></A>", "2:0:a | 7:-:Ln 1, Col 7: The end tag does not match the initial tag (a) (A)"},
-        {"</a>", "7:-:Ln 1, Col 4: No open tags (a)"},
-        {"<a></a x>", "2:0:a | 7:-:Ln 1, Col 8: (a)"},
-        {"<a></a", "2:0:a | 7:-:Ln 2, Col 1: (a)"},
-        {"<a b>", "7:-:Ln 1, Col 5: (b)"},
-        {"<a b=\"1>", "7:-:Ln 1, Col 8: (b)"},
-        {"<a b=1>", "7:-:Ln 1, Col 7: (b)"},
-        {"<a b=1\"x\">", "7:-:Ln 1, Col 8: (b)"},
-        {"<!DOCTYPE x>", "7:-:Ln 1, Col 12: (x)"},
-        {"<!DOCTYPE>", "2:0:!DOCTYPE | 7:-:Ln 2, Col 1: Unexpected end of file"},
-        {"<a \"x\">", "7:-:Ln 1, Col 4: ()"},
-        {"<a", "7:-:Ln 3, Col 1: ()"},        // the end inside a tag: an empty name, no value
-        {"<a b=\"x", "7:-:Ln 3, Col 1: (b)"}, // a value cut off: one line further still
-        {"<?xml version=\"1.0\">", "7:-:Ln 1, Col 20"},
-        {"<?php a?b?>", "7:-:Ln 1, Col 8"},
-        {"<a/ >", "7:-:Ln 1, Col 3"},
-        {"<a><![CDATA[x\ny", "2:0:a | 7:-:Ln 3, Col 1"},
-        // The text's own skip asked for the first index past the end: one more line is counted.
-        {"<a>x", "2:0:a | 4:1:'x' | 7:-:Ln 3, Col 1: Unexpected end of file"},
-    };
-    for (const auto &[texto, esperado] : casos)
-        EXPECT_EQ(trozos(texto), esperado) << texto;
+    const auto todos = casos("piezas", ".piezas");
+    EXPECT_GE(todos.size(), 51u);
+    for (const auto &[ruta, esperado] : todos)
+        EXPECT_EQ(trozos(lee_fichero(ruta)), esperado) << ruta.filename();
 }
 
 TEST(Piezas, DatoLiteral) {

@@ -20,8 +20,10 @@ struct Lector {
     ~Lector() { zarnfxml_destruye_xml_lectura(&x); }
     operator zarnfxml_t *() const { return x; }
     i_xml_lectura *in() const { return static_cast<i_xml_lectura *>(x); }
-    std::string registro() const { return in()->registro.tipo_registro == i_REGISTRO_NINGUNO ? "none"
-                                                                   : describe(in()->registro); }
+    std::string registro() const {
+        return in()->registro.tipo_registro == i_REGISTRO_NINGUNO ? "none"
+                                                                  : describe(in()->registro);
+    }
 };
 
 TEST(Navegacion, EjemploLlamadaALlamada) {
