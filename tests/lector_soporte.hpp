@@ -7,6 +7,7 @@
 
 #include <zarnxml/zarnfxml.h>
 
+#include <cstdlib>
 #include <initializer_list>
 #include <memory>
 #include <string>
@@ -23,6 +24,21 @@ struct Lineas {
     ~Lineas() { arr_DestruyeCADENA(&a); }
     Lineas(const Lineas &) = delete;
     Lineas &operator=(const Lineas &) = delete;
+};
+
+// XML_BLOQUE set for the life of a test: the cached answer is forgotten on the way in and out,
+// so that the variable counts in any program, whatever ran before.
+struct ConXmlBloque {
+    explicit ConXmlBloque(const char *valor = "1") {
+        setenv("XML_BLOQUE", valor, 1);
+        i_olvida_uso_xml_bloque();
+    }
+    ~ConXmlBloque() {
+        unsetenv("XML_BLOQUE");
+        i_olvida_uso_xml_bloque();
+    }
+    ConXmlBloque(const ConXmlBloque &) = delete;
+    ConXmlBloque &operator=(const ConXmlBloque &) = delete;
 };
 
 inline std::string utf8(std::u16string_view s) {

@@ -2,7 +2,7 @@
 // tree and reading it back both ways, while all of them also read one shared list of lines, one
 // swaps the internal-error handler, and the cached environment lookup is made for the first time
 // with every thread reaching for it. Built with ThreadSanitizer this shows any shared state.
-#include "soporte.hpp"
+#include "lector_soporte.hpp"
 #include "streaming/lector.hpp"
 
 #include <zarnxml/zarnxml.h>
@@ -19,9 +19,6 @@ namespace {
 constexpr int HILOS = 8;
 constexpr int VUELTAS = 20;
 constexpr int ITEMS = 20;
-
-// The skip below takes the line path; set before any thread exists, looked at first by them.
-[[maybe_unused]] const int con_xml_bloque = setenv("XML_BLOQUE", "1", 1);
 
 // What thread t writes, and what must come back.
 struct Esperado {
@@ -175,6 +172,8 @@ void vuelta(const Esperado &e, const std::filesystem::path &ruta, ArrCADENA comp
 }
 
 TEST(Hilos, OchoDocumentosALaVez) {
+    // The skip below takes the line path; set before any thread exists, looked at first by them.
+    const ConXmlBloque bloque;
     DirTemporal dir;
     // The shared lines: the document of a ninth thread, read by all eight.
     zarnfxml_t *w = zarnfxml_crea_para_escritura_UTF_8();

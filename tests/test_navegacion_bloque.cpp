@@ -1,14 +1,13 @@
 // The environment variable XML_BLOQUE, looked up once per process, sends the skip from a block's
-// start down the line path. It is set here before anything can look at it.
+// start down the line path.
 #include "lector_soporte.hpp"
 
 #include <cstdlib>
 
 namespace {
 
-[[maybe_unused]] const int con_xml_bloque = setenv("XML_BLOQUE", "", 1);
-
 TEST(NavegacionXmlBloque, ElSaltoBuscaLaEtiquetaFinalLineaALinea) {
+    const ConXmlBloque bloque("");
     Lineas l({"<r>", "<a>", "<b>1</b>", "</a><z>9</z>", "<y>2</y>", "</r>"});
     zarnfxml_t *r = zarnfxml_crea_para_lectura_de_lineas(l.a, FALSO);
     zarnfxml_lee_inicio_bloque(r, "r");
