@@ -196,12 +196,11 @@ struct i_fuente_t {
     i_fuente_t &operator=(const i_fuente_t &) = delete;
     ~i_fuente_t();
 
-    int32_t tipo_fuente = i_FUENTE_LINEAS;
-    ArrCADENA lineas = nullptr;     // list source; element 0 is the first line
-    zybool destruye_lineas = FALSO; // whether the reader frees lineas
-    zarn::Fichero fichero;          // file source, owned
-    zybool fichero_ancho =
-        FALSO; // the file is UTF-16 (read whole into lineas, see lector_fuente.cpp)
+    i_tipo_fuente_t tipo_fuente = i_FUENTE_LINEAS;
+    ArrCADENA lineas = nullptr;   // list source; element 0 is the first line
+    bool destruye_lineas = false; // whether the reader frees lineas
+    zarn::Fichero fichero;        // file source, owned
+    bool fichero_ancho = false;   // the file is UTF-16 (read whole into lineas, lector_fuente.cpp)
     const char *linea_actual = nullptr;      // the line last delivered, not owned
     uint32_t ind_linea_actual = 0xFFFFFFFFu; // its index; the start value means none yet
 };
@@ -217,10 +216,10 @@ struct i_xml_lectura : zarnfxml_s {
     std::unique_ptr<i_conf_t> conf;
     std::vector<std::string> etiquetas_abiertas; // the lexer's open tags, outermost first
     i_registro_t registro;                       // the current record
-    zybool error_especial = FALSO;               // a check found a fault above the lexer
+    bool error_especial = false;                 // a check found a fault above the lexer
     std::string mensaje_error_especial;          // its message (meaningful with error_especial)
     void *item_asociado = nullptr;
-    zybool dato_literal = FALSO;
+    bool dato_literal = false;
 
     // The pieces: piezas[i % i_NUM_PIEZAS] holds the i-th piece that the lexer made. The current
     // piece is the one before `cursor` (none while cursor is 0); those from cursor up to

@@ -166,10 +166,10 @@ bool i_lectura_terminada(const i_xml_lectura *xml) {
 
 void i_asigna_error_especial(i_xml_lectura *xml, std::string mensaje) {
     ZARN_ASSERT_NO_NULL(xml, ORIGEN_STREAMING);
-    ZARN_ASSERT(xml->error_especial == FALSO, ORIGEN_STREAMING);
+    ZARN_ASSERT_TEXTO(!xml->error_especial, "xml->error_especial == FALSO", ORIGEN_STREAMING);
     ZARN_ASSERT_TEXTO(xml->mensaje_error_especial.empty(), "xml->mensaje_error_especial == NULL",
                       ORIGEN_STREAMING);
-    xml->error_especial = CIERTO;
+    xml->error_especial = true;
     xml->mensaje_error_especial = std::move(mensaje);
 }
 
