@@ -132,8 +132,8 @@ CADENA i_creacadena(size_t n) {
     return r;
 }
 
-zybool i_zarnstr_hay_texto(const char *s) {
-    return zarn::zb(s && *s);
+bool i_zarnstr_hay_texto(const char *s) {
+    return s && *s;
 }
 
 extern "C" {
@@ -263,7 +263,7 @@ ZARN_API zybool cad_es_cadena_en_blanco(const char *s) {
 }
 
 ZARN_API zybool zarnstr_hay_texto(const char *s) {
-    return i_zarnstr_hay_texto(s);
+    return zarn::zb(i_zarnstr_hay_texto(s));
 }
 
 ZARN_API zybool cad_es_subcadena(const char *texto, const char *parte) {

@@ -146,4 +146,4 @@ fichmem *i_fichmem_crea_original(uint8_t **buffer, uint32_t tamanyo);
 void i_lc_fclose(zarnio_fichero_t **fichero);
 void i_lc_fclose_al_final(zarnio_fichero_t **fichero);
 double i_lc_tamanyo_fichero(zarnio_fichero_t *fichero);
-zybool i_zarnfile_es_fichero_unicode(const char16_t *ruta);
+bool i_zarnfile_es_fichero_unicode(const char16_t *ruta);

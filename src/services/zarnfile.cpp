@@ -4,27 +4,27 @@
 
 #include <zarnxml/zarnfile.h>
 
-zybool i_zarnfile_es_fichero_unicode(const char16_t *ruta) {
+bool i_zarnfile_es_fichero_unicode(const char16_t *ruta) {
     ZARN_ASSERT_NO_NULL(ruta, "zarnfile");
     const std::filesystem::path p = zarn::ruta_de(ruta);
     std::error_code ec;
     if (std::filesystem::is_directory(p, ec))
-        return FALSO;
+        return false;
     std::FILE *f = std::fopen(p.c_str(), "rb");
     if (!f)
-        return FALSO;
+        return false;
     unsigned char bom[2] = {0, 0};
     const size_t leidos = std::fread(bom, 1, 2, f);
     std::fclose(f);
     const bool unicode =
         leidos == 2 && ((bom[0] == 0xFF && bom[1] == 0xFE) || (bom[0] == 0xFE && bom[1] == 0xFF));
-    return zarn::zb(unicode);
+    return unicode;
 }
 
 extern "C" {
 
 // Looks only at the first two bytes: a UTF-16 byte order mark in either order.
 ZARN_API zybool zarnfile_es_fichero_unicode(const char16_t *ruta) {
-    return i_zarnfile_es_fichero_unicode(ruta);
+    return zarn::zb(i_zarnfile_es_fichero_unicode(ruta));
 }
 }

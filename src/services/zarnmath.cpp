@@ -39,12 +39,12 @@ int64_t i_cambtipo_long_a_time_t(int32_t valor) {
     return valor;
 }
 
-zybool i_cambtipo_se_puede_double_a_long(double valor) {
-    return zarn::zb(cabe<int32_t>(valor));
+bool i_cambtipo_se_puede_double_a_long(double valor) {
+    return cabe<int32_t>(valor);
 }
 
-zybool i_cambtipo_se_puede_double_a_ulong(double valor) {
-    return zarn::zb(cabe<uint32_t>(valor));
+bool i_cambtipo_se_puede_double_a_ulong(double valor) {
+    return cabe<uint32_t>(valor);
 }
 
 int32_t i_cambtipo_time_t_a_long(int64_t valor) {
@@ -66,10 +66,10 @@ ZARN_API uint32_t cambtipo_double_a_ulong(double valor) {
 }
 
 ZARN_API zybool cambtipo_se_puede_double_a_long(double valor) {
-    return i_cambtipo_se_puede_double_a_long(valor);
+    return zarn::zb(i_cambtipo_se_puede_double_a_long(valor));
 }
 ZARN_API zybool cambtipo_se_puede_double_a_ulong(double valor) {
-    return i_cambtipo_se_puede_double_a_ulong(valor);
+    return zarn::zb(i_cambtipo_se_puede_double_a_ulong(valor));
 }
 
 ZARN_API int64_t cambtipo_long_a_time_t(int32_t valor) {

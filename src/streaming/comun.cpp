@@ -90,11 +90,9 @@ void i_destruye_propiedad(zarnfxml_propiedad_t **propiedad) {
     *propiedad = nullptr;
 }
 
-zybool i_es_propiedad(const zarnfxml_propiedad_t *propiedad, const char *texto) {
+bool i_es_propiedad(const zarnfxml_propiedad_t *propiedad, const char *texto) {
     ZARN_ASSERT_NO_NULL(propiedad, ORIGEN_STREAMING);
-    return zarn::iguales_may_o_min(zarn::vista(propiedad->texto_propiedad), zarn::vista(texto))
-               ? CIERTO
-               : FALSO;
+    return zarn::iguales_may_o_min(zarn::vista(propiedad->texto_propiedad), zarn::vista(texto));
 }
 
 void *i_copia_propiedad_void(const void *propiedad) {

@@ -59,7 +59,7 @@ zarnfxml_propiedad_t *i_crea_propiedad(CADENA *texto_propiedad, CADENA_u *dato_p
 zarnfxml_propiedad_t *i_crea_propiedad(std::string_view texto, std::u16string_view dato);
 zarnfxml_propiedad_t *i_copia_propiedad(const zarnfxml_propiedad_t *propiedad);
 void i_destruye_propiedad(zarnfxml_propiedad_t **propiedad);
-zybool i_es_propiedad(const zarnfxml_propiedad_t *propiedad, const char *texto);
+bool i_es_propiedad(const zarnfxml_propiedad_t *propiedad, const char *texto);
 // Adapters for the generic array operations.
 void *i_copia_propiedad_void(const void *propiedad);
 void i_destruye_propiedad_void(void **propiedad);
@@ -79,8 +79,8 @@ enum i_tipo_numeracion_array_t : int32_t {
 
 // The two classifications of tipo_numeracion_array that writer and reader share: whether the
 // value makes a line per item, and whether those lines stand between enclosing tags.
-zybool i_con_lista_numeracion_array(int32_t tipo_numeracion_array);
-zybool i_con_bloque_numeracion_array(int32_t tipo_numeracion_array);
+bool i_con_lista_numeracion_array(int32_t tipo_numeracion_array);
+bool i_con_bloque_numeracion_array(int32_t tipo_numeracion_array);
 
 // Numbers from texts (lector_conversiones.cpp), behind zarnfxml_atof and its kin: "NaN"
 // anywhere in a text, in any case, gives 0, and a comma is a decimal point.

@@ -5,10 +5,10 @@
 
 using zarn::ORIGEN_STREAMING;
 
-zybool i_con_lista_numeracion_array(int32_t tipo_numeracion_array) {
+bool i_con_lista_numeracion_array(int32_t tipo_numeracion_array) {
     switch (tipo_numeracion_array) {
     case i_NUMERACION_ARRAY_NINGUNA:
-        return FALSO;
+        return false;
     case i_NUMERACION_ARRAY_BLOQUE_CAMPOS:
     case i_NUMERACION_ARRAY_BLOQUE_LINEAS:
     case i_NUMERACION_ARRAY_CAMPOS:
@@ -16,23 +16,23 @@ zybool i_con_lista_numeracion_array(int32_t tipo_numeracion_array) {
     case i_NUMERACION_ARRAY_DESDE_1:
     case i_NUMERACION_ARRAY_BLOQUE_DESDE_0:
     case i_NUMERACION_ARRAY_BLOQUE_DESDE_1:
-        return CIERTO;
+        return true;
     default:
         ZARN_DEFAULT_ERROR(ORIGEN_STREAMING);
     }
 }
 
-zybool i_con_bloque_numeracion_array(int32_t tipo_numeracion_array) {
+bool i_con_bloque_numeracion_array(int32_t tipo_numeracion_array) {
     switch (tipo_numeracion_array) {
     case i_NUMERACION_ARRAY_BLOQUE_CAMPOS:
     case i_NUMERACION_ARRAY_BLOQUE_LINEAS:
     case i_NUMERACION_ARRAY_BLOQUE_DESDE_0:
     case i_NUMERACION_ARRAY_BLOQUE_DESDE_1:
-        return CIERTO;
+        return true;
     case i_NUMERACION_ARRAY_CAMPOS:
     case i_NUMERACION_ARRAY_DESDE_0:
     case i_NUMERACION_ARRAY_DESDE_1:
-        return FALSO;
+        return false;
     default:
         ZARN_DEFAULT_ERROR(ORIGEN_STREAMING);
     }

@@ -21,8 +21,7 @@ ZARN_API void zarnfxml_concatena(zarnfxml_t *xml, zarnfxml_t *xml_anadir) {
     ZARN_ASSERT_NO_NULL(xml_anadir, ORIGEN_STREAMING);
     i_xml_escritura *anadir = I_ESCRITOR(xml_anadir);
     ZARN_ASSERT_TEXTO(anadir->etiquetas_abiertas.empty(),
-                      "arr_NumElemsCADENA(xml_anadir->etiquetas_abiertas) == 0",
-                      ORIGEN_STREAMING);
+                      "arr_NumElemsCADENA(xml_anadir->etiquetas_abiertas) == 0", ORIGEN_STREAMING);
     // Line by line, as zarnfxml_concatena_codigo_xml does; xml_anadir may be xml itself.
     i_xml_escritura *destino = I_ESCRITOR(xml);
     anadir->lineas.recorre(anadir->lineas.size(),

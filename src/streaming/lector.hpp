@@ -196,12 +196,11 @@ struct i_fuente_t {
     i_fuente_t &operator=(const i_fuente_t &) = delete;
     ~i_fuente_t();
 
-    int32_t tipo_fuente = i_FUENTE_LINEAS;
-    ArrCADENA lineas = nullptr;     // list source; element 0 is the first line
-    zybool destruye_lineas = FALSO; // whether the reader frees lineas
-    zarn::Fichero fichero;          // file source, owned
-    zybool fichero_ancho =
-        FALSO; // the file is UTF-16 (read whole into lineas, see lector_fuente.cpp)
+    i_tipo_fuente_t tipo_fuente = i_FUENTE_LINEAS;
+    ArrCADENA lineas = nullptr;   // list source; element 0 is the first line
+    bool destruye_lineas = false; // whether the reader frees lineas
+    zarn::Fichero fichero;        // file source, owned
+    bool fichero_ancho = false;   // the file is UTF-16 (read whole into lineas, lector_fuente.cpp)
     const char *linea_actual = nullptr;      // the line last delivered, not owned
     uint32_t ind_linea_actual = 0xFFFFFFFFu; // its index; the start value means none yet
 };
@@ -217,10 +216,10 @@ struct i_xml_lectura : zarnfxml_s {
     std::unique_ptr<i_conf_t> conf;
     std::vector<std::string> etiquetas_abiertas; // the lexer's open tags, outermost first
     i_registro_t registro;                       // the current record
-    zybool error_especial = FALSO;               // a check found a fault above the lexer
+    bool error_especial = false;                 // a check found a fault above the lexer
     std::string mensaje_error_especial;          // its message (meaningful with error_especial)
     void *item_asociado = nullptr;
-    zybool dato_literal = FALSO;
+    bool dato_literal = false;
 
     // The pieces: piezas[i % i_NUM_PIEZAS] holds the i-th piece that the lexer made. The current
     // piece is the one before `cursor` (none while cursor is 0); those from cursor up to
@@ -281,8 +280,8 @@ void i_descarta_pendientes(i_xml_lectura *xml);
 // Pops `etiqueta` from the stack if it is on top, case counting. Otherwise gives FALSO and, where
 // the addresses are given, the message ("No open tags" or "The end tag does not match the
 // initial tag") and the tag on top (lent; null with an empty stack).
-zybool i_desapila_etiqueta(std::vector<std::string> &etiquetas_abiertas, std::string_view etiqueta,
-                           const char **mensaje, const std::string **etiqueta_esperada);
+bool i_desapila_etiqueta(std::vector<std::string> &etiquetas_abiertas, std::string_view etiqueta,
+                         const char **mensaje, const std::string **etiqueta_esperada);
 
 // "Ln %lu, Col %lu" with both indices plus 1, then ":", " texto_error", " (detalle1)",
 // " (detalle2)" for those that are given.
@@ -304,12 +303,12 @@ void i_registro_de_pieza(i_xml_lectura *xml, const i_pieza_t &pieza);
 void i_registro_fin_bloque(i_xml_lectura *xml, const i_pieza_t &pieza);
 
 // CIERTO when the reader stands on the end of the document or on an error.
-zybool i_lectura_terminada(const i_xml_lectura *xml);
+bool i_lectura_terminada(const i_xml_lectura *xml);
 // Marks a fault found above the lexer; a reader takes this mark once.
 void i_asigna_error_especial(i_xml_lectura *xml, std::string mensaje);
 // Whether the reader has a fault: the special one first, then an error piece. On CIERTO a new
 // copy of the message goes to *mensaje when mensaje is given.
-zybool i_hay_error_lectura(const i_xml_lectura *xml, CADENA *mensaje);
+bool i_hay_error_lectura(const i_xml_lectura *xml, CADENA *mensaje);
 
 // The accessors of the current record's content, by its type: the tag (of a block end, its end
 // tag), the properties (block start, field, definition), the datum
@@ -319,13 +318,13 @@ const i_propiedades_t &i_propiedades_registro(const i_registro_t *registro);
 const i_dato_t &i_dato_registro(const i_registro_t *registro);
 
 // The tag of the current record equals `etiqueta`, case ignored.
-zybool i_es_etiqueta_registro_igual(const i_xml_lectura *xml, const char *etiqueta);
+bool i_es_etiqueta_registro_igual(const i_xml_lectura *xml, const char *etiqueta);
 // The first property named `nombre` (case ignored), or null.
 const i_propiedad_lectura_t *i_busca_propiedad(const i_propiedades_t &propiedades,
                                                std::string_view nombre);
 // A property of that name exists and its value equals `dato`, case ignored.
-zybool i_existe_propiedad_con_dato(const i_propiedades_t &propiedades, const char *nombre,
-                                   const char16_t *dato);
+bool i_existe_propiedad_con_dato(const i_propiedades_t &propiedades, const char *nombre,
+                                 const char16_t *dato);
 
 // ---- Checks (lector_comprobacion.cpp) -----------------------------------------------------------
 
@@ -362,21 +361,21 @@ bool i_recorre_registros(i_xml_lectura *xml, zybool admite_campo_vacio, F &&f, C
 
 // The check: the document is good and, when etiqueta_raiz has text, its first block bears that
 // tag (case ignored). On a fault gives FALSO and, if mensaje_error is given, a new message there.
-zybool i_es_xml_correcto(i_xml_lectura *xml, const char *etiqueta_raiz, CADENA *mensaje_error);
+bool i_es_xml_correcto(i_xml_lectura *xml, const char *etiqueta_raiz, CADENA *mensaje_error);
 
 // ---- Navigation and field reads (lector_navegacion.cpp, lector_campos.cpp) ----------------------
 
 // The look-ahead: whether the next piece, behind a declaration, has the type tipo1 or tipo2,
 // bears `etiqueta` (any tag when null) and, when texto_propiedad is given, has that property
 // with the value dato_propiedad (case ignored). The pieces taken are given back.
-zybool i_es_siguiente_pieza(i_xml_lectura *xml, i_tipo_pieza_t tipo1, i_tipo_pieza_t tipo2,
-                            const char *etiqueta, const char *texto_propiedad,
-                            const char16_t *dato_propiedad);
+bool i_es_siguiente_pieza(i_xml_lectura *xml, i_tipo_pieza_t tipo1, i_tipo_pieza_t tipo2,
+                          const char *etiqueta, const char *texto_propiedad,
+                          const char16_t *dato_propiedad);
 // The plain look-ahead for a start tag, of a block or of a field.
-zybool i_es_siguiente_inicio_bloque(i_xml_lectura *xml, const char *etiqueta);
+bool i_es_siguiente_inicio_bloque(i_xml_lectura *xml, const char *etiqueta);
 // Reads a block start that bears `etiqueta`; "se_lee" form: only if it comes next.
 void i_lee_inicio_bloque(i_xml_lectura *xml, const char *etiqueta);
-zybool i_se_lee_inicio_bloque(i_xml_lectura *xml, const char *etiqueta);
+bool i_se_lee_inicio_bloque(i_xml_lectura *xml, const char *etiqueta);
 void i_lee_fin_bloque_con_comprobacion(i_xml_lectura *xml, const char *etiqueta);
 // The skip, with the path chosen by the caller: por_lineas searches the lines for the end tag
 // where that can be done, the other way reads and drops every piece inside the block.
@@ -393,7 +392,7 @@ void i_olvida_uso_xml_bloque();
 // si_existe form reads only if the tag comes next.
 void i_lee_campo(i_xml_lectura *xml, const char *etiqueta);
 void i_lee_campo_admite_vacio(i_xml_lectura *xml, const char *etiqueta);
-zybool i_lee_campo_si_existe(i_xml_lectura *xml, const char *etiqueta);
+bool i_lee_campo_si_existe(i_xml_lectura *xml, const char *etiqueta);
 // The datum of the current field.
 inline const std::u16string &i_dato_campo(const i_xml_lectura *xml) {
     return i_dato_registro(&i_registro(xml)).texto();
@@ -413,6 +412,6 @@ void i_lee_definicion_comentario(zarnfxml_t *xml, CADENA *etiqueta);
 void i_lee_inicio_bloque_con_nivel_etiquetado(zarnfxml_t *xml, const char *etiqueta,
                                               uint32_t *nivel_etiquetado_lineas_bloque);
 void i_lee_inicio_bloque_desconocido(zarnfxml_t *xml, CADENA *etiqueta);
-zybool i_se_lee_inicio_bloque_con_nivel_etiquetado(zarnfxml_t *xml, const char *etiqueta,
-                                                   uint32_t *nivel_etiquetado_lineas_bloque);
+bool i_se_lee_inicio_bloque_con_nivel_etiquetado(zarnfxml_t *xml, const char *etiqueta,
+                                                 uint32_t *nivel_etiquetado_lineas_bloque);
 ArrCADENA i_lee_lineas_fichero(const char16_t *nombre_fichero);

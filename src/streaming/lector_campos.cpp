@@ -76,11 +76,11 @@ void i_lee_campo_admite_vacio(i_xml_lectura *xml, const char *etiqueta) {
     i_lee_campo_con(xml, etiqueta, CIERTO);
 }
 
-zybool i_lee_campo_si_existe(i_xml_lectura *xml, const char *etiqueta) {
+bool i_lee_campo_si_existe(i_xml_lectura *xml, const char *etiqueta) {
     if (!i_es_siguiente_inicio_bloque(xml, etiqueta))
-        return FALSO;
+        return false;
     i_lee_campo(xml, etiqueta);
-    return CIERTO;
+    return true;
 }
 
 CADENA_u i_lee_cadena_u(zarnfxml_t *xml, const char *etiqueta) {
@@ -170,7 +170,7 @@ ZARN_API int64_t zarnfxml_lee_fecha(zarnfxml_t *xml, const char *etiqueta) {
 }
 
 ZARN_API zybool zarnfxml_salta_registro_campo(zarnfxml_t *xml, const char *etiqueta) {
-    return i_lee_campo_si_existe(I_LECTOR(xml), etiqueta);
+    return zarn::zb(i_lee_campo_si_existe(I_LECTOR(xml), etiqueta));
 }
 
 ZARN_API zybool zarnfxml_bool(zarnfxml_t *xml_in, const char16_t *texto) {

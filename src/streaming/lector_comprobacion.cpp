@@ -4,7 +4,7 @@
 
 using zarn::ORIGEN_STREAMING;
 
-zybool i_es_xml_correcto(i_xml_lectura *xml, const char *etiqueta_raiz, CADENA *mensaje_error) {
+bool i_es_xml_correcto(i_xml_lectura *xml, const char *etiqueta_raiz, CADENA *mensaje_error) {
     ZARN_ASSERT_NO_NULL(xml, ORIGEN_STREAMING);
     const bool compara_raiz = i_zarnstr_hay_texto(etiqueta_raiz) != FALSO;
     bool visto_bloque = false;
@@ -22,12 +22,12 @@ zybool i_es_xml_correcto(i_xml_lectura *xml, const char *etiqueta_raiz, CADENA *
     };
     CADENA mensaje = nullptr;
     if (i_recorre_registros(xml, FALSO, raiz, &mensaje))
-        return CIERTO;
+        return true;
     if (mensaje_error)
         *mensaje_error = mensaje;
     else
         zarn::libera(mensaje);
-    return FALSO;
+    return false;
 }
 
 extern "C" {
@@ -36,13 +36,13 @@ ZARN_API zybool zarnfxml_es_fichero_xml_correcto(const char16_t *nombre_fichero,
                                                  const char *etiqueta_raiz, CADENA *mensaje_error,
                                                  zybool dato_literal) {
     const auto xml = i_crea_para_lectura_de_fichero_u(nombre_fichero, dato_literal);
-    return i_es_xml_correcto(xml.get(), etiqueta_raiz, mensaje_error);
+    return zarn::zb(i_es_xml_correcto(xml.get(), etiqueta_raiz, mensaje_error));
 }
 
 ZARN_API zybool zarnfxml_es_lineas_xml_correcto(ArrCADENA lineas_xml, const char *etiqueta_raiz,
                                                 CADENA *mensaje_error, zybool dato_literal) {
     const auto xml = i_crea_para_lectura_de_lineas(lineas_xml, dato_literal);
-    return i_es_xml_correcto(xml.get(), etiqueta_raiz, mensaje_error);
+    return zarn::zb(i_es_xml_correcto(xml.get(), etiqueta_raiz, mensaje_error));
 }
 
 } // extern "C"

@@ -46,7 +46,7 @@ std::unique_ptr<i_xml_lectura> i_crea_para_lectura_de_fichero_u(const char16_t *
         // UTF-8 lines, which the reader owns, and served as a list.
         f.tipo_fuente = i_FUENTE_LINEAS;
         f.lineas = i_lee_lineas_fichero(nombre_fichero);
-        f.destruye_lineas = CIERTO;
+        f.destruye_lineas = true;
         return xml;
     }
     f.fichero = zarn::abre(nombre_fichero, "rb", ORIGEN_STREAMING, __LINE__);

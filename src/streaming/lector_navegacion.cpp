@@ -154,11 +154,11 @@ bool i_en_inicio_bloque_con_contenido(const i_xml_lectura *xml) {
 
 // ---- Internal operations ---------------------------------------------------------------------
 
-zybool i_es_siguiente_pieza(i_xml_lectura *xml, i_tipo_pieza_t tipo1, i_tipo_pieza_t tipo2,
-                            const char *etiqueta, const char *texto_propiedad,
-                            const char16_t *dato_propiedad) {
+bool i_es_siguiente_pieza(i_xml_lectura *xml, i_tipo_pieza_t tipo1, i_tipo_pieza_t tipo2,
+                          const char *etiqueta, const char *texto_propiedad,
+                          const char16_t *dato_propiedad) {
     if (i_nada_puede_seguir(xml))
-        return FALSO;
+        return false;
     int leidas = 1;
     const i_pieza_t *pieza = &i_lee_pieza(xml);
     if (pieza->tipo_pieza == i_PIEZA_DEFINICION_FICHERO_XML) {
@@ -173,10 +173,10 @@ zybool i_es_siguiente_pieza(i_xml_lectura *xml, i_tipo_pieza_t tipo1, i_tipo_pie
                                          dato_propiedad ? dato_propiedad : u"") == CIERTO;
     for (; leidas > 0; --leidas)
         i_devuelve_pieza(xml);
-    return zarn::zb(es);
+    return es;
 }
 
-zybool i_es_siguiente_inicio_bloque(i_xml_lectura *xml, const char *etiqueta) {
+bool i_es_siguiente_inicio_bloque(i_xml_lectura *xml, const char *etiqueta) {
     return i_es_siguiente_pieza(xml, i_PIEZA_INICIO_BLOQUE, i_PIEZA_INICIO_Y_FIN_BLOQUE, etiqueta,
                                 nullptr, nullptr);
 }
@@ -189,11 +189,11 @@ void i_lee_inicio_bloque(i_xml_lectura *xml, const char *etiqueta) {
     ZARN_ASSERT(es_etiqueta_igual == CIERTO, ORIGEN_STREAMING);
 }
 
-zybool i_se_lee_inicio_bloque(i_xml_lectura *xml, const char *etiqueta) {
+bool i_se_lee_inicio_bloque(i_xml_lectura *xml, const char *etiqueta) {
     if (!i_es_siguiente_inicio_bloque(xml, etiqueta))
-        return FALSO;
+        return false;
     i_lee_inicio_bloque(xml, etiqueta);
-    return CIERTO;
+    return true;
 }
 
 void i_lee_fin_bloque_con_comprobacion(i_xml_lectura *xml, const char *etiqueta) {
@@ -293,14 +293,14 @@ void i_lee_inicio_bloque_desconocido(zarnfxml_t *xml, CADENA *etiqueta) {
     i_copia_etiqueta_registro(x, etiqueta);
 }
 
-zybool i_se_lee_inicio_bloque_con_nivel_etiquetado(zarnfxml_t *xml, const char *etiqueta,
-                                                   uint32_t *nivel_etiquetado_lineas_bloque) {
+bool i_se_lee_inicio_bloque_con_nivel_etiquetado(zarnfxml_t *xml, const char *etiqueta,
+                                                 uint32_t *nivel_etiquetado_lineas_bloque) {
     i_xml_lectura *x = I_LECTOR(xml);
     ZARN_ASSERT_NO_NULL(nivel_etiquetado_lineas_bloque, ORIGEN_STREAMING);
     if (!i_se_lee_inicio_bloque(x, etiqueta))
-        return FALSO;
+        return false;
     *nivel_etiquetado_lineas_bloque = x->registro.nivel_etiquetado + 1;
-    return CIERTO;
+    return true;
 }
 
 extern "C" {
@@ -310,13 +310,13 @@ ZARN_API void zarnfxml_lee_inicio_bloque(zarnfxml_t *xml, const char *etiqueta) 
 }
 
 ZARN_API zybool zarnfxml_se_lee_inicio_bloque(zarnfxml_t *xml, const char *etiqueta) {
-    return i_se_lee_inicio_bloque(I_LECTOR(xml), etiqueta);
+    return zarn::zb(i_se_lee_inicio_bloque(I_LECTOR(xml), etiqueta));
 }
 
 ZARN_API zybool zarnfxml_se_lee_inicio_bloque_con_nivel_etiquetado(
     zarnfxml_t *xml, const char *etiqueta, uint32_t *nivel_etiquetado_lineas_bloque) {
-    return i_se_lee_inicio_bloque_con_nivel_etiquetado(xml, etiqueta,
-                                                       nivel_etiquetado_lineas_bloque);
+    return zarn::zb(
+        i_se_lee_inicio_bloque_con_nivel_etiquetado(xml, etiqueta, nivel_etiquetado_lineas_bloque));
 }
 
 ZARN_API void
@@ -338,7 +338,7 @@ ZARN_API zybool zarnfxml_se_lee_inicio_bloque_desconocido(zarnfxml_t *xml, CADEN
 
 ZARN_API zybool zarnfxml_etiqueta_siguiente_es_inicio_bloque(zarnfxml_t *xml,
                                                              const char *etiqueta) {
-    return i_es_siguiente_inicio_bloque(I_LECTOR(xml), etiqueta);
+    return zarn::zb(i_es_siguiente_inicio_bloque(I_LECTOR(xml), etiqueta));
 }
 
 ZARN_API void zarnfxml_lee_definicion_comentario(zarnfxml_t *xml, CADENA *etiqueta) {
@@ -466,10 +466,8 @@ ZARN_API zybool zarnfxml_existe_propiedad_inicio_bloque_igual(zarnfxml_t *xml,
     const i_propiedad_lectura_t *p = i_propiedad_registro(I_LECTOR(xml), texto_propiedad);
     if (!p)
         return FALSO;
-    return zarn::iguales_may_o_min(std::string_view(zarn::utf16_a_utf8(p->dato_propiedad.texto())),
-                                   std::string_view(dato))
-               ? CIERTO
-               : FALSO;
+    return zarn::zb(zarn::iguales_may_o_min(
+        std::string_view(zarn::utf16_a_utf8(p->dato_propiedad.texto())), std::string_view(dato)));
 }
 
 ZARN_API CADENA zarnfxml_get_cadena_propiedad_inicio_bloque(zarnfxml_t *xml,

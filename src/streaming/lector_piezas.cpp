@@ -425,24 +425,24 @@ void Lexico::lee(i_pieza_t &pieza) {
 
 // ---- Pieces ----------------------------------------------------------------------------------
 
-zybool i_desapila_etiqueta(std::vector<std::string> &etiquetas_abiertas, std::string_view etiqueta,
-                           const char **mensaje, const std::string **etiqueta_esperada) {
+bool i_desapila_etiqueta(std::vector<std::string> &etiquetas_abiertas, std::string_view etiqueta,
+                         const char **mensaje, const std::string **etiqueta_esperada) {
     if (etiquetas_abiertas.empty()) {
         if (mensaje)
             *mensaje = "No open tags";
         if (etiqueta_esperada)
             *etiqueta_esperada = nullptr;
-        return FALSO;
+        return false;
     }
     if (etiquetas_abiertas.back() == etiqueta) {
         etiquetas_abiertas.pop_back();
-        return CIERTO;
+        return true;
     }
     if (mensaje)
         *mensaje = "The end tag does not match the initial tag";
     if (etiqueta_esperada)
         *etiqueta_esperada = &etiquetas_abiertas.back();
-    return FALSO;
+    return false;
 }
 
 std::string i_mensaje_error(const char *texto_error, const char *detalle1, const char *detalle2,

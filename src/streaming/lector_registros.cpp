@@ -142,21 +142,21 @@ i_tipo_registro_t i_lee_registro(i_xml_lectura *xml, zybool admite_campo_vacio) 
     return i_registro(xml).tipo_registro;
 }
 
-zybool i_lectura_terminada(const i_xml_lectura *xml) {
+bool i_lectura_terminada(const i_xml_lectura *xml) {
     ZARN_ASSERT_NO_NULL(xml, ORIGEN_STREAMING);
     const i_pieza_t *actual = xml->pieza_actual();
     if (!actual)
-        return FALSO;
+        return false;
     switch (actual->tipo_pieza) {
     case i_PIEZA_DEFINICION_COMENTARIO:
     case i_PIEZA_INICIO_BLOQUE:
     case i_PIEZA_INICIO_Y_FIN_BLOQUE:
     case i_PIEZA_DATO:
     case i_PIEZA_FIN_BLOQUE:
-        return FALSO;
+        return false;
     case i_PIEZA_FIN_FICHERO:
     case i_PIEZA_ERROR:
-        return CIERTO;
+        return true;
     case i_PIEZA_DEFINICION_FICHERO_XML:
     case i_PIEZA_NINGUNA:
         break;
@@ -166,20 +166,20 @@ zybool i_lectura_terminada(const i_xml_lectura *xml) {
 
 void i_asigna_error_especial(i_xml_lectura *xml, std::string mensaje) {
     ZARN_ASSERT_NO_NULL(xml, ORIGEN_STREAMING);
-    ZARN_ASSERT(xml->error_especial == FALSO, ORIGEN_STREAMING);
+    ZARN_ASSERT_TEXTO(!xml->error_especial, "xml->error_especial == FALSO", ORIGEN_STREAMING);
     ZARN_ASSERT_TEXTO(xml->mensaje_error_especial.empty(), "xml->mensaje_error_especial == NULL",
                       ORIGEN_STREAMING);
-    xml->error_especial = CIERTO;
+    xml->error_especial = true;
     xml->mensaje_error_especial = std::move(mensaje);
 }
 
-zybool i_hay_error_lectura(const i_xml_lectura *xml, CADENA *mensaje) {
+bool i_hay_error_lectura(const i_xml_lectura *xml, CADENA *mensaje) {
     ZARN_ASSERT_NO_NULL(xml, ORIGEN_STREAMING);
     const std::string *texto = nullptr;
     if (xml->error_especial) {
         texto = &xml->mensaje_error_especial;
     } else if (!xml->pieza_actual()) {
-        return FALSO;
+        return false;
     } else {
         switch (xml->pieza_actual()->tipo_pieza) {
         case i_PIEZA_DEFINICION_COMENTARIO:
@@ -188,7 +188,7 @@ zybool i_hay_error_lectura(const i_xml_lectura *xml, CADENA *mensaje) {
         case i_PIEZA_DATO:
         case i_PIEZA_FIN_BLOQUE:
         case i_PIEZA_FIN_FICHERO:
-            return FALSO;
+            return false;
         case i_PIEZA_ERROR:
             texto = &xml->pieza_actual()->mensaje_error;
             break;
@@ -198,7 +198,7 @@ zybool i_hay_error_lectura(const i_xml_lectura *xml, CADENA *mensaje) {
     }
     if (mensaje)
         *mensaje = zarn::dup(*texto);
-    return CIERTO;
+    return true;
 }
 
 // ---- Content of a record ---------------------------------------------------------------------
@@ -255,13 +255,11 @@ const i_dato_t &i_dato_registro(const i_registro_t *registro) {
     ZARN_DEFAULT_ERROR(ORIGEN_STREAMING);
 }
 
-zybool i_es_etiqueta_registro_igual(const i_xml_lectura *xml, const char *etiqueta) {
+bool i_es_etiqueta_registro_igual(const i_xml_lectura *xml, const char *etiqueta) {
     ZARN_ASSERT_NO_NULL(xml, ORIGEN_STREAMING);
     ZARN_ASSERT_NO_NULL(etiqueta, ORIGEN_STREAMING);
     return zarn::iguales_may_o_min(std::string_view(i_etiqueta_registro(&i_registro(xml))),
-                                   std::string_view(etiqueta))
-               ? CIERTO
-               : FALSO;
+                                   std::string_view(etiqueta));
 }
 
 const i_propiedad_lectura_t *i_busca_propiedad(const i_propiedades_t &propiedades,
@@ -272,14 +270,12 @@ const i_propiedad_lectura_t *i_busca_propiedad(const i_propiedades_t &propiedade
     return nullptr;
 }
 
-zybool i_existe_propiedad_con_dato(const i_propiedades_t &propiedades, const char *nombre,
-                                   const char16_t *dato) {
+bool i_existe_propiedad_con_dato(const i_propiedades_t &propiedades, const char *nombre,
+                                 const char16_t *dato) {
     ZARN_ASSERT_NO_NULL(nombre, ORIGEN_STREAMING);
     const i_propiedad_lectura_t *p = i_busca_propiedad(propiedades, nombre);
     if (!p)
-        return FALSO;
+        return false;
     return zarn::iguales_may_o_min(std::u16string_view(p->dato_propiedad.texto()),
-                                   zarn::vista(dato))
-               ? CIERTO
-               : FALSO;
+                                   zarn::vista(dato));
 }

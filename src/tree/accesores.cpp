@@ -169,52 +169,52 @@ zybool i_existe_propiedad_texto(const zarnxml_nodo_t *nodo, const char *texto_pr
     });
 }
 
-zybool i_existe_propiedad_cadena(const zarnxml_nodo_t *nodo, const char *texto_propiedad,
-                                 CADENA *valor) {
+bool i_existe_propiedad_cadena(const zarnxml_nodo_t *nodo, const char *texto_propiedad,
+                               CADENA *valor) {
     return i_existe_propiedad_texto(nodo, texto_propiedad, valor,
                                     [](std::u16string_view d) { return zarn::dup_utf8(d); });
 }
 
-zybool i_existe_propiedad_cadena_u(const zarnxml_nodo_t *nodo, const char *texto_propiedad,
-                                   CADENA_u *valor) {
+bool i_existe_propiedad_cadena_u(const zarnxml_nodo_t *nodo, const char *texto_propiedad,
+                                 CADENA_u *valor) {
     return i_existe_propiedad_texto(nodo, texto_propiedad, valor,
                                     [](std::u16string_view d) { return zarn::dup_u(d); });
 }
 
-zybool i_existe_propiedad_bool(const zarnxml_nodo_t *nodo, const char *texto_propiedad,
-                               zybool *valor) {
+bool i_existe_propiedad_bool(const zarnxml_nodo_t *nodo, const char *texto_propiedad,
+                             zybool *valor) {
     ZARN_ASSERT_NO_NULL(nodo, ORIGEN);
     const zarnxml_configuracion_t *conf = conf_de(nodo);
     const zarnxml_propiedad_t *p = i_busca_propiedad(nodo, texto_propiedad);
-    return zarn::zb(p && i_es_dato_bool(p->dato_propiedad, conf, valor));
+    return p && i_es_dato_bool(p->dato_propiedad, conf, valor);
 }
 
-zybool i_existe_dato_hijo_long(const zarnxml_nodo_t *nodo, const char *etiqueta, int32_t *valor) {
+bool i_existe_dato_hijo_long(const zarnxml_nodo_t *nodo, const char *etiqueta, int32_t *valor) {
     return i_existe_dato_hijo(nodo, etiqueta, valor, [](const zarnxml_nodo_t *hijo) {
         return *i_dato(hijo) ? i_atol_u(i_dato(hijo)) : LONG_VACIO;
     });
 }
 
-zybool i_existe_dato_hijo_ulong(const zarnxml_nodo_t *nodo, const char *etiqueta, uint32_t *valor) {
+bool i_existe_dato_hijo_ulong(const zarnxml_nodo_t *nodo, const char *etiqueta, uint32_t *valor) {
     return i_existe_dato_hijo(nodo, etiqueta, valor, [](const zarnxml_nodo_t *hijo) {
         return *i_dato(hijo) ? i_atoul_u(i_dato(hijo)) : ULONG_VACIO;
     });
 }
 
-zybool i_existe_dato_hijo_bool(const zarnxml_nodo_t *nodo, const char *etiqueta, zybool *valor) {
+bool i_existe_dato_hijo_bool(const zarnxml_nodo_t *nodo, const char *etiqueta, zybool *valor) {
     const zarnxml_nodo_t *hijo = hijo_opcional(nodo, etiqueta);
-    return zarn::zb(hijo && i_es_dato_bool(i_dato(hijo), conf_de(hijo), valor));
+    return hijo && i_es_dato_bool(i_dato(hijo), conf_de(hijo), valor);
 }
 
-zybool i_existe_dato_hijo_ArrULong(const zarnxml_nodo_t *nodo, const char *etiqueta,
-                                   ArrULong *valor) {
+bool i_existe_dato_hijo_ArrULong(const zarnxml_nodo_t *nodo, const char *etiqueta,
+                                 ArrULong *valor) {
     const zarnxml_nodo_t *hijo = hijo_opcional(nodo, etiqueta);
     if (!hijo)
-        return FALSO;
+        return false;
     const zarnxml_configuracion_t *conf = conf_de(hijo);
     if (valor)
         *valor = i_lista_ulong(vista_dato(hijo), conf->separador_items);
-    return CIERTO;
+    return true;
 }
 
 int32_t i_get_dato_hijo_long_opcional(const zarnxml_nodo_t *nodo, const char *etiqueta,
@@ -383,12 +383,12 @@ ZARN_API zybool zarnxml_existe_dato_hijo_cadena(const zarnxml_nodo_t *nodo, cons
 
 ZARN_API zybool zarnxml_existe_dato_hijo_long(const zarnxml_nodo_t *nodo, const char *etiqueta,
                                               int32_t *valor) {
-    return i_existe_dato_hijo_long(nodo, etiqueta, valor);
+    return zarn::zb(i_existe_dato_hijo_long(nodo, etiqueta, valor));
 }
 
 ZARN_API zybool zarnxml_existe_dato_hijo_ulong(const zarnxml_nodo_t *nodo, const char *etiqueta,
                                                uint32_t *valor) {
-    return i_existe_dato_hijo_ulong(nodo, etiqueta, valor);
+    return zarn::zb(i_existe_dato_hijo_ulong(nodo, etiqueta, valor));
 }
 
 ZARN_API zybool zarnxml_existe_dato_hijo_ushort(const zarnxml_nodo_t *nodo, const char *etiqueta,
@@ -416,7 +416,7 @@ ZARN_API zybool zarnxml_existe_dato_hijo_fecha(const zarnxml_nodo_t *nodo, const
 
 ZARN_API zybool zarnxml_existe_dato_hijo_bool(const zarnxml_nodo_t *nodo, const char *etiqueta,
                                               zybool *valor) {
-    return i_existe_dato_hijo_bool(nodo, etiqueta, valor);
+    return zarn::zb(i_existe_dato_hijo_bool(nodo, etiqueta, valor));
 }
 
 ZARN_API zybool zarnxml_existe_dato_hijo_ArrDouble(const zarnxml_nodo_t *nodo, const char *etiqueta,
@@ -432,7 +432,7 @@ ZARN_API zybool zarnxml_existe_dato_hijo_ArrDouble(const zarnxml_nodo_t *nodo, c
 
 ZARN_API zybool zarnxml_existe_dato_hijo_ArrULong(const zarnxml_nodo_t *nodo, const char *etiqueta,
                                                   ArrULong *valor) {
-    return i_existe_dato_hijo_ArrULong(nodo, etiqueta, valor);
+    return zarn::zb(i_existe_dato_hijo_ArrULong(nodo, etiqueta, valor));
 }
 
 // ---- A child's datum: the child may be missing, with a default --------------------------------
@@ -493,12 +493,12 @@ ZARN_API ArrCADENA_u zarnxml_get_ArrCadenaU_hijos(const zarnxml_nodo_t *nodo,
 
 ZARN_API zybool zarnxml_existe_propiedad_cadena(const zarnxml_nodo_t *nodo,
                                                 const char *texto_propiedad, CADENA *valor) {
-    return i_existe_propiedad_cadena(nodo, texto_propiedad, valor);
+    return zarn::zb(i_existe_propiedad_cadena(nodo, texto_propiedad, valor));
 }
 
 ZARN_API zybool zarnxml_existe_propiedad_cadena_u(const zarnxml_nodo_t *nodo,
                                                   const char *texto_propiedad, CADENA_u *valor) {
-    return i_existe_propiedad_cadena_u(nodo, texto_propiedad, valor);
+    return zarn::zb(i_existe_propiedad_cadena_u(nodo, texto_propiedad, valor));
 }
 
 ZARN_API zybool zarnxml_existe_propiedad_double(const zarnxml_nodo_t *nodo,
@@ -519,7 +519,7 @@ ZARN_API zybool zarnxml_existe_propiedad_ulong(const zarnxml_nodo_t *nodo,
 
 ZARN_API zybool zarnxml_existe_propiedad_bool(const zarnxml_nodo_t *nodo,
                                               const char *texto_propiedad, zybool *valor) {
-    return i_existe_propiedad_bool(nodo, texto_propiedad, valor);
+    return zarn::zb(i_existe_propiedad_bool(nodo, texto_propiedad, valor));
 }
 
 // ---- Through a sequential reader -----------------------------------------------------------
@@ -527,19 +527,19 @@ ZARN_API zybool zarnxml_existe_propiedad_bool(const zarnxml_nodo_t *nodo,
 ZARN_API zybool zarnxml_in_existe_propiedad_bool(const zarnxml_lectura_t *xml,
                                                  const char *texto_propiedad, zybool *valor) {
     ZARN_ASSERT_NO_NULL(xml, ORIGEN);
-    return i_existe_propiedad_bool(xml->nodo_actual, texto_propiedad, valor);
+    return zarn::zb(i_existe_propiedad_bool(xml->nodo_actual, texto_propiedad, valor));
 }
 
 ZARN_API zybool zarnxml_in_existe_propiedad_cadena(const zarnxml_lectura_t *xml,
                                                    const char *texto_propiedad, CADENA *valor) {
     ZARN_ASSERT_NO_NULL(xml, ORIGEN);
-    return i_existe_propiedad_cadena(xml->nodo_actual, texto_propiedad, valor);
+    return zarn::zb(i_existe_propiedad_cadena(xml->nodo_actual, texto_propiedad, valor));
 }
 
 ZARN_API zybool zarnxml_in_existe_propiedad_cadena_u(const zarnxml_lectura_t *xml,
                                                      const char *texto_propiedad, CADENA_u *valor) {
     ZARN_ASSERT_NO_NULL(xml, ORIGEN);
-    return i_existe_propiedad_cadena_u(xml->nodo_actual, texto_propiedad, valor);
+    return zarn::zb(i_existe_propiedad_cadena_u(xml->nodo_actual, texto_propiedad, valor));
 }
 
 } // extern "C"

@@ -192,33 +192,32 @@ uint32_t i_get_dato_ulong(const zarnxml_nodo_t *nodo);
 int32_t i_get_dato_long(const zarnxml_nodo_t *nodo);
 zybool i_get_dato_bool(const zarnxml_nodo_t *nodo);
 CADENA i_get_dato_cadena(const zarnxml_nodo_t *nodo);
-zybool i_existe_propiedad_cadena(const zarnxml_nodo_t *nodo, const char *texto_propiedad,
-                                 CADENA *valor);
-zybool i_existe_propiedad_cadena_u(const zarnxml_nodo_t *nodo, const char *texto_propiedad,
-                                   CADENA_u *valor);
-zybool i_existe_propiedad_bool(const zarnxml_nodo_t *nodo, const char *texto_propiedad,
-                               zybool *valor);
-zybool i_existe_dato_hijo_long(const zarnxml_nodo_t *nodo, const char *etiqueta, int32_t *valor);
-zybool i_existe_dato_hijo_ulong(const zarnxml_nodo_t *nodo, const char *etiqueta, uint32_t *valor);
-zybool i_existe_dato_hijo_bool(const zarnxml_nodo_t *nodo, const char *etiqueta, zybool *valor);
-zybool i_existe_dato_hijo_ArrULong(const zarnxml_nodo_t *nodo, const char *etiqueta,
-                                   ArrULong *valor);
+bool i_existe_propiedad_cadena(const zarnxml_nodo_t *nodo, const char *texto_propiedad,
+                               CADENA *valor);
+bool i_existe_propiedad_cadena_u(const zarnxml_nodo_t *nodo, const char *texto_propiedad,
+                                 CADENA_u *valor);
+bool i_existe_propiedad_bool(const zarnxml_nodo_t *nodo, const char *texto_propiedad,
+                             zybool *valor);
+bool i_existe_dato_hijo_long(const zarnxml_nodo_t *nodo, const char *etiqueta, int32_t *valor);
+bool i_existe_dato_hijo_ulong(const zarnxml_nodo_t *nodo, const char *etiqueta, uint32_t *valor);
+bool i_existe_dato_hijo_bool(const zarnxml_nodo_t *nodo, const char *etiqueta, zybool *valor);
+bool i_existe_dato_hijo_ArrULong(const zarnxml_nodo_t *nodo, const char *etiqueta, ArrULong *valor);
 int32_t i_get_dato_hijo_long_opcional(const zarnxml_nodo_t *nodo, const char *etiqueta,
                                       int32_t valor_defecto);
 int32_t i_get_dato_hijo_long(const zarnxml_nodo_t *nodo, const char *etiqueta);
 zybool i_get_dato_hijo_bool_opcional(const zarnxml_nodo_t *nodo, const char *etiqueta,
                                      zybool valor_defecto);
-zybool i_existe_nodo(const zarnxml_nodo_t *nodo, const char *etiqueta,
-                     const zarnxml_nodo_t **nodo_hijo);
-zybool i_existen_nodos(const zarnxml_nodo_t *nodo, const char *etiqueta,
+bool i_existe_nodo(const zarnxml_nodo_t *nodo, const char *etiqueta,
+                   const zarnxml_nodo_t **nodo_hijo);
+bool i_existen_nodos(const zarnxml_nodo_t *nodo, const char *etiqueta,
+                     ArrPuntero *nodos_encontrados);
+bool i_existe_nodos_ex(const zarnxml_nodo_t *nodo, const char *etiqueta,
+                       const char *texto_propiedad, const char16_t *dato_propiedad,
                        ArrPuntero *nodos_encontrados);
-zybool i_existe_nodos_ex(const zarnxml_nodo_t *nodo, const char *etiqueta,
-                         const char *texto_propiedad, const char16_t *dato_propiedad,
-                         ArrPuntero *nodos_encontrados);
-zybool i_existe_nodo_ex(const zarnxml_nodo_t *nodo, const char *etiqueta,
-                        const char *texto_propiedad, const char16_t *dato_propiedad,
-                        uint32_t indice, const zarnxml_nodo_t **nodo_hijo);
-zybool i_etiqueta_nodo_igual(const zarnxml_nodo_t *nodo, const char *etiqueta);
+bool i_existe_nodo_ex(const zarnxml_nodo_t *nodo, const char *etiqueta, const char *texto_propiedad,
+                      const char16_t *dato_propiedad, uint32_t indice,
+                      const zarnxml_nodo_t **nodo_hijo);
+bool i_etiqueta_nodo_igual(const zarnxml_nodo_t *nodo, const char *etiqueta);
 ArrPuntero i_nousar_lee_arr_punterosST(zarnxml_lectura_t *xml, const char *etiqueta,
                                        func_lee_xml func_item, func_lee_xml_1extra func_item_1extra,
                                        void *extra);

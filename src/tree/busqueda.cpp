@@ -140,25 +140,25 @@ bool i_tiene_propiedad_con_dato(const zarnxml_nodo_t *nodo, const char *texto_pr
 
 // ---- Interface -------------------------------------------------------------------------------
 
-zybool i_existe_nodo(const zarnxml_nodo_t *nodo, const char *etiqueta,
-                     const zarnxml_nodo_t **nodo_hijo) {
-    return zarn::zb(i_existe_hijo_unico(nodo, etiqueta, nodo_hijo));
+bool i_existe_nodo(const zarnxml_nodo_t *nodo, const char *etiqueta,
+                   const zarnxml_nodo_t **nodo_hijo) {
+    return i_existe_hijo_unico(nodo, etiqueta, nodo_hijo);
 }
 
-zybool i_existen_nodos(const zarnxml_nodo_t *nodo, const char *etiqueta,
-                       ArrPuntero *nodos_encontrados) {
+bool i_existen_nodos(const zarnxml_nodo_t *nodo, const char *etiqueta,
+                     ArrPuntero *nodos_encontrados) {
     return busca_hijos(nodo, etiqueta, nullptr, nullptr, nodos_encontrados);
 }
 
-zybool i_existe_nodos_ex(const zarnxml_nodo_t *nodo, const char *etiqueta,
-                         const char *texto_propiedad, const char16_t *dato_propiedad,
-                         ArrPuntero *nodos_encontrados) {
+bool i_existe_nodos_ex(const zarnxml_nodo_t *nodo, const char *etiqueta,
+                       const char *texto_propiedad, const char16_t *dato_propiedad,
+                       ArrPuntero *nodos_encontrados) {
     return busca_hijos(nodo, etiqueta, texto_propiedad, dato_propiedad, nodos_encontrados);
 }
 
-zybool i_existe_nodo_ex(const zarnxml_nodo_t *nodo, const char *etiqueta,
-                        const char *texto_propiedad, const char16_t *dato_propiedad,
-                        uint32_t indice, const zarnxml_nodo_t **nodo_hijo) {
+bool i_existe_nodo_ex(const zarnxml_nodo_t *nodo, const char *etiqueta, const char *texto_propiedad,
+                      const char16_t *dato_propiedad, uint32_t indice,
+                      const zarnxml_nodo_t **nodo_hijo) {
     ZARN_ASSERT_NO_NULL(nodo, ORIGEN);
     const zarnxml_nodo_t *encontrado = nullptr;
     uint32_t posicion = 0;
@@ -170,15 +170,15 @@ zybool i_existe_nodo_ex(const zarnxml_nodo_t *nodo, const char *etiqueta,
                               return false;
                           });
     if (!encontrado)
-        return FALSO;
+        return false;
     if (nodo_hijo)
         *nodo_hijo = encontrado;
-    return CIERTO;
+    return true;
 }
 
-zybool i_etiqueta_nodo_igual(const zarnxml_nodo_t *nodo, const char *etiqueta) {
+bool i_etiqueta_nodo_igual(const zarnxml_nodo_t *nodo, const char *etiqueta) {
     ZARN_ASSERT_NO_NULL(nodo, ORIGEN);
-    return zarn::zb(i_etiqueta_igual(nodo->etiqueta, etiqueta));
+    return i_etiqueta_igual(nodo->etiqueta, etiqueta);
 }
 
 extern "C" {
@@ -231,12 +231,12 @@ ZARN_API const zarnxml_propiedad_t *zarnxml_propiedad(const zarnxml_nodo_t *nodo
 }
 
 ZARN_API zybool zarnxml_etiqueta_igual(const zarnxml_nodo_t *nodo, const char *etiqueta) {
-    return i_etiqueta_nodo_igual(nodo, etiqueta);
+    return zarn::zb(i_etiqueta_nodo_igual(nodo, etiqueta));
 }
 
 ZARN_API zybool zarnxml_existe_nodo(const zarnxml_nodo_t *nodo, const char *etiqueta,
                                     const zarnxml_nodo_t **nodo_hijo) {
-    return i_existe_nodo(nodo, etiqueta, nodo_hijo);
+    return zarn::zb(i_existe_nodo(nodo, etiqueta, nodo_hijo));
 }
 
 ZARN_API const zarnxml_nodo_t *zarnxml_dame_nodo(const zarnxml_nodo_t *nodo, const char *etiqueta) {
@@ -248,19 +248,21 @@ ZARN_API const zarnxml_nodo_t *zarnxml_dame_nodo(const zarnxml_nodo_t *nodo, con
 
 ZARN_API zybool zarnxml_existen_nodos(const zarnxml_nodo_t *nodo, const char *etiqueta,
                                       ArrPuntero *nodos_encontrados) {
-    return i_existen_nodos(nodo, etiqueta, nodos_encontrados);
+    return zarn::zb(i_existen_nodos(nodo, etiqueta, nodos_encontrados));
 }
 
 ZARN_API zybool zarnxml_existe_nodos_ex(const zarnxml_nodo_t *nodo, const char *etiqueta,
                                         const char *texto_propiedad, const char16_t *dato_propiedad,
                                         ArrPuntero *nodos_encontrados) {
-    return i_existe_nodos_ex(nodo, etiqueta, texto_propiedad, dato_propiedad, nodos_encontrados);
+    return zarn::zb(
+        i_existe_nodos_ex(nodo, etiqueta, texto_propiedad, dato_propiedad, nodos_encontrados));
 }
 
 ZARN_API zybool zarnxml_existe_nodo_ex(const zarnxml_nodo_t *nodo, const char *etiqueta,
                                        const char *texto_propiedad, const char16_t *dato_propiedad,
                                        uint32_t indice, const zarnxml_nodo_t **nodo_hijo) {
-    return i_existe_nodo_ex(nodo, etiqueta, texto_propiedad, dato_propiedad, indice, nodo_hijo);
+    return zarn::zb(
+        i_existe_nodo_ex(nodo, etiqueta, texto_propiedad, dato_propiedad, indice, nodo_hijo));
 }
 
 ZARN_API zybool zarnxml_existe_nodo_ruta_ex(const zarnxml_nodo_t *xml, ArrCADENA ruta,
@@ -334,7 +336,7 @@ ZARN_API zybool zarnxml_existe_nodo_recursivamente(const zarnxml_nodo_t *nodo, c
 
 ZARN_API zybool zarnxml_es_etiqueta_nodo_raiz(const zarnxml_lectura_t *xml, const char *etiqueta) {
     ZARN_ASSERT_NO_NULL(xml, ORIGEN);
-    return i_etiqueta_nodo_igual(xml->xml_raiz, etiqueta);
+    return zarn::zb(i_etiqueta_nodo_igual(xml->xml_raiz, etiqueta));
 }
 
 ZARN_API zybool zarnxml_existe_etiqueta_con_propiedad_cadena(const zarnxml_lectura_t *xml,
@@ -345,12 +347,12 @@ ZARN_API zybool zarnxml_existe_etiqueta_con_propiedad_cadena(const zarnxml_lectu
     const zarnxml_nodo_t *hijo = nullptr;
     if (!i_existe_nodo(xml->nodo_actual, etiqueta, &hijo))
         return FALSO;
-    return i_existe_propiedad_cadena(hijo, texto_propiedad, dato);
+    return zarn::zb(i_existe_propiedad_cadena(hijo, texto_propiedad, dato));
 }
 
 ZARN_API zybool zarnxml_existe_dato(const zarnxml_lectura_t *xml, const char *etiqueta) {
     ZARN_ASSERT_NO_NULL(xml, ORIGEN);
-    return i_existe_nodo(xml->nodo_actual, etiqueta, nullptr);
+    return zarn::zb(i_existe_nodo(xml->nodo_actual, etiqueta, nullptr));
 }
 
 } // extern "C"
