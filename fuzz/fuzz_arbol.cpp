@@ -339,14 +339,14 @@ void compara_con_comprobacion(zybool hay_error, CADENA mensaje, zybool correcto,
             falla("%s: a message \"%s\" without an error", que, mensaje);
         if (!correcto)
             falla("%s: the check refuses the document (\"%s\"), the tree does not", que,
-                  mensaje_comprobacion.s);
+                  mensaje_comprobacion.p);
         return;
     }
     if (!fuzz::es_mensaje_de_comprobacion(mensaje))
         falla("%s: the message \"%s\" is not of the form \"Ln n, Col n\"", que,
               mensaje ? mensaje : "(null)");
     if (!correcto && mensaje_comprobacion.vista() != mensaje)
-        falla("%s: the tree says \"%s\", the check \"%s\"", que, mensaje, mensaje_comprobacion.s);
+        falla("%s: the tree says \"%s\", the check \"%s\"", que, mensaje, mensaje_comprobacion.p);
     if (correcto &&
         std::string_view(mensaje).find(": More than one root element (") == std::string_view::npos)
         falla("%s: the check takes the document, the tree says \"%s\"", que, mensaje);
@@ -494,16 +494,16 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t *datos, size_t tamanyo) {
     {
         fuzz::Lineas lineas(fuzz::lineas_de(texto));
         CADENA m = nullptr;
-        const zybool correcto = zarnfxml_es_lineas_xml_correcto(lineas.a, nullptr, &m, CIERTO);
+        const zybool correcto = zarnfxml_es_lineas_xml_correcto(lineas.p, nullptr, &m, CIERTO);
         fuzz::Cadena mensaje_comprobacion(m);
         Recorrido r;
         if (correcto)
-            zarnfxml_nousar_recorre_en_forma_de_arbol_u(lineas.a, visita_u, &r, &inicial, &inicial,
+            zarnfxml_nousar_recorre_en_forma_de_arbol_u(lineas.p, visita_u, &r, &inicial, &inicial,
                                                         CIERTO);
         zybool hay_error = 2;
         CADENA mensaje = nullptr;
-        ArrCADENA tomadas = lineas.a;
-        lineas.a = nullptr;
+        ArrCADENA tomadas = lineas.p;
+        lineas.p = nullptr;
         zarnxml_nodo_t *raiz = zarnxml_crea_de_lineas(&tomadas, "1", "0", &hay_error, &mensaje);
         if (tomadas)
             falla("zarnxml_crea_de_lineas left the lines");
@@ -535,8 +535,8 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t *datos, size_t tamanyo) {
     // Without the optional outputs.
     {
         fuzz::Lineas lineas(fuzz::lineas_de(texto));
-        ArrCADENA tomadas = lineas.a;
-        lineas.a = nullptr;
+        ArrCADENA tomadas = lineas.p;
+        lineas.p = nullptr;
         zarnxml_nodo_t *raiz = zarnxml_crea_de_lineas(&tomadas, "1", "0", nullptr, nullptr);
         zarnxml_destruye(&raiz);
     }

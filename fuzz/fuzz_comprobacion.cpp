@@ -84,14 +84,14 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t *datos, size_t tamanyo) {
     for (const zybool literal : {FALSO, CIERTO}) {
         for (const char *r : {static_cast<const char *>(nullptr), raiz.c_str()}) {
             const Respuesta de_fichero = comprueba_fichero(ruta, r, literal);
-            const Respuesta de_leidas = comprueba_lineas(leidas.a, r, literal);
+            const Respuesta de_leidas = comprueba_lineas(leidas.p, r, literal);
             if (!(de_fichero == de_leidas))
                 falla("the file gives %u \"%s\", its lines %u \"%s\" (literal %u, root %s)",
                       de_fichero.correcto, de_fichero.mensaje.c_str(), de_leidas.correcto,
                       de_leidas.mensaje.c_str(), literal, r ? r : "(null)");
             if (ancho)
                 continue;
-            const Respuesta de_propias = comprueba_lineas(propias.a, r, literal);
+            const Respuesta de_propias = comprueba_lineas(propias.p, r, literal);
             if (!(de_propias == de_leidas))
                 falla("the input's lines give %u \"%s\", the file's lines %u \"%s\" (literal %u, "
                       "root %s)",
