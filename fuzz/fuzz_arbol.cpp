@@ -451,19 +451,21 @@ std::string describe_arbol(Nodo *raiz, bool con_profundidad) {
     return s;
 }
 
+// One form's tree against the check's answer (the message m) and against the walk over the same
+// input; then every question over it, and the tree destroyed.
 void prueba_arbol(zarnxml_nodo_t *raiz, zybool hay_error, CADENA mensaje, zybool correcto,
-                  const fuzz::Cadena &mensaje_comprobacion, const char *que,
-                  const std::string &de_entrada, const std::u16string &separadores) {
-    fuzz::Cadena m(mensaje);
+                  CADENA m, const Recorrido &r, bool es_fichero, const std::string &de_entrada,
+                  const std::u16string &separadores) {
+    const char *que = es_fichero ? "file" : "lines";
+    fuzz::Cadena propio(mensaje), mensaje_comprobacion(m);
     if (!raiz)
         falla("%s: no root", que);
     compara_con_comprobacion(hay_error, mensaje, correcto, mensaje_comprobacion, que);
     if (hay_error)
         comprueba_en_blanco(raiz);
+    else if (correcto && describe_arbol(raiz, es_fichero) != r.texto)
+        falla("%s: the walk differs from the tree", que);
     recorre(raiz, de_entrada, separadores);
-}
-
-void destruye(zarnxml_nodo_t *raiz, const char *que) {
     zarnxml_destruye(&raiz);
     if (raiz)
         falla("%s: zarnxml_destruye left the handle", que);
@@ -481,52 +483,34 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t *datos, size_t tamanyo) {
     // From lines, data taken literally; the walk over the same lines.
     {
         fuzz::Lineas lineas(fuzz::lineas_de(texto));
-        CADENA m = nullptr;
+        CADENA m = nullptr, mensaje = nullptr;
         const zybool correcto = zarnfxml_es_lineas_xml_correcto(lineas.p, nullptr, &m, CIERTO);
-        fuzz::Cadena mensaje_comprobacion(m);
         Recorrido r;
         if (correcto)
             zarnfxml_nousar_recorre_en_forma_de_arbol_u(lineas.p, visita_u, &r, &inicial, &inicial,
                                                         CIERTO);
         zybool hay_error = 2;
-        CADENA mensaje = nullptr;
-        ArrCADENA tomadas = lineas.p;
-        lineas.p = nullptr;
-        zarnxml_nodo_t *raiz = zarnxml_crea_de_lineas(&tomadas, "1", "0", &hay_error, &mensaje);
-        if (tomadas)
+        zarnxml_nodo_t *raiz = zarnxml_crea_de_lineas(&lineas.p, "1", "0", &hay_error, &mensaje);
+        if (lineas.p)
             falla("zarnxml_crea_de_lineas left the lines");
-        prueba_arbol(raiz, hay_error, mensaje, correcto, mensaje_comprobacion, "lines", de_entrada,
-                     separadores);
-        if (correcto && !hay_error && describe_arbol(raiz, false) != r.texto)
-            falla("the walk over the lines differs from the tree");
-        destruye(raiz, "lines");
+        prueba_arbol(raiz, hay_error, mensaje, correcto, m, r, false, de_entrada, separadores);
     }
     // From a file, data normalised; the walk over the same file.
     {
         const char16_t *ruta = fichero().escribe(datos, tamanyo);
-        CADENA m = nullptr;
+        CADENA m = nullptr, mensaje = nullptr;
         const zybool correcto = zarnfxml_es_fichero_xml_correcto(ruta, nullptr, &m, FALSO);
-        fuzz::Cadena mensaje_comprobacion(m);
         Recorrido r;
         if (correcto)
             zarnfxml_nousar_recorre_en_forma_de_arbol(ruta, visita, &r, &inicial, &inicial);
         zybool hay_error = 2;
-        CADENA mensaje = nullptr;
         zarnxml_nodo_t *raiz =
             zarnxml_crea_de_fichero_u(ruta, "true", "false", &hay_error, &mensaje);
-        prueba_arbol(raiz, hay_error, mensaje, correcto, mensaje_comprobacion, "file", de_entrada,
-                     separadores);
-        if (correcto && !hay_error && describe_arbol(raiz, true) != r.texto)
-            falla("the walk over the file differs from the tree");
-        destruye(raiz, "file");
+        prueba_arbol(raiz, hay_error, mensaje, correcto, m, r, true, de_entrada, separadores);
     }
     // Without the optional outputs.
-    {
-        fuzz::Lineas lineas(fuzz::lineas_de(texto));
-        ArrCADENA tomadas = lineas.p;
-        lineas.p = nullptr;
-        zarnxml_nodo_t *raiz = zarnxml_crea_de_lineas(&tomadas, "1", "0", nullptr, nullptr);
-        zarnxml_destruye(&raiz);
-    }
+    fuzz::Lineas lineas(fuzz::lineas_de(texto));
+    zarnxml_nodo_t *raiz = zarnxml_crea_de_lineas(&lineas.p, "1", "0", nullptr, nullptr);
+    zarnxml_destruye(&raiz);
     return 0;
 }
