@@ -445,16 +445,16 @@ std::string describe_arbol(Nodo *raiz, bool con_profundidad) {
                  zarnxml_num_propiedades(e.n), con_profundidad ? e.profundidad : 0,
                  zarnxml_get_dato_cadena_u(e.n));
         for (uint32_t k = zarnxml_num_nodos_hijos(e.n); k-- > 0;)
-            pila.push_back({zarnxml_nodo_hijo(e.n, k), linea, zarnxml_get_etiqueta(e.n),
-                            e.profundidad + 1});
+            pila.push_back(
+                {zarnxml_nodo_hijo(e.n, k), linea, zarnxml_get_etiqueta(e.n), e.profundidad + 1});
     }
     return s;
 }
 
 // One form's tree against the check's answer (the message m) and against the walk over the same
 // input; then every question over it, and the tree destroyed.
-void prueba_arbol(zarnxml_nodo_t *raiz, zybool hay_error, CADENA mensaje, zybool correcto,
-                  CADENA m, const Recorrido &r, bool es_fichero, const std::string &de_entrada,
+void prueba_arbol(zarnxml_nodo_t *raiz, zybool hay_error, CADENA mensaje, zybool correcto, CADENA m,
+                  const Recorrido &r, bool es_fichero, const std::string &de_entrada,
                   const std::u16string &separadores) {
     const char *que = es_fichero ? "file" : "lines";
     fuzz::Cadena propio(mensaje), mensaje_comprobacion(m);

@@ -19,11 +19,8 @@ fuzz::FicheroTemporal &fichero() {
 struct Respuesta {
     zybool correcto;
     std::string mensaje;
+    bool operator==(const Respuesta &) const = default;
 };
-
-bool operator==(const Respuesta &a, const Respuesta &b) {
-    return a.correcto == b.correcto && a.mensaje == b.mensaje;
-}
 
 // The answer and its message, after the promises that every answer keeps.
 Respuesta toma(zybool correcto, CADENA mensaje, const char *que) {
