@@ -77,6 +77,11 @@ inline void escribe_fichero(const std::filesystem::path &p, const std::string &d
     out << datos;
 }
 
+// The bytes of the golden file tests/data/<nombre>.
+inline std::string dato(const std::string &nombre) {
+    return lee_fichero(ZARNXML_TEST_DATA "/" + nombre);
+}
+
 // The golden cases of tests/data/<carpeta>: each <name>.xml, in name order, with what is
 // expected of it, the text of <name><extension>.
 inline std::vector<std::pair<std::filesystem::path, std::string>> casos(const char *carpeta,

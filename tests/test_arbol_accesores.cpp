@@ -83,13 +83,7 @@ template <typename T> Forma existe_sin_valor(zybool (*f)(Nodo, const char *, T *
 }
 
 // The truth texts of this tree are "si" and "7", so that the present child is a truth text too.
-const char *DOC = "<r>\n"
-                  "  <p>7</p>\n"
-                  "  <v></v>\n"
-                  "  <blq><x>1</x></blq>\n"
-                  "  <d>1</d>\n"
-                  "  <d>2</d>\n"
-                  "</r>";
+const std::string DOC = dato("arbol/accesores.xml");
 
 TEST(ArbolAccesores, LaAusenciaEnSusTresFormas) {
     Arbol a(DOC, "si", "7");

@@ -23,13 +23,7 @@ std::string datos(ArrPuntero *nodos) {
     return s;
 }
 
-const char *DOC = "<r>\n"
-                  "  <b x=\"a\" y=\"1\">b1</b>\n"
-                  "  <B x=\"A\">b2</B>\n"
-                  "  <b x=\"a\" x=\"2\">b3</b>\n"
-                  "  <c>c1</c>\n"
-                  "  <\xc3\x89l>e1</\xc3\x89l>\n"
-                  "</r>";
+const std::string DOC = dato("arbol/busqueda.xml");
 
 TEST(ArbolBusqueda, EntreLosHijos) {
     Arbol a(DOC);

@@ -18,12 +18,6 @@ namespace fs = std::filesystem;
 
 constexpr uint32_t UN_MILLON = 1000000;
 
-std::string comprueba_fichero(const fs::path &ruta, const char *raiz = nullptr) {
-    CADENA m = nullptr;
-    const zybool bien = zarnfxml_es_fichero_xml_correcto(ruta.u16string().c_str(), raiz, &m, FALSO);
-    return bien ? (zarn::libera(m), "ok") : toma(m);
-}
-
 // What a UTF-8 writer writes into the file.
 template <typename F> void escribe_con(const fs::path &ruta, F &&graba) {
     zarnfxml_t *w = zarnfxml_crea_para_escritura_UTF_8();

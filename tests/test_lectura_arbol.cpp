@@ -191,12 +191,7 @@ void *de_nodo(const zarnxml_nodo_t *nodo) {
 }
 
 // L holds what zarnfxml_nousar_graba_arr_punterosST_como_lista_elementos_1extra writes.
-const char *const ESTRUCTURAS = "<r>\n\t<p k=\"a\"><n>1</n></p>\n\t<p k=\"b\"><n>2</n></p>\n"
-                                "\t<q><n>3</n></q>\n\t<M><otra>1</otra></M>\n"
-                                "\t<L>\n\t\t<list>\n\t\t\t<count>2</count>\n"
-                                "\t\t\t<item>\n\t\t\t\t<n>5</n>\n\t\t\t</item>\n"
-                                "\t\t\t<item>\n\t\t\t\t<n>6</n>\n\t\t\t</item>\n"
-                                "\t\t</list>\n\t</L>\n</r>";
+const std::string ESTRUCTURAS = dato("arbol/estructuras.xml");
 
 TEST(LecturaArbol, EstructurasConFuncionesDelLlamador) {
     Lectura xml = lectura(ESTRUCTURAS);

@@ -125,12 +125,7 @@ TEST(Recorrido, UnDocumentoQueAcabaDentroDeUnBloqueOMalFormado) {
 
 TEST(Recorrido, LaFormaDeFicheroDaTextosDeOchoBitsYLaRuta) {
     DirTemporal dir;
-    escribe_fichero(dir / "r.xml", "<?xml version=\"1.0\" encoding=\"UTF-8\"?>\n"
-                                   "<a p=\"\xe2\x82\xac\">\n"
-                                   "\t<b>Jos\xc3\xa9 &amp; co</b>\n"
-                                   "\t<c/>\n"
-                                   "\t<d><e>1</e></d>\n"
-                                   "</a>\n");
+    escribe_fichero(dir / "r.xml", dato("recorrido/fichero.xml"));
     Registro r;
     zarnfxml_nousar_recorre_en_forma_de_arbol(dir.u("r.xml").c_str(), proceso_fichero, &r, nullptr,
                                               &inicial);
