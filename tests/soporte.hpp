@@ -3,6 +3,7 @@
 // files and a tree owned by the scope.
 #pragma once
 
+#include "services/arrays.hpp"
 #include "services/servicios.hpp"
 
 #include <zarnxml/zarnxml.h>
@@ -17,6 +18,7 @@
 #include <iterator>
 #include <stdexcept>
 #include <string>
+#include <type_traits>
 #include <utility>
 #include <vector>
 
@@ -65,6 +67,18 @@ template <typename C> std::basic_string<C> toma(C *p) {
     std::basic_string<C> s = p ? p : std::basic_string<C>{'<', 'n', 'u', 'l', 'l', '>'};
     zarn::libera(p);
     return s;
+}
+
+// The elements of an array handed out by the library, as values (texts as strings); the array
+// is destroyed.
+template <typename A> auto elementos(A *a) {
+    using E = std::remove_cvref_t<decltype(a->v[0])>;
+    using T =
+        std::conditional_t<std::is_same_v<E, char *>, std::string,
+                           std::conditional_t<std::is_same_v<E, char16_t *>, std::u16string, E>>;
+    std::vector<T> r(a->v.begin(), a->v.end());
+    zarn::DestruyeArr{}(a);
+    return r;
 }
 
 inline std::string lee_fichero(const std::filesystem::path &p) {

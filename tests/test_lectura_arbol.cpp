@@ -37,11 +37,6 @@ std::string texto(CADENA_u s) {
     zarn::libera(s);
     return r;
 }
-std::vector<double> valores(ArrDouble arr) {
-    std::vector<double> v = arr->v;
-    arr_DestruyeDouble(&arr);
-    return v;
-}
 // The items of the tests are numbers carried in the pointers.
 void *item(intptr_t n) {
     return reinterpret_cast<void *>(n);
@@ -158,14 +153,14 @@ TEST(LecturaArbol, ArraysNumeradosComoLosGrabaElEscritor) {
             SCOPED_TRACE(t);
             const std::string tt = "t" + std::to_string(t), vt = "v" + std::to_string(t);
             x->dentro_de_bloque = FALSO;
-            EXPECT_EQ(valores(zarnxml_lee_arr_double_numerados(x, tt.c_str(), t)),
+            EXPECT_EQ(elementos(zarnxml_lee_arr_double_numerados(x, tt.c_str(), t)),
                       (std::vector<double>{1.5, -2}));
             // The reader stands where it stood; only the block forms leave the flag set.
             EXPECT_EQ(x->nodo_actual, r);
             EXPECT_EQ(x->pila_nodos.size(), 1u);
             EXPECT_EQ(x->dentro_de_bloque, t == 1 || t == 6 || t == 7 ? CIERTO : FALSO);
-            EXPECT_TRUE(valores(zarnxml_lee_arr_double_numerados(x, vt.c_str(), t)).empty());
-            EXPECT_TRUE(valores(zarnxml_lee_arr_double_numerados(x, "nada", t)).empty());
+            EXPECT_TRUE(elementos(zarnxml_lee_arr_double_numerados(x, vt.c_str(), t)).empty());
+            EXPECT_TRUE(elementos(zarnxml_lee_arr_double_numerados(x, "nada", t)).empty());
         }
         EXPECT_EQ(condicion_de([&] { zarnxml_lee_arr_double_numerados(x, "t0", 8); }), "");
     }

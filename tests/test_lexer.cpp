@@ -42,10 +42,7 @@ static std::vector<std::string> lineas_de_referencia(const std::u16string &ruta)
 }
 
 static std::vector<std::string> lineas_leidas(const std::u16string &ruta) {
-    ArrCADENA a = zarnfxml_lee_lineas_fichero(ruta.c_str());
-    std::vector<std::string> r(a->v.begin(), a->v.end());
-    arr_DestruyeCADENA(&a);
-    return r;
+    return elementos(zarnfxml_lee_lineas_fichero(ruta.c_str()));
 }
 
 TEST(Fuente, LasLineasDeUnFicheroSeCortanComoEnElServicioDeLineas) {
