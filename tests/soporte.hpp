@@ -41,15 +41,20 @@ struct ConManejadorQueLanza {
     ~ConManejadorQueLanza() { zyassert_instala_manejador(anterior); }
 };
 
-// Runs f and gives the condition text of the internal error that it ended in, or "<none>".
-template <typename F> std::string condicion_de(F &&f) {
+// Runs f and gives the internal error that it ended in, or one of the condition "<none>".
+template <typename F> ErrorInterno error_de(F &&f) {
     ConManejadorQueLanza con;
     try {
         f();
     } catch (const ErrorInterno &e) {
-        return e.condicion;
+        return e;
     }
-    return "<none>";
+    return ErrorInterno("<none>", nullptr);
+}
+
+// The condition text of the internal error that f ends in, or "<none>".
+template <typename F> std::string condicion_de(F &&f) {
+    return error_de(f).condicion;
 }
 
 // The condition text of the internal error that the statement ends in.

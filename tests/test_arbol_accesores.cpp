@@ -162,12 +162,12 @@ TEST(ArbolAccesores, ElDatoDelPropioNodo) {
     EXPECT_EQ(es(zarnxml_es_dato_bool, hijo("b")), "Y 0");
     EXPECT_EQ(es(zarnxml_es_dato_bool, hijo("t")), "N 42");
     EXPECT_EQ(zarnxml_get_dato_bool(hijo("b")), FALSO);
-    EXPECT_EQ(condicion_de([&] { zarnxml_get_dato_bool(hijo("t")); }), "es_dato_bool == CIERTO");
+    EXPECT_EQ(COND(zarnxml_get_dato_bool(hijo("t"))), "es_dato_bool == CIERTO");
     // A node with child elements lends no datum and reads as the empty text.
     EXPECT_EQ(zarnxml_get_dato_cadena_u(hijo("blq")), nullptr);
     EXPECT_EQ(zarnxml_get_dato_long(hijo("blq")), 0);
     EXPECT_EQ(texto(zarnxml_get_dato_cadena(hijo("blq"))), "");
-    EXPECT_EQ(condicion_de([] { zarnxml_get_dato_long(nullptr); }), "(nodo) != NULL");
+    EXPECT_EQ(COND(zarnxml_get_dato_long(nullptr)), "(nodo) != NULL");
 }
 
 TEST(ArbolAccesores, ListasEnUnDato) {

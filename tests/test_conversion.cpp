@@ -138,5 +138,5 @@ TEST(Conversion, ArrayOfWideTextsToUtf8) {
     EXPECT_EQ(elementos(unicode_array_salida_ANSI(origen)),
               (std::vector<std::string>{"a\xC3\xB1o", ""}));
     arr_DestruyeCADENA_u(&origen);
-    EXPECT_EQ(condicion_de([] { unicode_UNICODE_a_ANSI(nullptr); }), "(s) != NULL");
+    EXPECT_EQ(COND(unicode_UNICODE_a_ANSI(nullptr)), "(s) != NULL");
 }

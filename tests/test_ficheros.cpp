@@ -35,17 +35,6 @@ Lineas lee_lineas(const DirTemporal &d, const std::string &contenido,
     return lineas;
 }
 
-// Runs f and gives the internal error that it ended in.
-template <typename F> ErrorInterno error_de(F &&f) {
-    ConManejadorQueLanza con;
-    try {
-        f();
-    } catch (const ErrorInterno &e) {
-        return e;
-    }
-    return ErrorInterno("<none>", nullptr);
-}
-
 ArrCADENA arr(std::initializer_list<const char *> elems) {
     ArrCADENA a = arr_CreaCADENA(0);
     for (const char *e : elems)

@@ -148,7 +148,7 @@ TEST(Hilos, OchoDocumentosALaVez) {
                 if (t == 0) {
                     // The handler is swapped for the moment of a fault and put back.
                     zarnfxml_t *escritor = zarnfxml_crea_para_escritura_UTF_8();
-                    condiciones.push_back(condicion_de([&] { zarnfxml_lee_long(escritor, "x"); }));
+                    condiciones.push_back(COND(zarnfxml_lee_long(escritor, "x")));
                     zarnfxml_destruye_xml_escritura(&escritor);
                 }
             }

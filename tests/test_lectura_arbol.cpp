@@ -108,7 +108,7 @@ TEST(LecturaArbol, UnBloqueQueFaltaYUnDocumentoMalo) {
     EXPECT_EQ(texto(zarnxml_lee_cadena(x, "d")), "");
     zarnxml_lee_fin_bloque(x);
     zarnxml_lee_fin_bloque(x);
-    EXPECT_EQ(condicion_de([&] { zarnxml_lee_fin_bloque(x); }), "num_elems > 0");
+    EXPECT_EQ(COND(zarnxml_lee_fin_bloque(x)), "num_elems > 0");
 
     // From a file: a bad document still gives a reader, over a blank tree.
     DirTemporal dir;
@@ -162,7 +162,7 @@ TEST(LecturaArbol, ArraysNumeradosComoLosGrabaElEscritor) {
             EXPECT_TRUE(elementos(zarnxml_lee_arr_double_numerados(x, vt.c_str(), t)).empty());
             EXPECT_TRUE(elementos(zarnxml_lee_arr_double_numerados(x, "nada", t)).empty());
         }
-        EXPECT_EQ(condicion_de([&] { zarnxml_lee_arr_double_numerados(x, "t0", 8); }), "");
+        EXPECT_EQ(COND(zarnxml_lee_arr_double_numerados(x, "t0", 8)), "");
     }
 }
 
@@ -244,14 +244,12 @@ void *cierra_de_mas(zarnxml_lectura_t *x) {
 TEST(LecturaArbol, FallosDelProgramaLlamador) {
     Lectura xml = lectura(ESTRUCTURAS);
     zarnxml_lectura_t *x = xml.get();
-    EXPECT_EQ(condicion_de([&] { zarnxml_lee_long(x, "b"); }), "(nodo) != NULL");
-    EXPECT_EQ(condicion_de([&] { zarnxml_lee_fin_bloque(x); }), "num_elems > 0");
+    EXPECT_EQ(COND(zarnxml_lee_long(x, "b")), "(nodo) != NULL");
+    EXPECT_EQ(COND(zarnxml_lee_fin_bloque(x)), "num_elems > 0");
     zarnxml_lee_inicio_bloque(x, "r");
-    EXPECT_EQ(condicion_de([&] { zarnxml_lee_bool(x, "q"); }), "es_dato_bool == CIERTO");
-    EXPECT_EQ(condicion_de([&] { zarnxml_lee_long(x, "p"); }), "num_nodos_encontrados == 1");
-    EXPECT_EQ(condicion_de([&] {
-                  zarnxml_nousar_lee_arr_punterosST_ConPropiedadFija(x, "p", "k", u"a", nullptr);
-              }),
+    EXPECT_EQ(COND(zarnxml_lee_bool(x, "q")), "es_dato_bool == CIERTO");
+    EXPECT_EQ(COND(zarnxml_lee_long(x, "p")), "num_nodos_encontrados == 1");
+    EXPECT_EQ(COND(zarnxml_nousar_lee_arr_punterosST_ConPropiedadFija(x, "p", "k", u"a", nullptr)),
               "(func_lee_xml_item) != NULL");
     const struct {
         const char *condicion;
@@ -266,11 +264,9 @@ TEST(LecturaArbol, FallosDelProgramaLlamador) {
     for (const auto &caso : casos) {
         Lectura otra = lectura(ESTRUCTURAS); // a fault leaves the reader where it stood
         zarnxml_lee_inicio_bloque(otra.get(), "r");
-        EXPECT_EQ(condicion_de([&] {
-                      zarnxml_nousar_lee_estructura(otra.get(), "q", caso.f, caso.f_1extra,
-                                                    nullptr);
-                  }),
-                  caso.condicion);
+        EXPECT_EQ(
+            COND(zarnxml_nousar_lee_estructura(otra.get(), "q", caso.f, caso.f_1extra, nullptr)),
+            caso.condicion);
     }
 }
 

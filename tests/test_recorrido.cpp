@@ -120,7 +120,7 @@ TEST(Recorrido, UnDocumentoQueAcabaDentroDeUnBloqueOMalFormado) {
               (Llamadas{"||a||#|inicial", "a|a|b||1|a", "a|a|c||#|a"}));
     EXPECT_EQ(recorre("<a><b>1</b></c>").llamadas, (Llamadas{"||a||#|inicial", "a|a|b||1|a"}));
     // A datum beside child elements ends in the default error, which has no condition text.
-    EXPECT_EQ(condicion_de([] { recorre("<a>x<b/></a>"); }), "");
+    EXPECT_EQ(COND(recorre("<a>x<b/></a>")), "");
 }
 
 TEST(Recorrido, LaFormaDeFicheroDaTextosDeOchoBitsYLaRuta) {
