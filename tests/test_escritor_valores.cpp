@@ -18,10 +18,6 @@ ArrPuntero lista(std::initializer_list<std::pair<const char *, const char *>> ps
     return p;
 }
 
-std::u16string toma_u(CADENA_u c) {
-    return std::unique_ptr<char16_t, decltype(&free)>(c, free).get();
-}
-
 CADENA mayusculas(const char *linea) {
     CADENA r = strdup(linea);
     for (char *c = r; *c; ++c)
@@ -102,11 +98,11 @@ TEST(EscritorEscalares, Numeros) {
     zarnfxml_graba_ulong_con_propiedad(e, "t", 17, "p", 2.5);
     zarnfxml_graba_ulong_con_propiedad(e, "t", 0, "p", -1234.567);
     EXPECT_EQ(texto_de(e), dato("escritor/numeros.xml"));
-    EXPECT_EQ(toma_u(zarnfxml_double_a_texto_con_todos_decimales(3.5, 145, 6)), u"3.500000");
-    EXPECT_EQ(toma_u(zarnfxml_double_a_texto_sin_decimales_si_no_tiene(3.0, 145, 6)), u"3");
+    EXPECT_EQ(toma(zarnfxml_double_a_texto_con_todos_decimales(3.5, 145, 6)), u"3.500000");
+    EXPECT_EQ(toma(zarnfxml_double_a_texto_sin_decimales_si_no_tiene(3.0, 145, 6)), u"3");
     ArrDouble ds = arr_CreaDouble(0);
     arr_AppendDouble(ds, 1.0), arr_AppendDouble(ds, 2.5);
-    EXPECT_EQ(toma_u(zarnfxml_doubles_a_texto_sin_decimales_si_no_tiene(ds, 145, 6, u"; ")),
+    EXPECT_EQ(toma(zarnfxml_doubles_a_texto_sin_decimales_si_no_tiene(ds, 145, 6, u"; ")),
               u"1; 2.5");
     arr_DestruyeDouble(&ds);
 }

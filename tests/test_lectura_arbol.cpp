@@ -29,14 +29,6 @@ Lectura lectura(const std::string &texto) {
     return Lectura(i_crea_lectura_de_arbol(&raiz));
 }
 
-std::string texto(CADENA s) {
-    return toma(s);
-}
-std::string texto(CADENA_u s) {
-    std::string r = s ? zarn::utf16_a_utf8(s) : "<null>";
-    zarn::libera(s);
-    return r;
-}
 // The items of the tests are numbers carried in the pointers.
 void *item(intptr_t n) {
     return reinterpret_cast<void *>(n);
@@ -70,10 +62,10 @@ TEST(LecturaArbol, CamposConSusValoresPorDefecto) {
     EXPECT_EQ(zarnxml_lee_bool(x, "t"), CIERTO);
     EXPECT_EQ(zarnxml_lee_bool(x, "nada"), FALSO);
     EXPECT_EQ(zarnxml_lee_bool_opcional(x, "nada", CIERTO), CIERTO);
-    EXPECT_EQ(texto(zarnxml_lee_cadena(x, "s")), "T\xC3\xBA & yo");
-    EXPECT_EQ(texto(zarnxml_lee_cadena_u(x, "s")), "T\xC3\xBA & yo");
-    EXPECT_EQ(texto(zarnxml_lee_cadena_u(x, "nada")), "");
-    EXPECT_EQ(texto(zarnxml_lee_cadena_u(x, "c")), ""); // a block has the empty text
+    EXPECT_EQ(toma(zarnxml_lee_cadena(x, "s")), "T\xC3\xBA & yo");
+    EXPECT_EQ(toma(zarnxml_lee_cadena_u(x, "s")), u"T\u00fa & yo");
+    EXPECT_EQ(toma(zarnxml_lee_cadena_u(x, "nada")), u"");
+    EXPECT_EQ(toma(zarnxml_lee_cadena_u(x, "c")), u""); // a block has the empty text
 
     double valor = -1.0;
     EXPECT_EQ(zarnxml_se_lee_double(x, "nada", &valor), FALSO);
@@ -85,7 +77,7 @@ TEST(LecturaArbol, CamposConSusValoresPorDefecto) {
     EXPECT_EQ(zarnxml_se_lee_cadena_u(x, "nada", &dato), FALSO);
     EXPECT_EQ(dato, nullptr);
     EXPECT_EQ(zarnxml_se_lee_cadena_u(x, "s", &dato), CIERTO);
-    EXPECT_EQ(texto(dato), "T\xC3\xBA & yo");
+    EXPECT_EQ(toma(dato), u"T\u00fa & yo");
 
     zarnxml_lee_inicio_bloque(x, "c");
     EXPECT_EQ(zarnxml_lee_long(x, "d"), 4);
@@ -105,7 +97,7 @@ TEST(LecturaArbol, UnBloqueQueFaltaYUnDocumentoMalo) {
     EXPECT_EQ(zarnxml_lee_long_opcional(x, "b", 9), 9);
     zarnxml_lee_inicio_bloque(x, "c");
     EXPECT_EQ(x->nodo_actual, x->nodo_vacio);
-    EXPECT_EQ(texto(zarnxml_lee_cadena(x, "d")), "");
+    EXPECT_EQ(toma(zarnxml_lee_cadena(x, "d")), "");
     zarnxml_lee_fin_bloque(x);
     zarnxml_lee_fin_bloque(x);
     EXPECT_EQ(COND(zarnxml_lee_fin_bloque(x)), "num_elems > 0");
@@ -118,7 +110,7 @@ TEST(LecturaArbol, UnBloqueQueFaltaYUnDocumentoMalo) {
     Lectura mal(zarnxml_crea_para_lectura_de_fichero_u(dir.u("mal.xml").c_str(), "1", "0",
                                                        &hay_error, &mensaje));
     EXPECT_EQ(hay_error, CIERTO);
-    EXPECT_EQ(texto(mensaje), "Ln 3, Col 4: The end tag does not match the initial tag (a) (x)");
+    EXPECT_EQ(toma(mensaje), "Ln 3, Col 4: The end tag does not match the initial tag (a) (x)");
     zarnxml_lee_inicio_bloque(mal.get(), "a");
     EXPECT_EQ(mal->nodo_actual, mal->nodo_vacio);
     EXPECT_EQ(zarnxml_lee_long_opcional(mal.get(), "b", 3), 3);
@@ -141,7 +133,7 @@ TEST(LecturaArbol, ArraysNumeradosComoLosGrabaElEscritor) {
     DirTemporal dir;
     zarnfxml_genera_fichero_salida(w, dir.u("arr.xml").c_str());
     std::vector<Lectura> lecturas;
-    lecturas.push_back(lectura(texto(zarnfxml_xml_escritura_a_char(w, CIERTO))));
+    lecturas.push_back(lectura(toma(zarnfxml_xml_escritura_a_char(w, CIERTO))));
     lecturas.emplace_back(zarnxml_crea_para_lectura_de_fichero_u(dir.u("arr.xml").c_str(), "1", "0",
                                                                  nullptr, nullptr));
     zarnfxml_destruye_xml_escritura(&w);
