@@ -339,14 +339,14 @@ void compara_con_comprobacion(zybool hay_error, CADENA mensaje, zybool correcto,
             falla("%s: a message \"%s\" without an error", que, mensaje);
         if (!correcto)
             falla("%s: the check refuses the document (\"%s\"), the tree does not", que,
-                  mensaje_comprobacion.s);
+                  mensaje_comprobacion.p);
         return;
     }
     if (!fuzz::es_mensaje_de_comprobacion(mensaje))
         falla("%s: the message \"%s\" is not of the form \"Ln n, Col n\"", que,
               mensaje ? mensaje : "(null)");
     if (!correcto && mensaje_comprobacion.vista() != mensaje)
-        falla("%s: the tree says \"%s\", the check \"%s\"", que, mensaje, mensaje_comprobacion.s);
+        falla("%s: the tree says \"%s\", the check \"%s\"", que, mensaje, mensaje_comprobacion.p);
     if (correcto &&
         std::string_view(mensaje).find(": More than one root element (") == std::string_view::npos)
         falla("%s: the check takes the document, the tree says \"%s\"", que, mensaje);
@@ -361,55 +361,53 @@ std::string etiqueta_de_entrada(std::string_view texto) {
 
 // ---- The tree walk ------------------------------------------------------------------------
 
-// What the walk hands the caller's function for one element.
-struct Visita {
-    std::string etiqueta;
-    bool hay_dato;
-    std::u16string dato;
-    uint32_t num_propiedades;
-};
-
-struct Recorrido {
-    std::vector<Visita> visitas;
-    std::vector<size_t> profundidades; // file form: the length of ruta_etiquetas
-};
-
-// The walk's resultado_inicial, and the results of the elements: their number plus one.
-int inicial;
-void *resultado_de(size_t indice) {
-    return reinterpret_cast<void *>(static_cast<uintptr_t>(indice + 1));
+// The walk and the tree each describe the elements in document order, a line each: the number
+// of the parent's line (0 for none) and its tag, the element's tag, its number of properties,
+// its depth (0 where the walk does not tell it) and its datum, if any, with its length.
+void describe(std::string &s, size_t padre, const char *etiqueta_padre, const char *etiqueta,
+              uint32_t num_propiedades, size_t profundidad, const char16_t *dato) {
+    s += std::to_string(padre) + " " + etiqueta_padre + " > " + etiqueta + " " +
+         std::to_string(num_propiedades) + " " + std::to_string(profundidad);
+    if (dato) {
+        const std::u16string_view d(dato);
+        s += " " + std::to_string(d.size()) + ":";
+        s.append(reinterpret_cast<const char *>(d.data()), d.size() * sizeof(char16_t));
+    }
+    s += '\n';
 }
 
-// The parent that the walk tells of is the block whose result it hands on.
-void comprueba_padre(const Recorrido &r, const char *etiqueta_padre,
-                     const char *etiqueta_padre_con_propiedades, void *resultado_padre) {
-    if (!etiqueta_padre || !etiqueta_padre_con_propiedades)
-        falla("walk: a null parent tag");
-    if (resultado_padre == &inicial) {
-        if (*etiqueta_padre != '\0')
-            falla("walk: a top element with the parent tag \"%s\"", etiqueta_padre);
-        return;
-    }
-    const size_t padre = reinterpret_cast<uintptr_t>(resultado_padre) - 1;
-    if (padre >= r.visitas.size() || r.visitas[padre].hay_dato ||
-        r.visitas[padre].etiqueta != etiqueta_padre)
-        falla("walk: the parent result does not belong to the parent \"%s\"", etiqueta_padre);
+// What the walk described; the result it hands on for an element is the number of its line.
+struct Recorrido {
+    std::string texto;
+    uintptr_t elementos = 0;
+};
+
+// The walk's resultado_inicial.
+int inicial;
+
+void anota(void *contexto1, void *contexto2, const char *etiqueta_padre,
+           const char *etiqueta_padre_con_propiedades, const char *etiqueta, uint32_t textos,
+           uint32_t datos, zybool hay_dato, const char16_t *dato, size_t profundidad,
+           void *resultado_padre, void **resultado) {
+    auto &r = *static_cast<Recorrido *>(contexto1);
+    if (contexto2 != &inicial || !etiqueta || !resultado || !etiqueta_padre ||
+        !etiqueta_padre_con_propiedades)
+        falla("walk: the arguments of a call");
+    if (textos != datos || (hay_dato == CIERTO) != (dato != nullptr))
+        falla("walk: properties or datum of %s out of step", etiqueta);
+    const uintptr_t padre =
+        resultado_padre == &inicial ? 0 : reinterpret_cast<uintptr_t>(resultado_padre);
+    describe(r.texto, padre, etiqueta_padre, etiqueta, textos, profundidad, dato);
+    *resultado = reinterpret_cast<void *>(++r.elementos);
 }
 
 zybool visita_u(const char *etiqueta_padre, const char *etiqueta_padre_con_propiedades,
                 const char *etiqueta, ArrCADENA textos, ArrCADENA_u datos, zybool hay_dato,
                 const char16_t *dato, void *contexto1, void *contexto2, void *resultado_padre,
                 void **resultado) {
-    auto &r = *static_cast<Recorrido *>(contexto1);
-    if (contexto2 != &inicial || !etiqueta || !resultado)
-        falla("walk: the arguments of a call");
-    comprueba_padre(r, etiqueta_padre, etiqueta_padre_con_propiedades, resultado_padre);
-    if (arr_NumElemsCADENA(textos) != arr_NumElemsCADENA_u(datos) ||
-        (hay_dato == CIERTO) != (dato != nullptr))
-        falla("walk: properties or datum of %s out of step", etiqueta);
-    r.visitas.push_back(
-        {etiqueta, hay_dato == CIERTO, dato ? dato : u"", arr_NumElemsCADENA(textos)});
-    *resultado = resultado_de(r.visitas.size() - 1);
+    anota(contexto1, contexto2, etiqueta_padre, etiqueta_padre_con_propiedades, etiqueta,
+          arr_NumElemsCADENA(textos), arr_NumElemsCADENA_u(datos), hay_dato, dato, 0,
+          resultado_padre, resultado);
     return CIERTO;
 }
 
@@ -417,65 +415,57 @@ zybool visita(ArrCADENA ruta, const char *etiqueta_padre,
               const char *etiqueta_padre_con_propiedades, const char *etiqueta, ArrCADENA textos,
               ArrCADENA datos, zybool hay_dato, const char *dato, void *contexto1, void *contexto2,
               void *resultado_padre, void **resultado) {
-    auto &r = *static_cast<Recorrido *>(contexto1);
-    if (contexto2 != &inicial || !etiqueta || !resultado || !ruta)
-        falla("walk: the arguments of a call");
     const uint32_t n = arr_NumElemsCADENA(ruta);
-    if (n == 0 || std::string_view(arr_GetCADENA(ruta, n - 1)) != etiqueta)
-        falla("walk: the path does not end in %s", etiqueta);
-    comprueba_padre(r, etiqueta_padre, etiqueta_padre_con_propiedades, resultado_padre);
-    if (arr_NumElemsCADENA(textos) != arr_NumElemsCADENA(datos) ||
-        (hay_dato == CIERTO) != (dato != nullptr))
-        falla("walk: properties or datum of %s out of step", etiqueta);
+    if (n == 0 || !etiqueta || std::string_view(arr_GetCADENA(ruta, n - 1)) != etiqueta)
+        falla("walk: the path does not end in %s", etiqueta ? etiqueta : "(null)");
     fuzz::CadenaU ancho(dato ? unicode_convierte_ANSI_a_UNICODE(dato) : nullptr);
-    r.visitas.push_back(
-        {etiqueta, hay_dato == CIERTO, std::u16string(ancho.vista()), arr_NumElemsCADENA(textos)});
-    r.profundidades.push_back(n);
-    *resultado = resultado_de(r.visitas.size() - 1);
+    anota(contexto1, contexto2, etiqueta_padre, etiqueta_padre_con_propiedades, etiqueta,
+          arr_NumElemsCADENA(textos), arr_NumElemsCADENA(datos), hay_dato, ancho.p, n,
+          resultado_padre, resultado);
     return CIERTO;
 }
 
-// The walk meets the elements of a good document as the tree holds them, in document order.
-void compara_recorrido(Nodo *raiz, const Recorrido &r, const char *que) {
-    std::vector<std::pair<Nodo *, size_t>> pila;
-    if (zarnxml_hay_datos(raiz) || zarnxml_num_nodos_hijos(raiz) > 0 ||
-        zarnxml_get_dato_cadena_u(raiz) != nullptr)
-        pila.push_back({raiz, 1});
-    size_t i = 0;
-    for (; !pila.empty(); ++i) {
-        const auto [n, profundidad] = pila.back();
+// The tree's description, with the depths when the walk tells them.
+std::string describe_arbol(Nodo *raiz, bool con_profundidad) {
+    std::string s;
+    if (!zarnxml_hay_datos(raiz) && zarnxml_num_nodos_hijos(raiz) == 0 &&
+        zarnxml_get_dato_cadena_u(raiz) == nullptr)
+        return s;
+    struct EnPila {
+        Nodo *n;
+        size_t padre;
+        const char *etiqueta_padre;
+        size_t profundidad;
+    };
+    std::vector<EnPila> pila{{raiz, 0, "", 1}};
+    for (size_t linea = 1; !pila.empty(); ++linea) {
+        const EnPila e = pila.back();
         pila.pop_back();
-        if (i >= r.visitas.size())
-            falla("%s: the walk misses the node %s", que, zarnxml_get_etiqueta(n));
-        const Visita &v = r.visitas[i];
-        const char16_t *dato = zarnxml_get_dato_cadena_u(n);
-        if (v.etiqueta != zarnxml_get_etiqueta(n) || v.hay_dato != (dato != nullptr) ||
-            (dato && v.dato != dato) || v.num_propiedades != zarnxml_num_propiedades(n))
-            falla("%s: the walk's element %zu (%s) differs from the tree's node %s", que, i,
-                  v.etiqueta.c_str(), zarnxml_get_etiqueta(n));
-        if (!r.profundidades.empty() && r.profundidades[i] != profundidad)
-            falla("%s: a path of %zu tags for a node at depth %zu", que, r.profundidades[i],
-                  profundidad);
-        for (uint32_t k = zarnxml_num_nodos_hijos(n); k-- > 0;)
-            pila.push_back({zarnxml_nodo_hijo(n, k), profundidad + 1});
+        describe(s, e.padre, e.etiqueta_padre, zarnxml_get_etiqueta(e.n),
+                 zarnxml_num_propiedades(e.n), con_profundidad ? e.profundidad : 0,
+                 zarnxml_get_dato_cadena_u(e.n));
+        for (uint32_t k = zarnxml_num_nodos_hijos(e.n); k-- > 0;)
+            pila.push_back(
+                {zarnxml_nodo_hijo(e.n, k), linea, zarnxml_get_etiqueta(e.n), e.profundidad + 1});
     }
-    if (i != r.visitas.size())
-        falla("%s: the walk calls %zu times for %zu nodes", que, r.visitas.size(), i);
+    return s;
 }
 
-void prueba_arbol(zarnxml_nodo_t *raiz, zybool hay_error, CADENA mensaje, zybool correcto,
-                  const fuzz::Cadena &mensaje_comprobacion, const char *que,
-                  const std::string &de_entrada, const std::u16string &separadores) {
-    fuzz::Cadena m(mensaje);
+// One form's tree against the check's answer (the message m) and against the walk over the same
+// input; then every question over it, and the tree destroyed.
+void prueba_arbol(zarnxml_nodo_t *raiz, zybool hay_error, CADENA mensaje, zybool correcto, CADENA m,
+                  const Recorrido &r, bool es_fichero, const std::string &de_entrada,
+                  const std::u16string &separadores) {
+    const char *que = es_fichero ? "file" : "lines";
+    fuzz::Cadena propio(mensaje), mensaje_comprobacion(m);
     if (!raiz)
         falla("%s: no root", que);
     compara_con_comprobacion(hay_error, mensaje, correcto, mensaje_comprobacion, que);
     if (hay_error)
         comprueba_en_blanco(raiz);
+    else if (correcto && describe_arbol(raiz, es_fichero) != r.texto)
+        falla("%s: the walk differs from the tree", que);
     recorre(raiz, de_entrada, separadores);
-}
-
-void destruye(zarnxml_nodo_t *raiz, const char *que) {
     zarnxml_destruye(&raiz);
     if (raiz)
         falla("%s: zarnxml_destruye left the handle", que);
@@ -493,52 +483,34 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t *datos, size_t tamanyo) {
     // From lines, data taken literally; the walk over the same lines.
     {
         fuzz::Lineas lineas(fuzz::lineas_de(texto));
-        CADENA m = nullptr;
-        const zybool correcto = zarnfxml_es_lineas_xml_correcto(lineas.a, nullptr, &m, CIERTO);
-        fuzz::Cadena mensaje_comprobacion(m);
+        CADENA m = nullptr, mensaje = nullptr;
+        const zybool correcto = zarnfxml_es_lineas_xml_correcto(lineas.p, nullptr, &m, CIERTO);
         Recorrido r;
         if (correcto)
-            zarnfxml_nousar_recorre_en_forma_de_arbol_u(lineas.a, visita_u, &r, &inicial, &inicial,
+            zarnfxml_nousar_recorre_en_forma_de_arbol_u(lineas.p, visita_u, &r, &inicial, &inicial,
                                                         CIERTO);
         zybool hay_error = 2;
-        CADENA mensaje = nullptr;
-        ArrCADENA tomadas = lineas.a;
-        lineas.a = nullptr;
-        zarnxml_nodo_t *raiz = zarnxml_crea_de_lineas(&tomadas, "1", "0", &hay_error, &mensaje);
-        if (tomadas)
+        zarnxml_nodo_t *raiz = zarnxml_crea_de_lineas(&lineas.p, "1", "0", &hay_error, &mensaje);
+        if (lineas.p)
             falla("zarnxml_crea_de_lineas left the lines");
-        prueba_arbol(raiz, hay_error, mensaje, correcto, mensaje_comprobacion, "lines", de_entrada,
-                     separadores);
-        if (correcto && !hay_error)
-            compara_recorrido(raiz, r, "walk over lines");
-        destruye(raiz, "lines");
+        prueba_arbol(raiz, hay_error, mensaje, correcto, m, r, false, de_entrada, separadores);
     }
     // From a file, data normalised; the walk over the same file.
     {
         const char16_t *ruta = fichero().escribe(datos, tamanyo);
-        CADENA m = nullptr;
+        CADENA m = nullptr, mensaje = nullptr;
         const zybool correcto = zarnfxml_es_fichero_xml_correcto(ruta, nullptr, &m, FALSO);
-        fuzz::Cadena mensaje_comprobacion(m);
         Recorrido r;
         if (correcto)
             zarnfxml_nousar_recorre_en_forma_de_arbol(ruta, visita, &r, &inicial, &inicial);
         zybool hay_error = 2;
-        CADENA mensaje = nullptr;
         zarnxml_nodo_t *raiz =
             zarnxml_crea_de_fichero_u(ruta, "true", "false", &hay_error, &mensaje);
-        prueba_arbol(raiz, hay_error, mensaje, correcto, mensaje_comprobacion, "file", de_entrada,
-                     separadores);
-        if (correcto && !hay_error)
-            compara_recorrido(raiz, r, "walk over the file");
-        destruye(raiz, "file");
+        prueba_arbol(raiz, hay_error, mensaje, correcto, m, r, true, de_entrada, separadores);
     }
     // Without the optional outputs.
-    {
-        fuzz::Lineas lineas(fuzz::lineas_de(texto));
-        ArrCADENA tomadas = lineas.a;
-        lineas.a = nullptr;
-        zarnxml_nodo_t *raiz = zarnxml_crea_de_lineas(&tomadas, "1", "0", nullptr, nullptr);
-        zarnxml_destruye(&raiz);
-    }
+    fuzz::Lineas lineas(fuzz::lineas_de(texto));
+    zarnxml_nodo_t *raiz = zarnxml_crea_de_lineas(&lineas.p, "1", "0", nullptr, nullptr);
+    zarnxml_destruye(&raiz);
     return 0;
 }

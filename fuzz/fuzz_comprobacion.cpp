@@ -19,11 +19,8 @@ fuzz::FicheroTemporal &fichero() {
 struct Respuesta {
     zybool correcto;
     std::string mensaje;
+    bool operator==(const Respuesta &) const = default;
 };
-
-bool operator==(const Respuesta &a, const Respuesta &b) {
-    return a.correcto == b.correcto && a.mensaje == b.mensaje;
-}
 
 // The answer and its message, after the promises that every answer keeps.
 Respuesta toma(zybool correcto, CADENA mensaje, const char *que) {
@@ -84,14 +81,14 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t *datos, size_t tamanyo) {
     for (const zybool literal : {FALSO, CIERTO}) {
         for (const char *r : {static_cast<const char *>(nullptr), raiz.c_str()}) {
             const Respuesta de_fichero = comprueba_fichero(ruta, r, literal);
-            const Respuesta de_leidas = comprueba_lineas(leidas.a, r, literal);
+            const Respuesta de_leidas = comprueba_lineas(leidas.p, r, literal);
             if (!(de_fichero == de_leidas))
                 falla("the file gives %u \"%s\", its lines %u \"%s\" (literal %u, root %s)",
                       de_fichero.correcto, de_fichero.mensaje.c_str(), de_leidas.correcto,
                       de_leidas.mensaje.c_str(), literal, r ? r : "(null)");
             if (ancho)
                 continue;
-            const Respuesta de_propias = comprueba_lineas(propias.a, r, literal);
+            const Respuesta de_propias = comprueba_lineas(propias.p, r, literal);
             if (!(de_propias == de_leidas))
                 falla("the input's lines give %u \"%s\", the file's lines %u \"%s\" (literal %u, "
                       "root %s)",

@@ -4,6 +4,9 @@
 // promise.
 #pragma once
 
+#include "services/arrays.hpp"
+#include "services/servicios.hpp"
+
 #include <zarnxml/zarnxml.h>
 
 #include <cstdarg>
@@ -17,6 +20,7 @@
 #include <string>
 #include <string_view>
 #include <system_error>
+#include <type_traits>
 
 #include <unistd.h>
 
@@ -156,67 +160,34 @@ inline bool es_mensaje_de_comprobacion(const char *m) {
     return m && std::regex_match(m, forma);
 }
 
-// Owners of what the library hands out (its strings are malloc'd blocks).
-struct Cadena {
-    CADENA s = nullptr;
-    Cadena() = default;
-    explicit Cadena(CADENA c) : s(c) {}
-    ~Cadena() { std::free(s); }
-    Cadena(const Cadena &) = delete;
-    Cadena &operator=(const Cadena &) = delete;
-    std::string_view vista() const { return s ? std::string_view(s) : std::string_view(); }
-};
-
-struct CadenaU {
-    CADENA_u s = nullptr;
-    CadenaU() = default;
-    explicit CadenaU(CADENA_u c) : s(c) {}
-    ~CadenaU() { std::free(s); }
-    CadenaU(const CadenaU &) = delete;
-    CadenaU &operator=(const CadenaU &) = delete;
-    std::u16string_view vista() const { return s ? std::u16string_view(s) : std::u16string_view(); }
-};
-
-// Frees what a read handed out, whatever it is.
-inline void libera(CADENA s) {
-    std::free(s);
-}
-inline void libera(CADENA_u s) {
-    std::free(s);
-}
-inline void libera(ArrCADENA a) {
-    arr_DestruyeCADENA(&a);
-}
-inline void libera(ArrCADENA_u a) {
-    arr_DestruyeCADENA_u(&a);
-}
-inline void libera(ArrDouble a) {
-    arr_DestruyeDouble(&a);
+// Frees what a read handed out, whatever it is: the library's strings are malloc'd blocks.
+template <typename T> void libera(T *p) {
+    if constexpr (std::is_invocable_v<zarn::DestruyeArr, T *>) {
+        if (p)
+            zarn::DestruyeArr{}(p);
+    } else {
+        std::free(p);
+    }
 }
 inline void libera(ArrULong a) {
     arr_DestruyeULong(&a);
 }
-inline void libera(ArrPunto2D a) {
-    arr_DestruyePunto2D(&a);
-}
 inline void libera(fichmem *f) {
     fichmem_destruye(&f);
 }
-inline void libera(ArrPuntero a) {
-    if (a)
-        arr_DestruyeEstructurasConstConTipo(&a);
-}
 
-struct Lineas {
-    ArrCADENA a = nullptr;
-    Lineas() = default;
-    explicit Lineas(ArrCADENA l) : a(l) {}
-    ~Lineas() {
-        if (a)
-            arr_DestruyeCADENA(&a);
-    }
-    Lineas(const Lineas &) = delete;
-    Lineas &operator=(const Lineas &) = delete;
+// What the library hands out, owned for a scope.
+template <typename T> struct Propio {
+    T *p = nullptr;
+    Propio() = default;
+    explicit Propio(T *tomado) : p(tomado) {}
+    ~Propio() { libera(p); }
+    Propio(const Propio &) = delete;
+    Propio &operator=(const Propio &) = delete;
+    auto vista() const { return zarn::vista(p); }
 };
+using Cadena = Propio<char>;
+using CadenaU = Propio<char16_t>;
+using Lineas = Propio<ArrCADENA_s>;
 
 } // namespace fuzz

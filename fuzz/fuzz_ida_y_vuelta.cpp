@@ -380,28 +380,28 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t *datos, size_t tamanyo) {
     fuzz::Lineas lineas(fuzz::lineas_de(texto.vista()));
     for (const zybool literal : {FALSO, CIERTO}) {
         CADENA m = nullptr;
-        if (!zarnfxml_es_lineas_xml_correcto(lineas.a, els[0].etiqueta.c_str(), &m, literal)) {
-            std::fprintf(stderr, "%s\n", texto.s);
+        if (!zarnfxml_es_lineas_xml_correcto(lineas.p, els[0].etiqueta.c_str(), &m, literal)) {
+            std::fprintf(stderr, "%s\n", texto.p);
             falla("the check refuses what the %s writer wrote: %s", p.nombre, m);
         }
     }
 
     Comparacion de_lineas(els, "tree from lines");
-    zarnxml_nodo_t *raiz = arbol(fuzz::lineas_de(texto.vista()), nullptr, p, texto.s);
+    zarnxml_nodo_t *raiz = arbol(fuzz::lineas_de(texto.vista()), nullptr, p, texto.p);
     de_lineas.compara(raiz, 0);
     de_lineas.bytes(raiz, 0);
     zarnxml_destruye(&raiz);
 
     {
         fuzz::ConManejadorQueLanza con_manejador;
-        zarnfxml_t *r = zarnfxml_crea_para_lectura_de_lineas(lineas.a, CIERTO);
+        zarnfxml_t *r = zarnfxml_crea_para_lectura_de_lineas(lineas.p, CIERTO);
         try {
             size_t k = 0;
             lee_estricto(r, els, 0, p, de_lineas.textos, k);
             if (zarnfxml_lee_siguiente(r, nullptr, nullptr, nullptr, nullptr))
                 falla("strict: something is left behind the root");
         } catch (const fuzz::ErrorInterno &e) {
-            std::fprintf(stderr, "%s\n", texto.s);
+            std::fprintf(stderr, "%s\n", texto.p);
             falla("strict: the reader refuses what the %s writer wrote: %s (%s)", p.nombre,
                   e.condicion.c_str(), e.mensaje.c_str());
         }
@@ -409,9 +409,9 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t *datos, size_t tamanyo) {
     }
 
     const char16_t *ruta =
-        fichero.escribe(reinterpret_cast<const uint8_t *>(texto.s), texto.vista().size());
+        fichero.escribe(reinterpret_cast<const uint8_t *>(texto.p), texto.vista().size());
     Comparacion de_fichero(els, "tree from the file");
-    raiz = arbol(nullptr, ruta, p, texto.s);
+    raiz = arbol(nullptr, ruta, p, texto.p);
     de_fichero.compara(raiz, 0);
     zarnxml_destruye(&raiz);
     return 0;

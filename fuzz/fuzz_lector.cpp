@@ -359,12 +359,12 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t *datos, size_t tamanyo) {
         ruta = fichero().escribe(reinterpret_cast<const uint8_t *>(doc.data()), doc.size());
         if (!zarnfxml_es_fichero_xml_correcto(ruta, nullptr, nullptr, FALSO))
             return 0;
-    } else if (!zarnfxml_es_lineas_xml_correcto(lineas.a, nullptr, nullptr, literal)) {
+    } else if (!zarnfxml_es_lineas_xml_correcto(lineas.p, nullptr, nullptr, literal)) {
         return 0;
     }
     const auto crea = [&] {
         return de_fichero ? zarnfxml_crea_para_lectura_de_fichero_u(ruta)
-                          : zarnfxml_crea_para_lectura_de_lineas(lineas.a, literal);
+                          : zarnfxml_crea_para_lectura_de_lineas(lineas.p, literal);
     };
 
     fuzz::ConManejadorQueLanza con_manejador;

@@ -142,4 +142,15 @@ inline std::string comprueba(std::initializer_list<std::string> lineas, const ch
     return comprueba_lineas(l, raiz, literal);
 }
 
+// "ok", or the message of the check over the file.
+inline std::string comprueba_fichero(const std::filesystem::path &ruta, const char *raiz = nullptr,
+                                     bool literal = false) {
+    CADENA mensaje = nullptr;
+    const zybool bien = zarnfxml_es_fichero_xml_correcto(ruta.u16string().c_str(), raiz, &mensaje,
+                                                         literal ? CIERTO : FALSO);
+    std::string r = bien ? "ok" : (mensaje ? std::string(mensaje) : std::string("<no message>"));
+    zarn::libera(mensaje);
+    return r;
+}
+
 using V = std::vector<std::string>;

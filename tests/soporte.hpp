@@ -3,6 +3,7 @@
 // files and a tree owned by the scope.
 #pragma once
 
+#include "services/arrays.hpp"
 #include "services/servicios.hpp"
 
 #include <zarnxml/zarnxml.h>
@@ -17,6 +18,7 @@
 #include <iterator>
 #include <stdexcept>
 #include <string>
+#include <type_traits>
 #include <utility>
 #include <vector>
 
@@ -39,15 +41,20 @@ struct ConManejadorQueLanza {
     ~ConManejadorQueLanza() { zyassert_instala_manejador(anterior); }
 };
 
-// Runs f and gives the condition text of the internal error that it ended in, or "<none>".
-template <typename F> std::string condicion_de(F &&f) {
+// Runs f and gives the internal error that it ended in, or one of the condition "<none>".
+template <typename F> ErrorInterno error_de(F &&f) {
     ConManejadorQueLanza con;
     try {
         f();
     } catch (const ErrorInterno &e) {
-        return e.condicion;
+        return e;
     }
-    return "<none>";
+    return ErrorInterno("<none>", nullptr);
+}
+
+// The condition text of the internal error that f ends in, or "<none>".
+template <typename F> std::string condicion_de(F &&f) {
+    return error_de(f).condicion;
 }
 
 // The condition text of the internal error that the statement ends in.
@@ -67,6 +74,18 @@ template <typename C> std::basic_string<C> toma(C *p) {
     return s;
 }
 
+// The elements of an array handed out by the library, as values (texts as strings); the array
+// is destroyed.
+template <typename A> auto elementos(A *a) {
+    using E = std::remove_cvref_t<decltype(a->v[0])>;
+    using T =
+        std::conditional_t<std::is_same_v<E, char *>, std::string,
+                           std::conditional_t<std::is_same_v<E, char16_t *>, std::u16string, E>>;
+    std::vector<T> r(a->v.begin(), a->v.end());
+    zarn::DestruyeArr{}(a);
+    return r;
+}
+
 inline std::string lee_fichero(const std::filesystem::path &p) {
     std::ifstream in(p, std::ios::binary);
     return std::string(std::istreambuf_iterator<char>(in), std::istreambuf_iterator<char>());
@@ -75,6 +94,11 @@ inline std::string lee_fichero(const std::filesystem::path &p) {
 inline void escribe_fichero(const std::filesystem::path &p, const std::string &datos) {
     std::ofstream out(p, std::ios::binary);
     out << datos;
+}
+
+// The bytes of the golden file tests/data/<nombre>.
+inline std::string dato(const std::string &nombre) {
+    return lee_fichero(ZARNXML_TEST_DATA "/" + nombre);
 }
 
 // The golden cases of tests/data/<carpeta>: each <name>.xml, in name order, with what is

@@ -91,11 +91,10 @@ TEST(Arbol, SinElementosLaRaizQuedaEnBlancoSinError) {
         EXPECT_EQ(a.mensaje, "ok");
         espera_en_blanco(a);
     }
-    EXPECT_EQ(condicion_de([] { zarnxml_crea_de_lineas(nullptr, "1", "0", nullptr, nullptr); }),
+    EXPECT_EQ(COND(zarnxml_crea_de_lineas(nullptr, "1", "0", nullptr, nullptr)),
               "(lineas_xml) != NULL");
-    EXPECT_EQ(condicion_de([] { zarnxml_destruye(nullptr); }), "(xml) != NULL");
-    EXPECT_EQ(condicion_de(
-                  [] { zarnxml_crea_de_fichero_u(u"/no/existe.xml", "1", "0", nullptr, nullptr); }),
+    EXPECT_EQ(COND(zarnxml_destruye(nullptr)), "(xml) != NULL");
+    EXPECT_EQ(COND(zarnxml_crea_de_fichero_u(u"/no/existe.xml", "1", "0", nullptr, nullptr)),
               "fichero abierto");
 }
 

@@ -83,13 +83,7 @@ template <typename T> Forma existe_sin_valor(zybool (*f)(Nodo, const char *, T *
 }
 
 // The truth texts of this tree are "si" and "7", so that the present child is a truth text too.
-const char *DOC = "<r>\n"
-                  "  <p>7</p>\n"
-                  "  <v></v>\n"
-                  "  <blq><x>1</x></blq>\n"
-                  "  <d>1</d>\n"
-                  "  <d>2</d>\n"
-                  "</r>";
+const std::string DOC = dato("arbol/accesores.xml");
 
 TEST(ArbolAccesores, LaAusenciaEnSusTresFormas) {
     Arbol a(DOC, "si", "7");
@@ -168,12 +162,12 @@ TEST(ArbolAccesores, ElDatoDelPropioNodo) {
     EXPECT_EQ(es(zarnxml_es_dato_bool, hijo("b")), "Y 0");
     EXPECT_EQ(es(zarnxml_es_dato_bool, hijo("t")), "N 42");
     EXPECT_EQ(zarnxml_get_dato_bool(hijo("b")), FALSO);
-    EXPECT_EQ(condicion_de([&] { zarnxml_get_dato_bool(hijo("t")); }), "es_dato_bool == CIERTO");
+    EXPECT_EQ(COND(zarnxml_get_dato_bool(hijo("t"))), "es_dato_bool == CIERTO");
     // A node with child elements lends no datum and reads as the empty text.
     EXPECT_EQ(zarnxml_get_dato_cadena_u(hijo("blq")), nullptr);
     EXPECT_EQ(zarnxml_get_dato_long(hijo("blq")), 0);
     EXPECT_EQ(texto(zarnxml_get_dato_cadena(hijo("blq"))), "");
-    EXPECT_EQ(condicion_de([] { zarnxml_get_dato_long(nullptr); }), "(nodo) != NULL");
+    EXPECT_EQ(COND(zarnxml_get_dato_long(nullptr)), "(nodo) != NULL");
 }
 
 TEST(ArbolAccesores, ListasEnUnDato) {

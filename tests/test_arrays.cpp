@@ -126,19 +126,19 @@ TEST(ArrPunteros, DestruyeYCopiaEstructuras) {
 }
 
 TEST(ArrErrores, HandleNuloEIndiceFueraDeRango) {
-    EXPECT_EQ(condicion_de([] { arr_NumElemsCADENA(nullptr); }), "(arr) != NULL");
-    EXPECT_EQ(condicion_de([] { apunorde_nousar_numelems(nullptr); }), "(arr) != NULL");
+    EXPECT_EQ(COND(arr_NumElemsCADENA(nullptr)), "(arr) != NULL");
+    EXPECT_EQ(COND(apunorde_nousar_numelems(nullptr)), "(arr) != NULL");
 
     ArrCADENA cad = arr_CreaCADENA(0);
     CADENA nula = nullptr;
     arr_AppendCADENA(cad, "a");
-    EXPECT_EQ(condicion_de([&] { arr_SetCADENA(cad, 1, "b"); }), "ind < num_elems");
-    EXPECT_EQ(condicion_de([&] { arr_AppendCADENA(cad, nullptr); }), "(valor) != NULL");
-    EXPECT_EQ(condicion_de([&] { arr_AppendCADENAOriginal(cad, &nula); }), "(*valor) != NULL");
+    EXPECT_EQ(COND(arr_SetCADENA(cad, 1, "b")), "ind < num_elems");
+    EXPECT_EQ(COND(arr_AppendCADENA(cad, nullptr)), "(valor) != NULL");
+    EXPECT_EQ(COND(arr_AppendCADENAOriginal(cad, &nula)), "(*valor) != NULL");
     EXPECT_EQ(textos(cad), std::vector<std::string>{"a"});
     arr_DestruyeCADENA(&cad);
 
     ArrPuntero p = arr_CreaPunteroConTipo(0);
-    EXPECT_EQ(condicion_de([&] { arr_InsertarPunteroConTipo(p, 1, &p); }), "ind <= num_elems");
+    EXPECT_EQ(COND(arr_InsertarPunteroConTipo(p, 1, &p)), "ind <= num_elems");
     arr_DestruyeEstructurasConstConTipo(&p);
 }

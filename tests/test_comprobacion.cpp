@@ -8,16 +8,6 @@
 
 namespace fs = std::filesystem;
 
-static std::string comprueba_fichero(const fs::path &ruta, const char *raiz = nullptr,
-                                     bool literal = false) {
-    CADENA mensaje = nullptr;
-    const zybool bien = zarnfxml_es_fichero_xml_correcto(ruta.u16string().c_str(), raiz, &mensaje,
-                                                         literal ? CIERTO : FALSO);
-    std::string r = bien ? "ok" : (mensaje ? std::string(mensaje) : std::string("<no message>"));
-    zarn::libera(mensaje);
-    return r;
-}
-
 TEST(Comprobacion, EtiquetaRaiz) {
     EXPECT_EQ(comprueba({"<x><y/></x>"}, "raiz"), "Ln 1, Col 8: Expected word (raiz)");
     EXPECT_EQ(comprueba({"<RAIZ/>"}, "raiz"), "ok");

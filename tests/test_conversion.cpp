@@ -135,9 +135,8 @@ TEST(Conversion, LoneSurrogatesAndOneCharacterAtATime) {
 TEST(Conversion, ArrayOfWideTextsToUtf8) {
     ArrCADENA_u origen = arr_CreaCADENA_u(0);
     arr_AppendCADENA_u(origen, u"año"), arr_AppendCADENA_u(origen, u"");
-    ArrCADENA r = unicode_array_salida_ANSI(origen);
-    EXPECT_EQ(std::vector<std::string>(r->v.begin(), r->v.end()),
+    EXPECT_EQ(elementos(unicode_array_salida_ANSI(origen)),
               (std::vector<std::string>{"a\xC3\xB1o", ""}));
-    arr_DestruyeCADENA(&r), arr_DestruyeCADENA_u(&origen);
-    EXPECT_EQ(condicion_de([] { unicode_UNICODE_a_ANSI(nullptr); }), "(s) != NULL");
+    arr_DestruyeCADENA_u(&origen);
+    EXPECT_EQ(COND(unicode_UNICODE_a_ANSI(nullptr)), "(s) != NULL");
 }

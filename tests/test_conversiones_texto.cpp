@@ -51,6 +51,6 @@ TEST(ConversionesTexto, EnterosPorUnDouble) {
 }
 
 TEST(ConversionesTexto, TextoNulo) {
-    EXPECT_EQ(condicion_de([] { zarnfxml_atof(nullptr); }), "(texto) != NULL");
-    EXPECT_EQ(condicion_de([] { zarnfxml_atoul_u(nullptr); }), "(texto) != NULL");
+    EXPECT_EQ(COND(zarnfxml_atof(nullptr)), "(texto) != NULL");
+    EXPECT_EQ(COND(zarnfxml_atoul_u(nullptr)), "(texto) != NULL");
 }

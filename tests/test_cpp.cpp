@@ -1,19 +1,18 @@
 // The C++ interface: exceptions with their condition texts, guards that close blocks, empty
 // nodes and optional reads, owners under exceptions (the sanitizers watch for leaks), and the
 // per-thread handler beside C callers on other threads.
+#include "soporte.hpp"
+
 #include <zarnxml/zarnxml.hpp>
 
 #include <gtest/gtest.h>
 
 #include <atomic>
 #include <filesystem>
-#include <fstream>
 #include <functional>
 #include <stdexcept>
 #include <string>
 #include <thread>
-
-#include <unistd.h>
 
 namespace fs = std::filesystem;
 using namespace std::string_literals;
@@ -21,20 +20,14 @@ using namespace std::string_literals;
 namespace {
 
 // A directory of this run's own, removed at its end.
-struct Dir {
-    fs::path p = fs::temp_directory_path() / ("zarnxml_cpp_" + std::to_string(::getpid()));
-    Dir() { fs::create_directories(p); }
-    ~Dir() { fs::remove_all(p); }
-};
 fs::path en_dir(const char *nombre) {
-    static const Dir d;
-    return d.p / nombre;
+    static const DirTemporal d;
+    return d / nombre;
 }
 
 fs::path escribe(const char *nombre, const std::string &datos) {
-    const fs::path p = en_dir(nombre);
-    std::ofstream(p, std::ios::binary) << datos;
-    return p;
+    escribe_fichero(en_dir(nombre), datos);
+    return en_dir(nombre);
 }
 
 // "condition / message" of the error_interno that f throws, or "<none>".
@@ -47,13 +40,9 @@ std::string condicion_de(const std::function<void()> &f) {
     return "<none>";
 }
 
-const char *const kDoc = "<?xml version=\"1.0\" encoding=\"UTF-8\"?>\n"
-                         "<raiz v=\"7\" nombre=\"A&amp;B\">\n"
-                         "\t<n>5</n>\n\t<t>José</t>\n\t<b>1</b>\n\t<x>no</x>\n\t<d>2.5</d>\n"
-                         "\t<vacio></vacio>\n"
-                         "\t<bloque>\n\t\t<i>1</i>\n\t\t<i>2</i>\n\t\t<j>3</j>\n\t\t<I>4</I>\n"
-                         "\t</bloque>\n"
-                         "</raiz>\n";
+// The document of the reading tests, as text and as a file.
+const fs::path kFichero = fs::path(ZARNXML_TEST_DATA) / "cpp/documento.xml";
+const std::string kDoc = lee_fichero(kFichero);
 
 void lee_en_a(const char *texto, const std::function<void(zarnxml::lector &)> &f) {
     auto l = zarnxml::lector::de_texto(texto);
@@ -165,8 +154,7 @@ TEST(CppEscritor, BytesExactos) {
         x.graba("t", u"€ & ü"s);
     }
     x.guarda(en_dir("escrito.xml"));
-    std::ifstream in(en_dir("escrito.xml"), std::ios::binary);
-    EXPECT_EQ(std::string(std::istreambuf_iterator<char>(in), {}).rfind(x.texto(), 0), 0u);
+    EXPECT_EQ(lee_fichero(en_dir("escrito.xml")).rfind(x.texto(), 0), 0u);
     EXPECT_EQ(x.texto().rfind("<?xml version=\"1.0\" encoding=\"UTF-8\"?>\n<a id=", 0), 0u);
     lee_en_a(x.texto().c_str(), [](zarnxml::lector &l) {
         EXPECT_EQ(l.propiedad("id"), "r1");
@@ -177,8 +165,8 @@ TEST(CppEscritor, BytesExactos) {
 }
 
 TEST(CppLector, LecturasYMiradasAdelante) {
-    const fs::path f = escribe("lector.xml", kDoc);
-    zarnxml::lector lectores[] = {zarnxml::lector::de_texto(kDoc), zarnxml::lector::de_fichero(f)};
+    zarnxml::lector lectores[] = {zarnxml::lector::de_texto(kDoc),
+                                  zarnxml::lector::de_fichero(kFichero)};
     for (auto &l : lectores) {
         EXPECT_TRUE(l.siguiente_es("raiz"));
         l.abre("raiz");
@@ -206,7 +194,7 @@ TEST(CppLector, LecturasYMiradasAdelante) {
 
 TEST(CppComprueba, FallosConSuSitio) {
     EXPECT_EQ(zarnxml::comprueba_texto(kDoc, "raiz"), std::nullopt);
-    EXPECT_EQ(zarnxml::comprueba(escribe("bueno.xml", kDoc)), std::nullopt);
+    EXPECT_EQ(zarnxml::comprueba(kFichero), std::nullopt);
     // A text has the places that the same bytes have in a file.
     const std::pair<const char *, const char *> malos[] = {{"<a>\n<b></c>\n</a>\n", nullptr},
                                                            {"<a></a>\r\n", "b"}};

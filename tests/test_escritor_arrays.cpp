@@ -115,10 +115,7 @@ TEST(EscritorArrays, ItemsUnaLineaYBloques) {
         zarnfxml_graba_bloque_array_claves(x, "t", "k", cadenas({"a&b", "\xE9"}));
         zarnfxml_graba_bloque_array_claves(x, "t", "k", cadenas({}));
     });
-    EXPECT_EQ(bloques, "<t>\n\t<count>2</count>\n\t<item>7</item>\n\t<item>9</item>\n</t>\n"
-                       "<e>\n\t<count>0</count>\n</e>\n<t>\n\t<count>1</count>\n"
-                       "\t<item>a&lt;b</item>\n</t>\n<t>\n\t<count>0</count>\n</t>\n<t>\n"
-                       "\t<k>a&b</k>\n\t<k>\xE9</k>\n</t>\n<t>\n</t>");
+    EXPECT_EQ(bloques, dato("escritor/bloques.xml"));
 }
 
 TEST(EscritorEstructuras, OpcionalesYArraysDePunteros) {
@@ -153,12 +150,7 @@ TEST(EscritorEstructuras, OpcionalesYArraysDePunteros) {
                                                                    graba_texto);
     zarnfxml_nousar_graba_arr_punterosST_con_etiqueta_y_valor_propiedad1(e, "t", "p", 4294967295u,
                                                                          a, graba_texto);
-    EXPECT_EQ(texto_de(e), "<v>uno</v>\n<t>\n\t<n>\n\t\t<v>uno</v>\n\t</n>\n</t>\n<t p=\"a&b\">\n"
-                           "\t<v>uno</v>\n</t>\n<t p=\"1\" q=\"2\">\n\t<v>uno</v>\n</t>\n"
-                           "<t p=\"1\" q=\"2\" r=\"3\">\n\t<v>uno</v>\n</t>\n<t p=\"7\">\n"
-                           "\t<v>uno</v>\n</t>\n<v>uno</v>\n<v>null</v>\n<w>uno</w>\n<w>null</w>\n"
-                           "<t>\n\t<v>uno</v>\n</t>\n<t>\n\t<v>null</v>\n</t>\n<t p=\"v\">\n"
-                           "\t<v>uno</v>\n</t>\n<t p=\"4294967295\">\n\t<v>uno</v>\n</t>");
+    EXPECT_EQ(texto_de(e), dato("escritor/opcionales_punteros.xml"));
 }
 
 TEST(EscritorEstructuras, ListaOrdenadosYAsociado) {
@@ -177,10 +169,7 @@ TEST(EscritorEstructuras, ListaOrdenadosYAsociado) {
     zarnfxml_nousar_graba_estructura_opcional_con_etiqueta(e, "t", "x", graba_asociado);
     zarnfxml_graba_fin_bloque(e);
     apunorde_destruye(&orde, nullptr);
-    EXPECT_EQ(texto_de(e), "<r>\n\t<list>\n\t\t<count>2</count>\n\t\t<item>\n\t\t\t<w>uno</w>\n"
-                           "\t\t</item>\n\t\t<item>\n\t\t\t<w>dos</w>\n\t\t</item>\n\t</list>\n"
-                           "\t<list>\n\t\t<count>0</count>\n\t</list>\n\t<v>b</v>\n\t<v>a</v>\n"
-                           "\t<t>\n\t\t<a>asoc</a>\n\t</t>\n</r>");
+    EXPECT_EQ(texto_de(e), dato("escritor/lista_ordenados_asociado.xml"));
 }
 
 TEST(EscritorDocumento, ConcatenaYReindenta) {

@@ -18,10 +18,6 @@ ArrPuntero lista(std::initializer_list<std::pair<const char *, const char *>> ps
     return p;
 }
 
-std::u16string toma_u(CADENA_u c) {
-    return std::unique_ptr<char16_t, decltype(&free)>(c, free).get();
-}
-
 CADENA mayusculas(const char *linea) {
     CADENA r = strdup(linea);
     for (char *c = r; *c; ++c)
@@ -47,12 +43,7 @@ TEST(EscritorPropiedades, FormasFijas) {
     zarnfxml_graba_fin_bloque(e);
     zarnfxml_graba_inicio_bloque_propiedad1_ex(e, "e", CIERTO, "ec", "p", "v");
     zarnfxml_graba_fin_bloque(e);
-    EXPECT_EQ(texto_de(e), "<t a=\"1\" b=\"x y\">\n\t<t a=\"1\" b=\"x y\" />\n"
-                           "\t<u p=\"a&b<\"'\">\n\t\t<s p=\"1\" />\n"
-                           "\t\t<v a=\"1\" b=\"2\" c=\"José\">\n\t\t\t<w p=\"é<\">\n"
-                           "\t\t\t\t<y a=\"1\" b=\"2\" c=\"&\">\n"
-                           "\t\t\t\t\t<z a=\"1\" b=\"2\" c=\"3\" />\n\t\t\t\t</y>\n\t\t\t</w>\n"
-                           "\t\t</v>\n\t</u>\n</t>\n<e>\n</e>\n<ec p=\"v\">\n</ec>");
+    EXPECT_EQ(texto_de(e), dato("escritor/propiedades_fijas.xml"));
     // ISO-8859-1: 8-bit values go out as their bytes, wide values go to Latin-1.
     Escritor iso(ISO);
     zarnfxml_graba_inicio_fin_bloque_propiedad1(iso, "t", "p", "\xE9&");
@@ -84,9 +75,7 @@ TEST(EscritorPropiedades, ListasConsumidas) {
     zarnfxml_graba_cadena_u_con_propiedades(e, "t", u"w", &p);
     for (int i = 0; i < 3; ++i)
         zarnfxml_graba_fin_bloque(e);
-    EXPECT_EQ(texto_de(e), "<t a=\"1\" b=\"x y\"/>\n<t/>\n<t/>\n<e>\n\t<f a=\"&<\" b=\"é\">\n"
-                           "\t\t<g>\n\t\t\t<t p=\"c<d\">a&lt;b</t>\n\t\t\t<t>v</t>\n"
-                           "\t\t\t<t>w</t>\n\t\t</g>\n\t</f>\n</e>");
+    EXPECT_EQ(texto_de(e), dato("escritor/listas_consumidas.xml"));
 }
 
 TEST(EscritorEscalares, Numeros) {
@@ -108,16 +97,12 @@ TEST(EscritorEscalares, Numeros) {
     zarnfxml_graba_double_con_todos_decimales(e, "d", 3.0, 145, 0);
     zarnfxml_graba_ulong_con_propiedad(e, "t", 17, "p", 2.5);
     zarnfxml_graba_ulong_con_propiedad(e, "t", 0, "p", -1234.567);
-    EXPECT_EQ(texto_de(e), "<l>-1</l>\n<l>-2147483648</l>\n<u>4294967295</u>\n<s>65535</s>\n"
-                           "<m>1</m>\n<m>4294967295</m>\n<m>0</m>\n<f>1700000000</f>\n"
-                           "<f>2147483647</f>\n<g>-9223372036854775808</g>\n<g>5000000000</g>\n"
-                           "<d>3.5</d>\n<d>0</d>\n<d>0.67</d>\n<d>3.500000</d>\n"
-                           "<d>3</d>\n<t p=\"2.50\">17</t>\n<t p=\"-1234.57\">0</t>");
-    EXPECT_EQ(toma_u(zarnfxml_double_a_texto_con_todos_decimales(3.5, 145, 6)), u"3.500000");
-    EXPECT_EQ(toma_u(zarnfxml_double_a_texto_sin_decimales_si_no_tiene(3.0, 145, 6)), u"3");
+    EXPECT_EQ(texto_de(e), dato("escritor/numeros.xml"));
+    EXPECT_EQ(toma(zarnfxml_double_a_texto_con_todos_decimales(3.5, 145, 6)), u"3.500000");
+    EXPECT_EQ(toma(zarnfxml_double_a_texto_sin_decimales_si_no_tiene(3.0, 145, 6)), u"3");
     ArrDouble ds = arr_CreaDouble(0);
     arr_AppendDouble(ds, 1.0), arr_AppendDouble(ds, 2.5);
-    EXPECT_EQ(toma_u(zarnfxml_doubles_a_texto_sin_decimales_si_no_tiene(ds, 145, 6, u"; ")),
+    EXPECT_EQ(toma(zarnfxml_doubles_a_texto_sin_decimales_si_no_tiene(ds, 145, 6, u"; ")),
               u"1; 2.5");
     arr_DestruyeDouble(&ds);
 }

@@ -35,34 +35,11 @@ Lineas lee_lineas(const DirTemporal &d, const std::string &contenido,
     return lineas;
 }
 
-// Runs f and gives the internal error that it ended in.
-template <typename F> ErrorInterno error_de(F &&f) {
-    ConManejadorQueLanza con;
-    try {
-        f();
-    } catch (const ErrorInterno &e) {
-        return e;
-    }
-    return ErrorInterno("<none>", nullptr);
-}
-
 ArrCADENA arr(std::initializer_list<const char *> elems) {
     ArrCADENA a = arr_CreaCADENA(0);
     for (const char *e : elems)
         arr_AppendCADENA(a, e);
     return a;
-}
-
-Lineas toma(ArrCADENA a) {
-    Lineas v(a->v.begin(), a->v.end());
-    arr_DestruyeCADENA(&a);
-    return v;
-}
-
-Lineas_u toma(ArrCADENA_u a) {
-    Lineas_u v(a->v.begin(), a->v.end());
-    arr_DestruyeCADENA_u(&a);
-    return v;
 }
 
 std::string utf16_bytes(std::u16string_view s, bool grande) {
@@ -138,7 +115,7 @@ TEST(Fichero, FallosConLaRutaEnUtf8) {
     const char *abierto = "fichero abierto", *escrito = "fichero escrito";
     using R = const char16_t *;
     falla(d / "nó está.txt", abierto, [](R r) { f_lc_fopen_u(r, u"rb", "test", 7); });
-    falla(d / "nó está.txt", abierto, [](R r) { toma(lc_LeeFicheroTxt_unicode(r)); });
+    falla(d / "nó está.txt", abierto, [](R r) { elementos(lc_LeeFicheroTxt_unicode(r)); });
     falla(d.ruta, abierto, [](R r) { f_lc_fopen_u(r, u"rt", "test", 7); });
     falla(d / "no/hay/f.txt", abierto, [&](R r) { lc_Graba_Array_FicheroTxt_u(a, r); });
     falla(d / "fichero/f.xml", abierto, [](R r) { zdir_crea_directorios_fichero_UNICODE(r); });
@@ -158,7 +135,7 @@ TEST(Unicode, LeeAmbosOrdenesYParesSustitutos) {
     const Lineas_u esperadas = {u"uno", u"dós", u"\U0001F600x", u"", u"fin"};
     const auto lee = [&](const std::string &bytes) {
         escribe_fichero(d / "u.txt", bytes);
-        return toma(lc_LeeFicheroTxt_unicode(d.u("u.txt").c_str()));
+        return elementos(lc_LeeFicheroTxt_unicode(d.u("u.txt").c_str()));
     };
     EXPECT_EQ(lee("\xFF\xFE" + utf16_bytes(texto, false)), esperadas);
     EXPECT_EQ(lee("\xFE\xFF" + utf16_bytes(texto, true)), esperadas);
@@ -228,14 +205,14 @@ TEST(Escritura, SalidaGrandeYLineaLarga) {
 }
 
 TEST(Lineas, DeUnTextoYUnion) {
-    const auto lineas = [](const char *t) { return toma(cad_obten_lista_lineas(t)); };
+    const auto lineas = [](const char *t) { return elementos(cad_obten_lista_lineas(t)); };
     EXPECT_EQ(lineas("a\nb\n"), (Lineas{"a", "b"}));
     EXPECT_EQ(lineas("a\r\nb"), (Lineas{"a", "b"}));
     EXPECT_EQ(lineas("a\n\n\rb\r"), (Lineas{"a", "", "\rb\r"}));
     EXPECT_EQ(lineas(""), Lineas{""});
-    EXPECT_EQ(toma(cad_obten_lista_lineas_u(u"\U0001F600\r\n\nb\n")),
+    EXPECT_EQ(elementos(cad_obten_lista_lineas_u(u"\U0001F600\r\n\nb\n")),
               (Lineas_u{u"\U0001F600", u"", u"b"}));
-    EXPECT_EQ(toma(cad_obten_lista_lineas_u(u"")), Lineas_u{u""});
+    EXPECT_EQ(elementos(cad_obten_lista_lineas_u(u"")), Lineas_u{u""});
 
     const auto une = [](std::initializer_list<const char *> elems) {
         ArrCADENA a = arr(elems);

@@ -136,13 +136,6 @@ TEST(IdaYVuelta, NumerosYVerdades) {
     }
 }
 
-// The elements of a new array of plain values, and the array freed.
-template <typename A> auto de(A *a) {
-    auto v = std::move(a->v);
-    zarn::DestruyeArr{}(a);
-    return v;
-}
-
 TEST(IdaYVuelta, ArraysPorNumeracion) {
     const std::vector<std::u16string> items = {u"a<b", u"é 😀", u"x&y"};
     const std::vector<double> valores = {0.1, -2.5, 1e300};
@@ -161,14 +154,12 @@ TEST(IdaYVuelta, ArraysPorNumeracion) {
             }
         });
         for (int32_t tipo = 0; tipo <= 7; ++tipo) {
-            ArrCADENA_u t = zarnfxml_lee_arr_cadena_numerados(d, "t", tipo);
-            EXPECT_EQ(std::vector<std::u16string>(t->v.begin(), t->v.end()),
+            EXPECT_EQ(elementos(zarnfxml_lee_arr_cadena_numerados(d, "t", tipo)),
                       vacio ? std::vector<std::u16string>{} : items)
                 << tipo;
-            arr_DestruyeCADENA_u(&t);
             EXPECT_EQ(zarnfxml_lee_long(d, "sep"), tipo);
             if (tipo != 2)
-                EXPECT_EQ(de(zarnfxml_lee_arr_double_numerados(d, "d", tipo)),
+                EXPECT_EQ(elementos(zarnfxml_lee_arr_double_numerados(d, "d", tipo)),
                           vacio ? std::vector<double>{} : valores)
                     << tipo;
             EXPECT_EQ(zarnfxml_lee_long(d, "sep"), tipo);
@@ -191,18 +182,14 @@ TEST(IdaYVuelta, ArraysDeUnCampo) {
             zarnfxml_graba_arr_puntos2D(w, "q", sin_puntos);
     });
     // The empty item vanishes from a normalised datum and the line feed splits its item.
-    ArrCADENA c = zarnfxml_lee_arr_cadena(d, "c");
-    EXPECT_EQ(V(c->v.begin(), c->v.end()), (V{"uno", "a", "b", "é&<"}));
-    arr_DestruyeCADENA(&c);
-    c = zarnfxml_lee_arr_cadena(d, "v");
-    EXPECT_EQ(arr_NumElemsCADENA(c), 0u);
-    arr_DestruyeCADENA(&c);
-    EXPECT_TRUE(de(zarnfxml_lee_arr_double(d, "d")).empty());
+    EXPECT_EQ(elementos(zarnfxml_lee_arr_cadena(d, "c")), (V{"uno", "a", "b", "é&<"}));
+    EXPECT_TRUE(elementos(zarnfxml_lee_arr_cadena(d, "v")).empty());
+    EXPECT_TRUE(elementos(zarnfxml_lee_arr_double(d, "d")).empty());
     std::vector<double> xy; // coordinates keep 6 decimals
-    for (const Punto2D &p : de(zarnfxml_lee_arr_puntos2D(d, "p")))
+    for (const Punto2D &p : elementos(zarnfxml_lee_arr_puntos2D(d, "p")))
         xy.push_back(p.x), xy.push_back(p.y);
     EXPECT_EQ(xy, (std::vector<double>{1, 2, 0.123457, -1e20}));
-    EXPECT_TRUE(de(zarnfxml_lee_arr_puntos2D(d, "q")).empty());
+    EXPECT_TRUE(elementos(zarnfxml_lee_arr_puntos2D(d, "q")).empty());
     arr_DestruyeCADENA(&cadenas), arr_DestruyeCADENA(&vacia), arr_DestruyeDouble(&sin_valores);
     arr_DestruyePunto2D(&puntos), arr_DestruyePunto2D(&sin_puntos);
 }
@@ -254,7 +241,7 @@ TEST(IdaYVuelta, Estructuras) {
     std::deque<std::string> almacen;
     EXPECT_EQ(zarnfxml_nousar_get_item_asociado_lectura(d), nullptr);
     zarnfxml_nousar_set_item_asociado_lectura(d, &almacen);
-    const auto cuenta = [](ArrPuntero a) { return de(a).size(); };
+    const auto cuenta = [](ArrPuntero a) { return elementos(a).size(); };
     EXPECT_EQ(cuenta(zarnfxml_nousar_lee_arr_punterosST(d, "p", lee_id)), 3u);
     EXPECT_EQ(
         cuenta(zarnfxml_nousar_lee_arr_punterosST_ConPropiedadFija(d, "q", "TIPO", u"X", lee_id)),

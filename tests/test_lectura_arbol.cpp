@@ -29,19 +29,6 @@ Lectura lectura(const std::string &texto) {
     return Lectura(i_crea_lectura_de_arbol(&raiz));
 }
 
-std::string texto(CADENA s) {
-    return toma(s);
-}
-std::string texto(CADENA_u s) {
-    std::string r = s ? zarn::utf16_a_utf8(s) : "<null>";
-    zarn::libera(s);
-    return r;
-}
-std::vector<double> valores(ArrDouble arr) {
-    std::vector<double> v = arr->v;
-    arr_DestruyeDouble(&arr);
-    return v;
-}
 // The items of the tests are numbers carried in the pointers.
 void *item(intptr_t n) {
     return reinterpret_cast<void *>(n);
@@ -75,10 +62,10 @@ TEST(LecturaArbol, CamposConSusValoresPorDefecto) {
     EXPECT_EQ(zarnxml_lee_bool(x, "t"), CIERTO);
     EXPECT_EQ(zarnxml_lee_bool(x, "nada"), FALSO);
     EXPECT_EQ(zarnxml_lee_bool_opcional(x, "nada", CIERTO), CIERTO);
-    EXPECT_EQ(texto(zarnxml_lee_cadena(x, "s")), "T\xC3\xBA & yo");
-    EXPECT_EQ(texto(zarnxml_lee_cadena_u(x, "s")), "T\xC3\xBA & yo");
-    EXPECT_EQ(texto(zarnxml_lee_cadena_u(x, "nada")), "");
-    EXPECT_EQ(texto(zarnxml_lee_cadena_u(x, "c")), ""); // a block has the empty text
+    EXPECT_EQ(toma(zarnxml_lee_cadena(x, "s")), "T\xC3\xBA & yo");
+    EXPECT_EQ(toma(zarnxml_lee_cadena_u(x, "s")), u"T\u00fa & yo");
+    EXPECT_EQ(toma(zarnxml_lee_cadena_u(x, "nada")), u"");
+    EXPECT_EQ(toma(zarnxml_lee_cadena_u(x, "c")), u""); // a block has the empty text
 
     double valor = -1.0;
     EXPECT_EQ(zarnxml_se_lee_double(x, "nada", &valor), FALSO);
@@ -90,7 +77,7 @@ TEST(LecturaArbol, CamposConSusValoresPorDefecto) {
     EXPECT_EQ(zarnxml_se_lee_cadena_u(x, "nada", &dato), FALSO);
     EXPECT_EQ(dato, nullptr);
     EXPECT_EQ(zarnxml_se_lee_cadena_u(x, "s", &dato), CIERTO);
-    EXPECT_EQ(texto(dato), "T\xC3\xBA & yo");
+    EXPECT_EQ(toma(dato), u"T\u00fa & yo");
 
     zarnxml_lee_inicio_bloque(x, "c");
     EXPECT_EQ(zarnxml_lee_long(x, "d"), 4);
@@ -110,10 +97,10 @@ TEST(LecturaArbol, UnBloqueQueFaltaYUnDocumentoMalo) {
     EXPECT_EQ(zarnxml_lee_long_opcional(x, "b", 9), 9);
     zarnxml_lee_inicio_bloque(x, "c");
     EXPECT_EQ(x->nodo_actual, x->nodo_vacio);
-    EXPECT_EQ(texto(zarnxml_lee_cadena(x, "d")), "");
+    EXPECT_EQ(toma(zarnxml_lee_cadena(x, "d")), "");
     zarnxml_lee_fin_bloque(x);
     zarnxml_lee_fin_bloque(x);
-    EXPECT_EQ(condicion_de([&] { zarnxml_lee_fin_bloque(x); }), "num_elems > 0");
+    EXPECT_EQ(COND(zarnxml_lee_fin_bloque(x)), "num_elems > 0");
 
     // From a file: a bad document still gives a reader, over a blank tree.
     DirTemporal dir;
@@ -123,7 +110,7 @@ TEST(LecturaArbol, UnBloqueQueFaltaYUnDocumentoMalo) {
     Lectura mal(zarnxml_crea_para_lectura_de_fichero_u(dir.u("mal.xml").c_str(), "1", "0",
                                                        &hay_error, &mensaje));
     EXPECT_EQ(hay_error, CIERTO);
-    EXPECT_EQ(texto(mensaje), "Ln 3, Col 4: The end tag does not match the initial tag (a) (x)");
+    EXPECT_EQ(toma(mensaje), "Ln 3, Col 4: The end tag does not match the initial tag (a) (x)");
     zarnxml_lee_inicio_bloque(mal.get(), "a");
     EXPECT_EQ(mal->nodo_actual, mal->nodo_vacio);
     EXPECT_EQ(zarnxml_lee_long_opcional(mal.get(), "b", 3), 3);
@@ -146,7 +133,7 @@ TEST(LecturaArbol, ArraysNumeradosComoLosGrabaElEscritor) {
     DirTemporal dir;
     zarnfxml_genera_fichero_salida(w, dir.u("arr.xml").c_str());
     std::vector<Lectura> lecturas;
-    lecturas.push_back(lectura(texto(zarnfxml_xml_escritura_a_char(w, CIERTO))));
+    lecturas.push_back(lectura(toma(zarnfxml_xml_escritura_a_char(w, CIERTO))));
     lecturas.emplace_back(zarnxml_crea_para_lectura_de_fichero_u(dir.u("arr.xml").c_str(), "1", "0",
                                                                  nullptr, nullptr));
     zarnfxml_destruye_xml_escritura(&w);
@@ -158,16 +145,16 @@ TEST(LecturaArbol, ArraysNumeradosComoLosGrabaElEscritor) {
             SCOPED_TRACE(t);
             const std::string tt = "t" + std::to_string(t), vt = "v" + std::to_string(t);
             x->dentro_de_bloque = FALSO;
-            EXPECT_EQ(valores(zarnxml_lee_arr_double_numerados(x, tt.c_str(), t)),
+            EXPECT_EQ(elementos(zarnxml_lee_arr_double_numerados(x, tt.c_str(), t)),
                       (std::vector<double>{1.5, -2}));
             // The reader stands where it stood; only the block forms leave the flag set.
             EXPECT_EQ(x->nodo_actual, r);
             EXPECT_EQ(x->pila_nodos.size(), 1u);
             EXPECT_EQ(x->dentro_de_bloque, t == 1 || t == 6 || t == 7 ? CIERTO : FALSO);
-            EXPECT_TRUE(valores(zarnxml_lee_arr_double_numerados(x, vt.c_str(), t)).empty());
-            EXPECT_TRUE(valores(zarnxml_lee_arr_double_numerados(x, "nada", t)).empty());
+            EXPECT_TRUE(elementos(zarnxml_lee_arr_double_numerados(x, vt.c_str(), t)).empty());
+            EXPECT_TRUE(elementos(zarnxml_lee_arr_double_numerados(x, "nada", t)).empty());
         }
-        EXPECT_EQ(condicion_de([&] { zarnxml_lee_arr_double_numerados(x, "t0", 8); }), "");
+        EXPECT_EQ(COND(zarnxml_lee_arr_double_numerados(x, "t0", 8)), "");
     }
 }
 
@@ -191,12 +178,7 @@ void *de_nodo(const zarnxml_nodo_t *nodo) {
 }
 
 // L holds what zarnfxml_nousar_graba_arr_punterosST_como_lista_elementos_1extra writes.
-const char *const ESTRUCTURAS = "<r>\n\t<p k=\"a\"><n>1</n></p>\n\t<p k=\"b\"><n>2</n></p>\n"
-                                "\t<q><n>3</n></q>\n\t<M><otra>1</otra></M>\n"
-                                "\t<L>\n\t\t<list>\n\t\t\t<count>2</count>\n"
-                                "\t\t\t<item>\n\t\t\t\t<n>5</n>\n\t\t\t</item>\n"
-                                "\t\t\t<item>\n\t\t\t\t<n>6</n>\n\t\t\t</item>\n"
-                                "\t\t</list>\n\t</L>\n</r>";
+const std::string ESTRUCTURAS = dato("arbol/estructuras.xml");
 
 TEST(LecturaArbol, EstructurasConFuncionesDelLlamador) {
     Lectura xml = lectura(ESTRUCTURAS);
@@ -254,14 +236,12 @@ void *cierra_de_mas(zarnxml_lectura_t *x) {
 TEST(LecturaArbol, FallosDelProgramaLlamador) {
     Lectura xml = lectura(ESTRUCTURAS);
     zarnxml_lectura_t *x = xml.get();
-    EXPECT_EQ(condicion_de([&] { zarnxml_lee_long(x, "b"); }), "(nodo) != NULL");
-    EXPECT_EQ(condicion_de([&] { zarnxml_lee_fin_bloque(x); }), "num_elems > 0");
+    EXPECT_EQ(COND(zarnxml_lee_long(x, "b")), "(nodo) != NULL");
+    EXPECT_EQ(COND(zarnxml_lee_fin_bloque(x)), "num_elems > 0");
     zarnxml_lee_inicio_bloque(x, "r");
-    EXPECT_EQ(condicion_de([&] { zarnxml_lee_bool(x, "q"); }), "es_dato_bool == CIERTO");
-    EXPECT_EQ(condicion_de([&] { zarnxml_lee_long(x, "p"); }), "num_nodos_encontrados == 1");
-    EXPECT_EQ(condicion_de([&] {
-                  zarnxml_nousar_lee_arr_punterosST_ConPropiedadFija(x, "p", "k", u"a", nullptr);
-              }),
+    EXPECT_EQ(COND(zarnxml_lee_bool(x, "q")), "es_dato_bool == CIERTO");
+    EXPECT_EQ(COND(zarnxml_lee_long(x, "p")), "num_nodos_encontrados == 1");
+    EXPECT_EQ(COND(zarnxml_nousar_lee_arr_punterosST_ConPropiedadFija(x, "p", "k", u"a", nullptr)),
               "(func_lee_xml_item) != NULL");
     const struct {
         const char *condicion;
@@ -276,11 +256,9 @@ TEST(LecturaArbol, FallosDelProgramaLlamador) {
     for (const auto &caso : casos) {
         Lectura otra = lectura(ESTRUCTURAS); // a fault leaves the reader where it stood
         zarnxml_lee_inicio_bloque(otra.get(), "r");
-        EXPECT_EQ(condicion_de([&] {
-                      zarnxml_nousar_lee_estructura(otra.get(), "q", caso.f, caso.f_1extra,
-                                                    nullptr);
-                  }),
-                  caso.condicion);
+        EXPECT_EQ(
+            COND(zarnxml_nousar_lee_estructura(otra.get(), "q", caso.f, caso.f_1extra, nullptr)),
+            caso.condicion);
     }
 }
 

@@ -42,10 +42,7 @@ static std::vector<std::string> lineas_de_referencia(const std::u16string &ruta)
 }
 
 static std::vector<std::string> lineas_leidas(const std::u16string &ruta) {
-    ArrCADENA a = zarnfxml_lee_lineas_fichero(ruta.c_str());
-    std::vector<std::string> r(a->v.begin(), a->v.end());
-    arr_DestruyeCADENA(&a);
-    return r;
+    return elementos(zarnfxml_lee_lineas_fichero(ruta.c_str()));
 }
 
 TEST(Fuente, LasLineasDeUnFicheroSeCortanComoEnElServicioDeLineas) {
@@ -98,13 +95,11 @@ TEST(Fuente, UnFicheroUtf16LlegaComoLineasUtf8) {
 // A file that does not open, and a writer destroyed as a reader, are internal errors.
 TEST(Fuente, ErroresInternos) {
     DirTemporal dir;
-    EXPECT_EQ(condicion_de([&] { i_crea_para_lectura_de_fichero_u(dir.u("no").c_str(), FALSO); }),
+    EXPECT_EQ(COND(i_crea_para_lectura_de_fichero_u(dir.u("no").c_str(), FALSO)),
               "fichero abierto");
-    EXPECT_EQ(condicion_de([&] { zarnfxml_lee_lineas_fichero(dir.u("no").c_str()); }),
-              "fichero abierto");
+    EXPECT_EQ(COND(zarnfxml_lee_lineas_fichero(dir.u("no").c_str())), "fichero abierto");
     zarnfxml_t *escritor = zarnfxml_crea_para_escritura_UTF_8();
-    EXPECT_EQ(condicion_de([&] { zarnfxml_destruye_xml_lectura(&escritor); }),
-              "es_xml_lectura == CIERTO");
+    EXPECT_EQ(COND(zarnfxml_destruye_xml_lectura(&escritor)), "es_xml_lectura == CIERTO");
     zarnfxml_destruye_xml_escritura(&escritor);
 }
 
@@ -116,7 +111,7 @@ TEST(Fuente, DecodificaConLasTresEntidadesSoloFueraDeIso) {
     EXPECT_EQ(i_decodifica_cadena("\xc3\xa9\xe9", 1),
               u"\u00e9\u00e9"); // invalid byte as Windows-1252
     EXPECT_EQ(i_decodifica_cadena("\xe9\x80", 0), u"\u00e9\u0080");
-    EXPECT_EQ(condicion_de([] { i_decodifica_cadena("x", 4); }), "");
+    EXPECT_EQ(COND(i_decodifica_cadena("x", 4)), "");
 }
 
 // ---- Pieces ----------------------------------------------------------------------------------

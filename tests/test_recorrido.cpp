@@ -120,17 +120,12 @@ TEST(Recorrido, UnDocumentoQueAcabaDentroDeUnBloqueOMalFormado) {
               (Llamadas{"||a||#|inicial", "a|a|b||1|a", "a|a|c||#|a"}));
     EXPECT_EQ(recorre("<a><b>1</b></c>").llamadas, (Llamadas{"||a||#|inicial", "a|a|b||1|a"}));
     // A datum beside child elements ends in the default error, which has no condition text.
-    EXPECT_EQ(condicion_de([] { recorre("<a>x<b/></a>"); }), "");
+    EXPECT_EQ(COND(recorre("<a>x<b/></a>")), "");
 }
 
 TEST(Recorrido, LaFormaDeFicheroDaTextosDeOchoBitsYLaRuta) {
     DirTemporal dir;
-    escribe_fichero(dir / "r.xml", "<?xml version=\"1.0\" encoding=\"UTF-8\"?>\n"
-                                   "<a p=\"\xe2\x82\xac\">\n"
-                                   "\t<b>Jos\xc3\xa9 &amp; co</b>\n"
-                                   "\t<c/>\n"
-                                   "\t<d><e>1</e></d>\n"
-                                   "</a>\n");
+    escribe_fichero(dir / "r.xml", dato("recorrido/fichero.xml"));
     Registro r;
     zarnfxml_nousar_recorre_en_forma_de_arbol(dir.u("r.xml").c_str(), proceso_fichero, &r, nullptr,
                                               &inicial);

@@ -105,8 +105,7 @@ TEST(Registros, EstadoDeError) {
     EXPECT_EQ(i_hay_error_lectura(xml.get(), &m), CIERTO);
     EXPECT_STREQ(m, "especial");
     zarn::libera(m);
-    EXPECT_EQ(condicion_de([&] { i_asigna_error_especial(xml.get(), "otra"); }),
-              "xml->error_especial == FALSO");
+    EXPECT_EQ(COND(i_asigna_error_especial(xml.get(), "otra")), "xml->error_especial == FALSO");
 }
 
 TEST(Registros, EtiquetasYPropiedadesDelRegistro) {
@@ -118,21 +117,21 @@ TEST(Registros, EtiquetasYPropiedadesDelRegistro) {
     EXPECT_EQ(i_existe_propiedad_con_dato(ps, "X", u"UNO"), CIERTO);
     EXPECT_EQ(i_existe_propiedad_con_dato(ps, "x", u"dos"), FALSO); // the first of the name decides
     EXPECT_EQ(i_existe_propiedad_con_dato(ps, "y", u"uno"), FALSO);
-    EXPECT_EQ(condicion_de([&] { i_dato_registro(&xml->registro); }), "");
+    EXPECT_EQ(COND(i_dato_registro(&xml->registro)), "");
     i_lee_registro(xml.get(), FALSO);
     EXPECT_EQ(i_es_etiqueta_registro_igual(xml.get(), "A"), CIERTO);
-    EXPECT_EQ(condicion_de([&] { i_propiedades_registro(&xml->registro); }), "");
+    EXPECT_EQ(COND(i_propiedades_registro(&xml->registro)), "");
     i_lee_registro(xml.get(), FALSO);
-    EXPECT_EQ(condicion_de([&] { i_es_etiqueta_registro_igual(xml.get(), "a"); }), "");
+    EXPECT_EQ(COND(i_es_etiqueta_registro_igual(xml.get(), "a")), "");
 }
 
 TEST(Registros, ConstructoresComprueban) {
     Lineas l{"<a>x</a>"};
     auto xml = i_crea_para_lectura_de_lineas(l.a, FALSO);
     const i_pieza_t &inicio = i_lee_pieza(xml.get());
-    EXPECT_EQ(condicion_de([&] { i_registro_fin_bloque(xml.get(), inicio); }),
+    EXPECT_EQ(COND(i_registro_fin_bloque(xml.get(), inicio)),
               "pieza_inicio_y_fin_bloque->tipo_pieza == i_PIEZA_INICIO_Y_FIN_BLOQUE");
-    EXPECT_EQ(condicion_de([&] { i_aplica_definicion_fichero_xml(&inicio, xml->conf.get()); }),
+    EXPECT_EQ(COND(i_aplica_definicion_fichero_xml(&inicio, xml->conf.get())),
               "pieza->tipo_pieza == i_PIEZA_DEFINICION_FICHERO_XML");
     // A record holds copies: the pieces behind it are overwritten as the reader moves on.
     i_registro_de_pieza(xml.get(), i_lee_pieza(xml.get()));
