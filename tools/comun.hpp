@@ -69,7 +69,7 @@ std::optional<Documento> abre_documento(const std::string &nombre, bool con_byte
                                         std::string &problema);
 
 // "NAME:LINE:COLUMN: error: TEXT" from a message of the library that starts "Ln L, Col C".
-std::string diagnostico(const std::string &nombre, const std::string &mensaje);
+std::string diagnostico(const Documento &doc, const std::string &mensaje);
 
 // Loads the document into a tree; on a fault prints the diagnostic on standard error.
 Arbol carga(const Documento &doc);

@@ -10,6 +10,8 @@
 #include <cstdio>
 #include <cstdlib>
 #include <cstring>
+#include <filesystem>
+#include <fstream>
 #include <string_view>
 
 namespace zarnxml_comando {
@@ -159,7 +161,16 @@ std::optional<Documento> abre_documento(const std::string &nombre, bool con_byte
     return doc;
 }
 
-std::string diagnostico(const std::string &nombre, const std::string &mensaje) {
+// Line n (from 1) of the document, read again after a fault; empty when it cannot be had.
+static std::string linea_de(const Documento &doc, unsigned long n) {
+    std::ifstream fichero(std::filesystem::path(doc.ruta), std::ios::binary);
+    std::string linea;
+    for (unsigned long i = 0; i < n && std::getline(fichero, linea); ++i) {
+    }
+    return fichero ? linea : std::string();
+}
+
+std::string diagnostico(const Documento &doc, const std::string &mensaje) {
     unsigned long linea = 0, columna = 0;
     int leidos = 0;
     if (std::sscanf(mensaje.c_str(), "Ln %lu, Col %lu%n", &linea, &columna, &leidos) == 2) {
@@ -169,13 +180,17 @@ std::string diagnostico(const std::string &nombre, const std::string &mensaje) {
         if (resto.starts_with(" "))
             resto.remove_prefix(1);
         // The library names a bad tag or property only by what it read: "(name)" or nothing.
+        // A document type declaration is the usual cause in files from elsewhere: say so.
         std::string texto(resto);
-        if (resto.empty() || resto.starts_with("("))
+        if (resto.empty() || resto.starts_with("(")) {
             texto = resto.empty() ? "Malformed markup" : "Malformed markup " + texto;
-        return nombre + ":" + std::to_string(linea) + ":" + std::to_string(columna) +
+            if (linea_de(doc, linea).find("<!DOCTYPE") != std::string::npos)
+                texto += ": <!DOCTYPE is not read by this library";
+        }
+        return doc.nombre + ":" + std::to_string(linea) + ":" + std::to_string(columna) +
                ": error: " + texto;
     }
-    return nombre + ": error: " + mensaje;
+    return doc.nombre + ": error: " + mensaje;
 }
 
 Arbol carga(const Documento &doc) {
@@ -184,7 +199,7 @@ Arbol carga(const Documento &doc) {
     Arbol arbol(zarnxml_crea_de_fichero_u(doc.ruta.c_str(), "1", "0", &hay_error, &mensaje));
     const Cadena dueno(mensaje);
     if (hay_error) {
-        std::fprintf(stderr, "%s\n", diagnostico(doc.nombre, mensaje ? mensaje : "").c_str());
+        std::fprintf(stderr, "%s\n", diagnostico(doc, mensaje ? mensaje : "").c_str());
         return nullptr;
     }
     return arbol;

@@ -174,7 +174,7 @@ int comprueba(const Orden &orden) {
         if (correcto)
             std::printf(varios ? "%s: ok\n" : "ok\n", doc->nombre.c_str());
         else
-            std::printf("%s\n", diagnostico(doc->nombre, mensaje ? mensaje : "").c_str());
+            std::printf("%s\n", diagnostico(*doc, mensaje ? mensaje : "").c_str());
     }
     return salida;
 }
