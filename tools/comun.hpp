@@ -9,6 +9,7 @@
 #include <stdexcept>
 #include <string>
 #include <string_view>
+#include <vector>
 
 namespace zarnxml_comando {
 
@@ -81,5 +82,31 @@ struct OpcionesFormato {
 // A wrong profile name is found before any file is read.
 void valida_perfil(const std::string &perfil);
 int formatea(const Documento &doc, const OpcionesFormato &opciones);
+
+// Depth first, parent before children, without recursion: entra is called for each node with
+// its depth, sale for each node with children after them.
+template <typename Entra, typename Sale>
+void recorre(const zarnxml_nodo_t *raiz, Entra &&entra, Sale &&sale) {
+    struct marco {
+        const zarnxml_nodo_t *nodo;
+        uint32_t siguiente;
+    };
+    std::vector<marco> pila;
+    entra(raiz, size_t{0});
+    if (zarnxml_num_nodos_hijos(raiz))
+        pila.push_back({raiz, 0});
+    while (!pila.empty()) {
+        marco &m = pila.back();
+        if (m.siguiente == zarnxml_num_nodos_hijos(m.nodo)) {
+            sale(m.nodo);
+            pila.pop_back();
+            continue;
+        }
+        const zarnxml_nodo_t *hijo = zarnxml_nodo_hijo(m.nodo, m.siguiente++);
+        entra(hijo, pila.size());
+        if (zarnxml_num_nodos_hijos(hijo))
+            pila.push_back({hijo, 0});
+    }
+}
 
 } // namespace zarnxml_comando
