@@ -66,8 +66,9 @@ TEST(Arbol, UnDocumentoMaloDaElMensajeDeLaComprobacionYUnaRaizEnBlanco) {
         const std::string comprobacion = mensaje_de_la_comprobacion(caso.doc);
         EXPECT_EQ(comprobacion == "ok", caso.la_comprobacion_lo_admite);
         const std::string esperado = caso.mensaje ? caso.mensaje : comprobacion;
-        if (!caso.la_comprobacion_lo_admite)
+        if (!caso.la_comprobacion_lo_admite) {
             EXPECT_EQ(comprobacion, esperado);
+        }
         Arbol a(caso.doc);
         EXPECT_EQ(a.hay_error, CIERTO);
         EXPECT_EQ(a.mensaje, esperado);

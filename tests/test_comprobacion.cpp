@@ -131,8 +131,9 @@ TEST(Robustez, DocumentosAlAzar) {
         CADENA mensaje = nullptr;
         const zybool bien = zarnfxml_es_lineas_xml_correcto(l, nullptr, &mensaje, literal);
         arr_DestruyeCADENA(&l);
-        if (!bien)
+        if (!bien) {
             ASSERT_NE(mensaje, nullptr);
+        }
         zarn::libera(mensaje);
     }
 }
