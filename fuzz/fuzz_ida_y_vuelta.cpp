@@ -59,7 +59,7 @@ public:
     Escritura(fuzz::Entrada &e, const Perfil &p, zarnfxml_t *w) : e_(e), p_(p), w_(w) {}
 
     std::vector<Elemento> escribe() {
-        els_.push_back({etiqueta()});
+        els_.emplace_back().etiqueta = etiqueta();
         zarnfxml_graba_inicio_bloque(w_, els_[0].etiqueta.c_str());
         abiertos_.push_back(0);
         for (size_t n = 0; n < MAX_OPERACIONES && !e_.vacia(); ++n)

@@ -122,10 +122,8 @@ private:
                                                                variante & 1 ? nullptr : etiqueta());
             break;
         case 7:
-            if (variante & 1)
-                zarnfxml_lee_definicion_comentario(x, &c);
-            else
-                (void)zarnfxml_se_lee_definicion_comentario(x, &c);
+            variante & 1 ? zarnfxml_lee_definicion_comentario(x, &c)
+                         : (void)zarnfxml_se_lee_definicion_comentario(x, &c);
             std::free(c);
             break;
         case 8:
@@ -142,10 +140,8 @@ private:
             i_salta_hasta_fin_bloque(I_LECTOR(x), nivel(), true);
             break;
         case 12:
-            if (variante & 1)
-                zarnfxml_salta_etiqueta_si_existe(x, etiqueta());
-            else
-                zarnfxml_salta_etiqueta(x, etiqueta());
+            variante & 1 ? zarnfxml_salta_etiqueta_si_existe(x, etiqueta())
+                         : zarnfxml_salta_etiqueta(x, etiqueta());
             break;
         case 13:
             zarnfxml_salta_hasta_etiqueta_y_lee_inicio_bloque(x, etiqueta(),
@@ -236,35 +232,25 @@ private:
                                 : zarnfxml_lee_double(x, etiqueta()));
             break;
         case 23:
-            if (variante & 1)
-                std::free(zarnfxml_lee_cadena_u(x, etiqueta()));
-            else
-                std::free(zarnfxml_lee_cadena(x, etiqueta()));
+            variante & 1 ? std::free(zarnfxml_lee_cadena_u(x, etiqueta()))
+                         : std::free(zarnfxml_lee_cadena(x, etiqueta()));
             break;
         case 24:
-            if (variante & 1)
-                (void)zarnfxml_lee_fecha(x, etiqueta());
-            else
-                (void)zarnfxml_salta_registro_campo(x, etiqueta());
+            variante & 1 ? (void)zarnfxml_lee_fecha(x, etiqueta())
+                         : (void)zarnfxml_salta_registro_campo(x, etiqueta());
             break;
         case 25:
-            if (variante & 1)
-                libera(zarnfxml_lee_arr_cadena_u(x, etiqueta()));
-            else
-                libera(zarnfxml_lee_arr_cadena(x, etiqueta()));
+            variante & 1 ? libera(zarnfxml_lee_arr_cadena_u(x, etiqueta()))
+                         : libera(zarnfxml_lee_arr_cadena(x, etiqueta()));
             break;
         case 26:
-            if (variante & 1)
-                libera(zarnfxml_lee_arr_puntos2D(x, etiqueta()));
-            else
-                libera(zarnfxml_lee_arr_double(x, etiqueta()));
+            variante & 1 ? libera(zarnfxml_lee_arr_puntos2D(x, etiqueta()))
+                         : libera(zarnfxml_lee_arr_double(x, etiqueta()));
             break;
         case 27: {
             const int32_t tipo = byte() % 8;
-            if (variante & 1)
-                libera(zarnfxml_lee_arr_double_numerados(x, etiqueta(), tipo));
-            else
-                libera(zarnfxml_lee_arr_cadena_numerados(x, etiqueta(), tipo));
+            variante & 1 ? libera(zarnfxml_lee_arr_double_numerados(x, etiqueta(), tipo))
+                         : libera(zarnfxml_lee_arr_cadena_numerados(x, etiqueta(), tipo));
             break;
         }
         case 28:

@@ -192,7 +192,7 @@ TEST(Escritura, SalidaGrandeYLineaLarga) {
     ArrCADENA a = arr({larga.c_str()});
     Lineas leidas{larga.substr(0, 5'120'000), larga.substr(5'120'000)};
     for (int i = 0; i < 50'000; ++i) {
-        const std::string linea = i % 5000 == 1 ? std::string(300'000 + size_t(i), 'a' + i % 26)
+        const std::string linea = i % 5000 == 1 ? std::string(300'000 + size_t(i), char('a' + i % 26))
                                                 : std::string(size_t(i % 97), char('!' + i % 90));
         arr_AppendCADENA(a, (linea + (i % 2 ? "\r" : "")).c_str());
         leidas.push_back(linea);
