@@ -2,9 +2,17 @@
 // and robustness: any bytes give an answer, never a crash, a hang or an internal error.
 #include "lector_soporte.hpp"
 
+#include <fcntl.h>
+#include <sys/stat.h>
+#include <unistd.h>
+
+#include <atomic>
+#include <csignal>
 #include <filesystem>
+#include <functional>
 #include <random>
 #include <sstream>
+#include <thread>
 
 namespace fs = std::filesystem;
 
@@ -108,5 +116,57 @@ TEST(Robustez, DocumentosAlAzar) {
             ASSERT_NE(mensaje, nullptr);
         }
         zarn::libera(mensaje);
+    }
+}
+
+// A document that comes through a FIFO gives what the same bytes give from a regular file, in
+// each operation that takes a path: the check, the tree, the lines and the strict reader; short
+// and longer than a block, UTF-8 and UTF-16.
+TEST(Robustez, UnaTuberiaDaLoMismoQueUnFichero) {
+    std::signal(SIGPIPE, SIG_IGN); // a reader that stops early must not end the test
+    std::string largo = "<raiz>\n";
+    for (int i = 0; i < 20000; ++i)
+        largo += "\t<e n=\"" + std::to_string(i) + "\">texto</e>\n";
+    std::string utf16 = "\xFF\xFE";
+    for (const char c : largo)
+        utf16 += {c, '\0'};
+    const std::function<std::string(const fs::path &)> operaciones[] = {
+        [](const fs::path &p) { return comprueba_fichero(p); },
+        [](const fs::path &p) {
+            const Arbol a(Fichero{p});
+            return a.mensaje + " " + std::to_string(zarnxml_num_nodos_hijos(a));
+        },
+        [](const fs::path &p) {
+            const auto l = elementos(zarnfxml_lee_lineas_fichero(p.u16string().c_str()));
+            return std::to_string(l.size()) + (l.empty() ? "" : l.front() + "|" + l.back());
+        },
+        [](const fs::path &p) {
+            zarnfxml_t *xml = zarnfxml_crea_para_lectura_de_fichero(p.c_str());
+            int n = 0;
+            for (uint32_t tipo = 0; zarnfxml_lee_siguiente(xml, nullptr, &tipo, nullptr, nullptr);)
+                n += 1 + static_cast<int>(tipo);
+            zarnfxml_destruye_xml_lectura(&xml);
+            return std::to_string(n);
+        },
+    };
+    DirTemporal dir;
+    const fs::path tubo = dir / "tubo";
+    ASSERT_EQ(mkfifo(tubo.c_str(), 0600), 0);
+    for (const std::string &doc : {std::string("<a><b>"), largo + "</raiz>\n", largo, utf16}) {
+        escribe_fichero(dir / "f.xml", doc);
+        for (const auto &operacion : operaciones) {
+            std::atomic<bool> hecho = false;
+            std::thread escritor([&] {
+                std::ofstream(tubo, std::ios::binary) << doc;
+                // A reader that opened the path again would wait for ever: it gets an empty stream.
+                for (; !hecho; std::this_thread::sleep_for(std::chrono::milliseconds(1)))
+                    if (const int fd = ::open(tubo.c_str(), O_WRONLY | O_NONBLOCK); fd >= 0)
+                        ::close(fd);
+            });
+            const std::string por_tubo = operacion(tubo);
+            hecho = true;
+            escritor.join();
+            EXPECT_EQ(por_tubo, operacion(dir / "f.xml")) << doc.substr(0, 10);
+        }
     }
 }

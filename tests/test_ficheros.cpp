@@ -143,6 +143,23 @@ TEST(Unicode, LeeAmbosOrdenesYParesSustitutos) {
     EXPECT_EQ(lee("\xFF\xFE" + utf16_bytes(u"a\n", false) + "b"), Lineas_u{u"a"});
     EXPECT_EQ(lee("\xFF\xFE"), Lineas_u{});
 
+    // A long file, read into UTF-8 lines block by block, gives the lines of the file read whole:
+    // a surrogate pair cut by the end of a block (one of the two shifts cuts one wherever the
+    // blocks end), a lone surrogate at a line end and at the end, an odd last byte, either order.
+    std::u16string largo;
+    for (int i = 1; i < 150000; ++i)
+        largo += i % 2000 ? u"\U0001F600" : u"\r\n\xD800x\xDC00\n";
+    largo += u"\xD83D";
+    for (const std::u16string &t : {largo, u"a" + largo})
+        for (const bool grande : {false, true})
+            for (const char *impar : {"", "z"}) {
+                Lineas esperadas;
+                for (const std::u16string &l :
+                     lee((grande ? "\xFE\xFF" : "\xFF\xFE") + utf16_bytes(t, grande) + impar))
+                    esperadas.push_back(zarn::utf16_a_utf8(l));
+                EXPECT_EQ(elementos(zarnfxml_lee_lineas_fichero(d.u("u.txt").c_str())), esperadas);
+            }
+
     // Only the mark makes a file Unicode.
     for (const auto &[bytes, es] : {std::pair{"\xFF\xFE", CIERTO},
                                     {"\xFE\xFF", CIERTO},

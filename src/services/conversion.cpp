@@ -225,6 +225,10 @@ bool es_utf8_valido(std::string_view s) noexcept {
     return fin_de_utf8_valido(bytes(s), fin) == fin;
 }
 
+char *utf16_a_utf8(const char16_t *p, const char16_t *fin, char *o) noexcept {
+    return escribe_utf8(p, fin, o);
+}
+
 void utf16_a_utf8(std::u16string_view s, std::string &out) {
     const size_t base = out.size();
     out.resize(base + cuenta_utf8(s.data(), s.data() + s.size()));

@@ -14,6 +14,31 @@ struct zarnio_fichero_s;
 
 namespace zarn {
 
+// The UTF-16 text of a file (either byte order) as UTF-8, converted block by block as it is read:
+// a unit cut by the end of a block, and a high surrogate whose pair may open the next block,
+// wait for the next read. At the end of the file an odd last byte is dropped and a lone
+// surrogate becomes U+FFFD, as converting the whole file at once does.
+class DecodificadorUtf16 {
+public:
+    // previos: the bytes behind the mark that were read already, at most a block's worth;
+    // agotado: whether the file has ended behind them.
+    DecodificadorUtf16(bool grande, std::string_view previos, bool agotado);
+    // Up to n bytes of UTF-8; fewer only at the end of the file.
+    size_t lee(zarnio_fichero_s &fichero, char *destino, size_t n);
+
+private:
+    void convierte(zarnio_fichero_s &fichero);
+
+    static constexpr size_t UNIDADES = size_t{1} << 17;
+    std::unique_ptr<char16_t[]> crudo_; // UNIDADES units of bytes as read, not yet converted
+    size_t en_crudo_ = 0;               // bytes held in crudo_
+    std::unique_ptr<char[]> utf8_;      // three bytes a unit: the last block converted
+    size_t pos_ = 0;                    // start of what has not been delivered
+    size_t fin_ = 0;
+    bool invierte_; // the file's byte order is not the machine's
+    bool agotado_;
+};
+
 // Cuts the lines of a file out of large blocks read at once, for ztxt_lee_linea and the reader
 // alike. Lines end at LF, a CR right before the LF belongs to the line end, and a line longer
 // than `max` bytes is cut there, its rest coming as the next line. Each line is terminated in
@@ -21,12 +46,20 @@ namespace zarn {
 // in large blocks, and only a line that does not fit makes the block larger.
 class CortadorLineas {
 public:
+    // A max that cuts no line.
+    static constexpr size_t SIN_LIMITE = SIZE_MAX / 4;
+
     // The next line, valid until the next call; null once the file is exhausted.
     char *siguiente(zarnio_fichero_s &fichero, size_t max);
     // The length of the line last delivered (it may hold zero bytes of its own).
     size_t largo() const noexcept { return largo_; }
     // Takes up to n of the bytes read and not yet delivered; gives the count taken.
     size_t toma(char *destino, size_t n) noexcept;
+    // Looks at the first bytes of the file, before any line is taken, on the stream itself (a
+    // pipe cannot be read twice): behind a UTF-16 byte order mark the file is read as UTF-16
+    // and its lines come as UTF-8. Gives whether it is so.
+    bool lee_utf16_si_hay_marca(zarnio_fichero_s &fichero);
+    bool es_utf16() const noexcept { return utf16_ != nullptr; }
 
 private:
     void lee_mas(zarnio_fichero_s &fichero, size_t max);
@@ -47,6 +80,7 @@ private:
     bool agotado_ = false;
     bool hay_guardado_ = false; // a cut line borrowed the first byte of the next for its terminator
     char guardado_ = 0;
+    std::unique_ptr<DecodificadorUtf16> utf16_; // between the file and the blocks, if UTF-16
 };
 
 } // namespace zarn
@@ -78,6 +112,10 @@ std::filesystem::path ruta_de(std::u16string_view ruta);
 // for reading, ends in error_interno_msg("fichero abierto", origen, linea, <path>): the result
 // is never null.
 Fichero abre(const char16_t *ruta, const char *modo, const char *origen, uint32_t linea);
+
+// Opens ruta for reading as abre does, for its lines: a file that begins with a UTF-16 byte order
+// mark gives its lines as UTF-8 (CortadorLineas::lee_utf16_si_hay_marca).
+Fichero abre_lineas(const char16_t *ruta, const char *origen, uint32_t linea);
 
 // Reads up to n bytes, the read-ahead first; gives the count read. A read error ends in
 // "fichero abierto".

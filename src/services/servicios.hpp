@@ -80,6 +80,8 @@ inline std::u16string_view vista(const char16_t *s) {
 
 // UTF-16 to UTF-8; a lone surrogate becomes U+FFFD.
 void utf16_a_utf8(std::u16string_view s, std::string &out);
+// The same into a buffer with room for three bytes a unit; gives the end of what it wrote.
+char *utf16_a_utf8(const char16_t *p, const char16_t *fin, char *o) noexcept;
 // UTF-8 to UTF-16; a byte outside a valid sequence is its Windows-1252 character.
 void utf8_a_utf16(std::string_view s, std::u16string &out);
 // 8-bit to UTF-8: valid sequences are copied, other bytes become their Windows-1252 character.

@@ -1,5 +1,5 @@
-// Line-oriented text files: reading lines of 8-bit text, reading UTF-16 files whole, and writing
-// arrays of lines.
+// Line-oriented text files: reading lines of 8-bit text (UTF-16 converted as it is read),
+// reading UTF-16 files whole, and writing arrays of lines.
 #include "services/arrays.hpp"
 #include "services/ficheros.hpp"
 #include "services/servicios.hpp"
@@ -7,6 +7,7 @@
 #include <zarnxml/zarntxt.h>
 
 #include <algorithm>
+#include <bit>
 #include <cstring>
 
 namespace {
@@ -59,6 +60,58 @@ void graba_lineas(ArrCADENA lineas, const char16_t *ruta, const char *modo) {
 
 namespace zarn {
 
+DecodificadorUtf16::DecodificadorUtf16(bool grande, std::string_view previos, bool agotado)
+    : crudo_(std::make_unique_for_overwrite<char16_t[]>(UNIDADES)),
+      utf8_(std::make_unique_for_overwrite<char[]>(3 * UNIDADES)),
+      invierte_(grande != (std::endian::native == std::endian::big)), agotado_(agotado) {
+    ZARN_ASSERT(previos.size() <= 2 * UNIDADES, ORIGEN);
+    std::memcpy(crudo_.get(), previos.data(), previos.size());
+    en_crudo_ = previos.size();
+}
+
+void DecodificadorUtf16::convierte(zarnio_fichero_s &fichero) {
+    char *bytes = reinterpret_cast<char *>(crudo_.get());
+    if (!agotado_) {
+        const size_t leidos =
+            lee_bytes_directos(fichero, bytes + en_crudo_, 2 * UNIDADES - en_crudo_);
+        agotado_ = leidos == 0;
+        en_crudo_ += leidos;
+    }
+    char16_t *u = crudo_.get();
+    size_t n = en_crudo_ / 2;
+    const auto invertida = [](char16_t c) { return static_cast<char16_t>(c << 8 | c >> 8); };
+    if (invierte_)
+        std::transform(u, u + n, u, invertida);
+    // A high surrogate at the end of the block waits for what follows it.
+    const bool espera = !agotado_ && n > 0 && u[n - 1] >= 0xD800 && u[n - 1] <= 0xDBFF;
+    if (espera)
+        --n;
+    pos_ = 0;
+    fin_ = static_cast<size_t>(utf16_a_utf8(u, u + n, utf8_.get()) - utf8_.get());
+    // What waits goes to the front as it was read; at the end an odd byte is dropped.
+    if (espera && invierte_)
+        u[n] = invertida(u[n]);
+    en_crudo_ = agotado_ ? 0 : en_crudo_ - 2 * n;
+    std::memmove(bytes, bytes + 2 * n, en_crudo_);
+}
+
+size_t DecodificadorUtf16::lee(zarnio_fichero_s &fichero, char *destino, size_t n) {
+    size_t hecho = 0;
+    while (hecho < n) {
+        if (pos_ == fin_) {
+            if (agotado_ && en_crudo_ == 0)
+                break;
+            convierte(fichero);
+            continue;
+        }
+        const size_t k = std::min(n - hecho, fin_ - pos_);
+        std::memcpy(destino + hecho, utf8_.get() + pos_, k);
+        pos_ += k;
+        hecho += k;
+    }
+    return hecho;
+}
+
 void CortadorLineas::agranda(size_t nueva) {
     auto otro = std::make_unique_for_overwrite<char[]>(nueva + 1);
     if (buf_)
@@ -81,10 +134,29 @@ void CortadorLineas::lee_mas(zarnio_fichero_s &fichero, size_t max) {
         fin_ -= pos_;
         pos_ = 0;
     }
-    const size_t leidos = lee_bytes_directos(fichero, buf_.get() + fin_, cap_ - fin_);
+    char *destino = buf_.get() + fin_;
+    const size_t leidos = utf16_ ? utf16_->lee(fichero, destino, cap_ - fin_)
+                                 : lee_bytes_directos(fichero, destino, cap_ - fin_);
     if (leidos == 0)
         agotado_ = true;
     fin_ += leidos;
+}
+
+bool CortadorLineas::lee_utf16_si_hay_marca(zarnio_fichero_s &fichero) {
+    ZARN_ASSERT(!buf_ || (pos_ == 0 && !utf16_), ORIGEN);
+    while (fin_ < 2 && !agotado_)
+        lee_mas(fichero, TAM_INICIAL);
+    const auto byte = [&](size_t i) { return static_cast<unsigned char>(buf_[i]); };
+    const bool le = fin_ >= 2 && byte(0) == 0xFF && byte(1) == 0xFE;
+    const bool be = fin_ >= 2 && byte(0) == 0xFE && byte(1) == 0xFF;
+    if (!le && !be)
+        return false;
+    // The bytes read so far go back in front of the decoder, which gives the lines from now on.
+    utf16_ = std::make_unique<DecodificadorUtf16>(be, std::string_view(buf_.get() + 2, fin_ - 2),
+                                                  agotado_);
+    pos_ = fin_ = buscado_ = 0;
+    agotado_ = false;
+    return true;
 }
 
 char *CortadorLineas::siguiente(zarnio_fichero_s &fichero, size_t max) {
@@ -191,6 +263,12 @@ void SalidaLineas::lineas_terminadas(const char *p, size_t n) {
 void SalidaLineas::cierra() {
     vuelca();
     cierra_escrito(std::move(fichero_), ORIGEN, __LINE__);
+}
+
+Fichero abre_lineas(const char16_t *ruta, const char *origen, uint32_t linea) {
+    Fichero fichero = abre(ruta, "rb", origen, linea);
+    fichero->lineas.lee_utf16_si_hay_marca(*fichero);
+    return fichero;
 }
 
 } // namespace zarn

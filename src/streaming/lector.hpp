@@ -194,14 +194,12 @@ struct i_fuente_t {
     i_fuente_t() = default;
     i_fuente_t(const i_fuente_t &) = delete;
     i_fuente_t &operator=(const i_fuente_t &) = delete;
-    ~i_fuente_t();
 
     i_tipo_fuente_t tipo_fuente = i_FUENTE_LINEAS;
-    ArrCADENA lineas = nullptr;   // list source; element 0 is the first line
-    bool destruye_lineas = false; // whether the reader frees lineas
-    zarn::Fichero fichero;        // file source, owned
-    bool fichero_ancho = false;   // the file is UTF-16 (read whole into lineas, lector_fuente.cpp)
-    const char *linea_actual = nullptr;      // the line last delivered, not owned
+    ArrCADENA lineas = nullptr;         // list source, the caller's; element 0 is the first line
+    zarn::Fichero fichero;              // file source, owned
+    bool fichero_ancho = false;         // the file is UTF-16, converted to UTF-8 as it is read
+    const char *linea_actual = nullptr; // the line last delivered, not owned
     uint32_t ind_linea_actual = 0xFFFFFFFFu; // its index; the start value means none yet
 };
 

@@ -14,14 +14,15 @@ namespace {
 
 constexpr const char *LINEA_VACIA = "";
 
+// The longest line that a file gives before it is cut. The lines of a UTF-16 file are not cut, as
+// when the whole file is read into lines at once.
+size_t max_linea(const zarnio_fichero_s &fichero) {
+    return fichero.lineas.es_utf16() ? zarn::CortadorLineas::SIN_LIMITE : ZTXT_MAX_LINEA;
+}
+
 } // namespace
 
 // ---- The reader object -----------------------------------------------------------------------
-
-i_fuente_t::~i_fuente_t() {
-    if (destruye_lineas && lineas)
-        i_arr_DestruyeCADENA(&lineas);
-}
 
 i_xml_lectura::i_xml_lectura() : zarnfxml_s(i_clase_objeto::lector), conf(i_crea_conf_UTF_8()) {}
 
@@ -40,16 +41,8 @@ std::unique_ptr<i_xml_lectura> i_crea_para_lectura_de_fichero_u(const char16_t *
     xml->dato_literal = dato_literal;
     i_fuente_t &f = xml->fuente;
     f.tipo_fuente = i_FUENTE_FICHERO;
-    f.fichero_ancho = i_zarnfile_es_fichero_unicode(nombre_fichero);
-    if (f.fichero_ancho) {
-        // A UTF-16 file cannot be cut into 8-bit lines as it is read: it is read whole into
-        // UTF-8 lines, which the reader owns, and served as a list.
-        f.tipo_fuente = i_FUENTE_LINEAS;
-        f.lineas = i_lee_lineas_fichero(nombre_fichero);
-        f.destruye_lineas = true;
-        return xml;
-    }
-    f.fichero = zarn::abre(nombre_fichero, "rb", ORIGEN_STREAMING, __LINE__);
+    f.fichero = zarn::abre_lineas(nombre_fichero, ORIGEN_STREAMING, __LINE__);
+    f.fichero_ancho = f.fichero->lineas.es_utf16();
     return xml;
 }
 
@@ -85,9 +78,10 @@ const char *i_dame_linea(i_fuente_t *fuente, uint32_t ind_linea, zybool *alcanza
         break;
     }
     case i_FUENTE_FICHERO: {
-        // A file source delivers lines of at most ZTXT_MAX_LINEA bytes; a longer one is cut
-        // and the rest comes next.
-        const char *linea = fuente->fichero->lineas.siguiente(*fuente->fichero, ZTXT_MAX_LINEA);
+        // A file source delivers lines of at most ZTXT_MAX_LINEA bytes (a UTF-16 file, of any
+        // length); a longer one is cut and the rest comes next.
+        zarnio_fichero_s &fichero = *fuente->fichero;
+        const char *linea = fichero.lineas.siguiente(fichero, max_linea(fichero));
         *alcanzado_final_fichero = linea ? FALSO : CIERTO;
         fuente->linea_actual = linea ? linea : LINEA_VACIA;
         break;
@@ -176,17 +170,11 @@ void i_aplica_definicion_fichero_xml(const i_pieza_t *pieza, i_conf_t *conf) {
 
 ArrCADENA i_lee_lineas_fichero(const char16_t *nombre_fichero) {
     ZARN_ASSERT_NO_NULL(nombre_fichero, ORIGEN_STREAMING);
-    if (i_zarnfile_es_fichero_unicode(nombre_fichero)) {
-        ArrCADENA_u anchas = i_lc_LeeFicheroTxt_unicode(nombre_fichero);
-        ArrCADENA lineas = i_unicode_array_salida_ANSI(anchas);
-        i_arr_DestruyeCADENA_u(&anchas);
-        return lineas;
-    }
-    zarn::Fichero fichero = zarn::abre(nombre_fichero, "rb", ORIGEN_STREAMING, __LINE__);
-    ArrCADENA lineas = i_arr_CreaCADENA(0);
-    while (const char *linea = fichero->lineas.siguiente(*fichero, ZTXT_MAX_LINEA))
+    zarn::Fichero fichero = zarn::abre_lineas(nombre_fichero, ORIGEN_STREAMING, __LINE__);
+    zarn::ArrPropio<ArrCADENA_s> lineas(i_arr_CreaCADENA(0));
+    while (const char *linea = fichero->lineas.siguiente(*fichero, max_linea(*fichero)))
         lineas->v.push_back(zarn::dup(linea));
-    return lineas;
+    return lineas.release();
 }
 
 extern "C" {
