@@ -15,11 +15,13 @@ namespace {
 namespace fs = std::filesystem;
 
 // Runs the command in a folder with the arguments (shell words, which may go on with more
-// commands) and gives "status|output"; con_stderr adds standard error to the output.
+// commands) and gives "status|output"; con_stderr adds standard error to the output; entrada
+// names a file of the folder that comes to standard input through a pipe.
 std::string zarnxml(const std::string &argumentos, bool con_stderr = false,
-                    const std::string &carpeta = ".") {
-    const std::string orden = "cd '" + carpeta + "' || exit 9; { '" + ZARNXML_COMANDO + "' " +
-                              argumentos + "; }" + (con_stderr ? " 2>&1" : " 2>/dev/null");
+                    const std::string &carpeta = ".", const std::string &entrada = "") {
+    const std::string orden =
+        "cd '" + carpeta + "' || exit 9; { " + (entrada.empty() ? "" : "cat '" + entrada + "' | ") +
+        "'" + ZARNXML_COMANDO + "' " + argumentos + "; }" + (con_stderr ? " 2>&1" : " 2>/dev/null");
     FILE *tubo = popen(orden.c_str(), "r");
     EXPECT_NE(tubo, nullptr);
     std::string salida;
@@ -99,6 +101,17 @@ TEST(ComandoFormato, DocumentosDeReferencia) {
         EXPECT_EQ(obtenido, lee_fichero(esperado)) << nombre;
     }
     EXPECT_GE(casos, 8);
+}
+
+// A document through a pipe, as - or as /dev/stdin, gives what its file gives.
+TEST_F(Comando, EntradaPorUnaTuberia) {
+    for (const std::string f : {"bien.xml", "mal.xml", "corto.xml"})
+        for (const std::string nombre : {"-", "/dev/stdin"}) {
+            std::string esperado = zarnxml("check " + f, true, d);
+            if (const size_t i = esperado.find(f); i != std::string::npos)
+                esperado.replace(i, f.size(), nombre == "-" ? "<stdin>" : nombre);
+            EXPECT_EQ(zarnxml("check " + nombre, true, d, f), esperado);
+        }
 }
 
 // What format writes loads to the same tree, and formatting it again changes nothing.

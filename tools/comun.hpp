@@ -49,9 +49,15 @@ class FicheroTemporal {
     ~FicheroTemporal();
     // Makes the file with these bytes; an empty answer when it could not be made.
     static std::optional<FicheroTemporal> con(const std::string &bytes, std::string &problema);
+    // Makes the file with what the descriptor gives up to its end, block by block; the bytes go
+    // to *bytes as well unless it is null.
+    static std::optional<FicheroTemporal> con_lo_de(int origen, std::string *bytes,
+                                                    std::string &problema);
     const std::string &ruta() const { return ruta_; }
 
   private:
+    // Makes the empty file: its descriptor, or -1 with the reason.
+    int crea(std::string &problema);
     std::string ruta_;
 };
 

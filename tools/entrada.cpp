@@ -35,7 +35,8 @@ std::u16string a_utf16(const std::string &utf8) {
     return w.get();
 }
 
-bool lee_todo(int fd, std::string &bytes, std::string &problema) {
+// Reads fd to its end, block by block, handing each block to f, which may refuse it.
+template <typename F> bool lee_todo(int fd, std::string &problema, F &&f) {
     char bloque[1 << 16];
     for (;;) {
         const ssize_t n = ::read(fd, bloque, sizeof bloque);
@@ -47,8 +48,23 @@ bool lee_todo(int fd, std::string &bytes, std::string &problema) {
             problema = std::strerror(errno);
             return false;
         }
-        bytes.append(bloque, static_cast<size_t>(n));
+        if (!f(std::string_view(bloque, static_cast<size_t>(n))))
+            return false;
     }
+}
+
+bool escribe_todo(int fd, std::string_view bytes, std::string &problema) {
+    for (size_t hecho = 0; hecho < bytes.size();) {
+        const ssize_t n = ::write(fd, bytes.data() + hecho, bytes.size() - hecho);
+        if (n < 0 && errno == EINTR)
+            continue;
+        if (n < 0) {
+            problema = std::string("cannot make a temporary copy: ") + std::strerror(errno);
+            return false;
+        }
+        hecho += static_cast<size_t>(n);
+    }
+    return true;
 }
 
 } // namespace
@@ -83,28 +99,38 @@ FicheroTemporal::~FicheroTemporal() {
         std::remove(ruta_.c_str());
 }
 
-std::optional<FicheroTemporal> FicheroTemporal::con(const std::string &bytes,
-                                                    std::string &problema) {
+int FicheroTemporal::crea(std::string &problema) {
     const char *dir = std::getenv("TMPDIR");
     std::string plantilla = std::string(dir && *dir && es_utf8(dir) ? dir : "/tmp") +
                             "/zarnxml-XXXXXX";
-    Descriptor d{::mkstemp(plantilla.data())};
-    if (d.fd < 0) {
+    const int fd = ::mkstemp(plantilla.data());
+    if (fd < 0)
         problema = std::string("cannot make a temporary copy: ") + std::strerror(errno);
-        return std::nullopt;
-    }
+    else
+        ruta_ = plantilla;
+    return fd;
+}
+
+std::optional<FicheroTemporal> FicheroTemporal::con(const std::string &bytes,
+                                                    std::string &problema) {
     FicheroTemporal f;
-    f.ruta_ = plantilla;
-    for (size_t hecho = 0; hecho < bytes.size();) {
-        const ssize_t n = ::write(d.fd, bytes.data() + hecho, bytes.size() - hecho);
-        if (n < 0 && errno == EINTR)
-            continue;
-        if (n < 0) {
-            problema = std::string("cannot make a temporary copy: ") + std::strerror(errno);
-            return std::nullopt;
-        }
-        hecho += static_cast<size_t>(n);
-    }
+    const Descriptor d{f.crea(problema)};
+    if (d.fd < 0 || !escribe_todo(d.fd, bytes, problema))
+        return std::nullopt;
+    return f;
+}
+
+std::optional<FicheroTemporal> FicheroTemporal::con_lo_de(int origen, std::string *bytes,
+                                                          std::string &problema) {
+    FicheroTemporal f;
+    const Descriptor d{f.crea(problema)};
+    const auto copia = [&](std::string_view bloque) {
+        if (bytes)
+            bytes->append(bloque);
+        return escribe_todo(d.fd, bloque, problema);
+    };
+    if (d.fd < 0 || !lee_todo(origen, problema, copia))
+        return std::nullopt;
     return f;
 }
 
@@ -140,24 +166,24 @@ std::optional<Documento> abre_documento(const std::string &nombre, bool con_byte
         }
     }
     // A regular file with a UTF-8 name is opened by the library itself; anything else is read
-    // to its end here and handed over as a temporary copy.
+    // to its end here, once, and handed over as a temporary copy, written as it comes.
     const bool directo = S_ISREG(estado.st_mode) && !entrada_estandar && es_utf8(nombre) &&
                          nombre.find('\0') == std::string::npos;
-    if (con_bytes || !directo) {
-        if (!lee_todo(d.fd, doc.bytes, problema))
-            return std::nullopt;
-    }
     if (directo) {
-        doc.ruta = a_utf16(nombre);
-    } else {
-        auto copia = FicheroTemporal::con(doc.bytes, problema);
-        if (!copia)
+        const auto guarda = [&](std::string_view bloque) {
+            doc.bytes.append(bloque);
+            return true;
+        };
+        if (con_bytes && !lee_todo(d.fd, problema, guarda))
             return std::nullopt;
-        doc.copia = std::move(*copia);
-        doc.ruta = a_utf16(doc.copia.ruta());
-        if (!con_bytes)
-            std::string().swap(doc.bytes);
+        doc.ruta = a_utf16(nombre);
+        return doc;
     }
+    auto copia = FicheroTemporal::con_lo_de(d.fd, con_bytes ? &doc.bytes : nullptr, problema);
+    if (!copia)
+        return std::nullopt;
+    doc.copia = std::move(*copia);
+    doc.ruta = a_utf16(doc.copia.ruta());
     return doc;
 }
 
