@@ -384,3 +384,44 @@ maquina() {
   for o in "${odd[@]}"; do echo "- $o"; done
 } >"$report"
 echo "== report: $report"
+
+# ---------------------------------------------------------------------------------------------
+# UTF-16: the check of a UTF-16 document (the records of doc(SMALL/2) and doc(BIG/2) with a byte
+# order mark, so about SMALL and BIG MB) is converted as it is read: the same peak at both sizes.
+if [[ -n $big ]]; then
+  echo "== UTF-16: check memory"
+  u16=()
+  for mb in $((small / 2)) $((big / 2)); do
+    documento "$mb"
+    f=$data/doc$mb-utf16.xml
+    if [[ ! -f $f || ${DOC[$mb]} -nt $f ]]; then
+      { printf '\xff\xfe'; iconv -f UTF-8 -t UTF-16LE "${DOC[$mb]}"; } >"$f"
+    fi
+    k=$(calc %.0f 'b / 1e6' b="$(stat -c %s "$f")")u16
+    DOC[$k]=$f
+    u16+=("$k")
+    mide "$k" check "$f"
+  done
+  {
+    echo
+    echo "## UTF-16 check memory"
+    echo
+    echo "The check of doc$((small / 2)).xml and doc$((big / 2)).xml as UTF-16 (little-endian, with a byte order mark)."
+    echo
+    echo "| document | bytes | median s | MB/s | peak MB | status |"
+    echo "|---|---:|---:|---:|---:|---|"
+    for k in "${u16[@]}"; do
+      echo "| $(basename "${DOC[$k]}") | $(stat -c %s "${DOC[$k]}") | $(calc %.3f t t="${W[check@$k]:-}") |" \
+        "$(calc %.0f 'b / 1e6 / t' b="${BY[check@$k]:-}" t="${W[check@$k]:-}") |" \
+        "$(calc %.1f 'k / 1024' k="${R[check@$k]:-}") | ${ST[check@$k]:-not run} |"
+    done
+    echo
+    echo "| job | goal | measured | result |"
+    echo "|---|---|---:|---|"
+    a=${R[check@${u16[0]}]:-} b=${R[check@${u16[1]}]:-}
+    fila "UTF-16 check memory" "the same peak at both sizes (peak big / peak small; within 10% or 1 MiB)" \
+      "$(calc %.2f 'b / a' a="$a" b="$b")" \
+      "$(calc %.4f '(a - (a * 0.1 > 1024 ? a * 0.1 : 1024)) / a' a="$a")" \
+      "$(calc %.4f '(a + (a * 0.1 > 1024 ? a * 0.1 : 1024)) / a' a="$a")"
+  } >>"$report"
+fi
