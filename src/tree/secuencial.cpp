@@ -42,9 +42,12 @@ void desapila_nodo(zarnxml_lectura_t *xml) {
     xml->pila_nodos.pop_back();
 }
 
-// Leaves the node that an operation opened; the caller's function must have closed all else.
-void desapila_nodo_actual(zarnxml_lectura_t *xml, const zarnxml_nodo_t *nodo) {
-    ZARN_ASSERT(xml->nodo_actual == nodo, ORIGEN);
+// Leaves the node that an operation opened on a stack of `profundidad` nodes; the caller's
+// function must have closed all else. The depth tells a block that the function left open on the
+// very node it stood on (the same node, pushed twice) from a balanced one.
+void desapila_nodo_actual(zarnxml_lectura_t *xml, const zarnxml_nodo_t *nodo, size_t profundidad) {
+    ZARN_ASSERT_TEXTO(xml->nodo_actual == nodo && xml->pila_nodos.size() == profundidad + 1,
+                      "xml->nodo_actual == nodo", ORIGEN);
     desapila_nodo(xml);
 }
 
@@ -62,9 +65,10 @@ void *lee_item(zarnxml_lectura_t *xml, func_lee_xml func_item, func_lee_xml_1ext
 void *lee_item_en(zarnxml_lectura_t *xml, const zarnxml_nodo_t *nodo, func_lee_xml func_item,
                   func_lee_xml_1extra func_item_1extra, void *extra) {
     ZARN_ASSERT_NO_NULL(nodo, ORIGEN);
+    const size_t profundidad = xml->pila_nodos.size();
     apila_nodo(xml, nodo, FALSO);
     void *item = lee_item(xml, func_item, func_item_1extra, extra);
-    desapila_nodo_actual(xml, nodo);
+    desapila_nodo_actual(xml, nodo, profundidad);
     return item;
 }
 
@@ -265,9 +269,10 @@ ZARN_API ArrDouble zarnxml_lee_arr_double_numerados(zarnxml_lectura_t *xml, cons
         const zarnxml_nodo_t *bloque = hijo(xml, etiqueta);
         if (!bloque)
             return i_arr_CreaDouble(0);
+        const size_t profundidad = xml->pila_nodos.size();
         apila_nodo(xml, bloque, CIERTO);
         ArrDouble valores = doubles_de_nodos(hijos(bloque, etiqueta).get());
-        desapila_nodo_actual(xml, bloque);
+        desapila_nodo_actual(xml, bloque, profundidad);
         return valores;
     }
     case ZARNFXML_NUMERACION_ARRAY_CAMPOS:
