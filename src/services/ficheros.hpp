@@ -76,7 +76,7 @@ std::filesystem::path ruta_de(std::u16string_view ruta);
 
 // Opens ruta with a C mode ("rb", "wb", "ab"). A file that does not open, or a directory opened
 // for reading, ends in error_interno_msg("fichero abierto", origen, linea, <path>): the result
-// is never null.
+// is never null. A lack of memory to open it is std::bad_alloc, as any other.
 Fichero abre(const char16_t *ruta, const char *modo, const char *origen, uint32_t linea);
 
 // Reads up to n bytes, the read-ahead first; gives the count read. A read error ends in
