@@ -217,55 +217,35 @@ TEST(Estres, DatoDeCincuentaMegas) {
 // the library's own calls of the C allocator count too. Armed, the allocation numbered fallo_en
 // fails, and that one alone.
 
+// clang-format off
 namespace {
 long fallo_en = 0; // 0: none fails
 long asignaciones = 0;
-bool falla() {
-    return fallo_en != 0 && ++asignaciones == fallo_en;
-}
+bool falla() { return fallo_en != 0 && ++asignaciones == fallo_en; }
 } // namespace
 
 extern "C" {
 void *__real_malloc(size_t);
 void *__real_calloc(size_t, size_t);
 void *__real_realloc(void *, size_t);
-void *__wrap_malloc(size_t n) {
-    return falla() ? nullptr : __real_malloc(n);
-}
-void *__wrap_calloc(size_t n, size_t t) {
-    return falla() ? nullptr : __real_calloc(n, t);
-}
-void *__wrap_realloc(void *p, size_t n) {
-    return falla() ? nullptr : __real_realloc(p, n);
-}
+void *__wrap_malloc(size_t n) { return falla() ? nullptr : __real_malloc(n); }
+void *__wrap_calloc(size_t n, size_t t) { return falla() ? nullptr : __real_calloc(n, t); }
+void *__wrap_realloc(void *p, size_t n) { return falla() ? nullptr : __real_realloc(p, n); }
 }
 
+void *operator new(size_t n, const std::nothrow_t &) noexcept { return std::malloc(n ? n : 1); }
+void *operator new[](size_t n, const std::nothrow_t &) noexcept { return std::malloc(n ? n : 1); }
 void *operator new(size_t n) {
     if (void *p = std::malloc(n ? n : 1))
         return p;
     throw std::bad_alloc();
 }
-void *operator new[](size_t n) {
-    return ::operator new(n);
-}
-void *operator new(size_t n, const std::nothrow_t &) noexcept {
-    return std::malloc(n ? n : 1);
-}
-void *operator new[](size_t n, const std::nothrow_t &) noexcept {
-    return std::malloc(n ? n : 1);
-}
-void operator delete(void *p) noexcept {
-    std::free(p);
-}
-void operator delete[](void *p) noexcept {
-    std::free(p);
-}
-void operator delete(void *p, size_t) noexcept {
-    std::free(p);
-}
-void operator delete[](void *p, size_t) noexcept {
-    std::free(p);
-}
+void *operator new[](size_t n) { return ::operator new(n); }
+void operator delete(void *p) noexcept { std::free(p); }
+void operator delete[](void *p) noexcept { std::free(p); }
+void operator delete(void *p, size_t) noexcept { std::free(p); }
+void operator delete[](void *p, size_t) noexcept { std::free(p); }
+// clang-format on
 
 namespace {
 
@@ -515,8 +495,6 @@ TEST(Estres, CadaAsignacionQueFallaLlegaAlManejadorYNoDejaNada) {
         long puntos = 0, con_tamanyo = 0;
         for (long n = 1;; ++n) {
             std::string condicion, mensaje;
-            condicion.reserve(64);
-            mensaje.reserve(64);
             asignaciones = 0;
             fallo_en = n;
             try {
