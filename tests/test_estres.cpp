@@ -4,12 +4,17 @@
 #include "tree/arbol.hpp"
 
 #include <zarnxml/zarnxml.h>
+#include <zarnxml/zarnxml.hpp>
 
 #include <algorithm>
 #include <charconv>
+#include <cstdio>
+#include <cstdlib>
 #include <functional>
 #include <memory>
+#include <new>
 #include <string>
+#include <utility>
 #include <vector>
 
 namespace {
@@ -202,6 +207,323 @@ TEST(Estres, DatoDeCincuentaMegas) {
     Arbol a(Fichero{dir / "g.xml"});
     ASSERT_EQ(a.mensaje, "ok");
     EXPECT_TRUE(u8(zarnxml_get_dato_hijo_cadena(a.raiz, "v")) == valor);
+}
+
+} // namespace
+
+// ---- Allocation failure ----------------------------------------------------------------------
+// Every allocation of this program reaches malloc, calloc or realloc: operator new is replaced
+// below by one over malloc, and the three are wrapped at link time (tests/CMakeLists.txt), so that
+// the library's own calls of the C allocator count too. Armed, the allocation numbered fallo_en
+// fails, and that one alone.
+
+// clang-format off
+namespace {
+long fallo_en = 0; // 0: none fails
+long asignaciones = 0;
+bool falla() { return fallo_en != 0 && ++asignaciones == fallo_en; }
+} // namespace
+
+extern "C" {
+void *__real_malloc(size_t);
+void *__real_calloc(size_t, size_t);
+void *__real_realloc(void *, size_t);
+void *__wrap_malloc(size_t n) { return falla() ? nullptr : __real_malloc(n); }
+void *__wrap_calloc(size_t n, size_t t) { return falla() ? nullptr : __real_calloc(n, t); }
+void *__wrap_realloc(void *p, size_t n) { return falla() ? nullptr : __real_realloc(p, n); }
+}
+
+void *operator new(size_t n, const std::nothrow_t &) noexcept { return std::malloc(n ? n : 1); }
+void *operator new[](size_t n, const std::nothrow_t &) noexcept { return std::malloc(n ? n : 1); }
+void *operator new(size_t n) {
+    if (void *p = std::malloc(n ? n : 1))
+        return p;
+    throw std::bad_alloc();
+}
+void *operator new[](size_t n) { return ::operator new(n); }
+void operator delete(void *p) noexcept { std::free(p); }
+void operator delete[](void *p) noexcept { std::free(p); }
+void operator delete(void *p, size_t) noexcept { std::free(p); }
+void operator delete[](void *p, size_t) noexcept { std::free(p); }
+// clang-format on
+
+namespace {
+
+// What an operation made, destroyed when the operation ends or an internal error passes.
+template <typename T, auto D> struct Propio {
+    T *p;
+    explicit Propio(T *q = nullptr) : p(q) {}
+    Propio(const Propio &) = delete;
+    ~Propio() {
+        if (p)
+            D(&p);
+    }
+};
+void libera_u(CADENA_u *s) {
+    widestr_nousar_destruye(s, __FILE__, __LINE__);
+}
+void libera_propiedades(ArrPuntero *a) {
+    zarnxml::detalle::libera_propiedades{}(std::exchange(*a, nullptr));
+}
+using Escritor = Propio<zarnfxml_t, zarnfxml_destruye_xml_escritura>;
+using LectorC = Propio<zarnfxml_t, zarnfxml_destruye_xml_lectura>;
+using Raiz = Propio<zarnxml_nodo_t, zarnxml_destruye>;
+using Lectura = Propio<zarnxml_lectura_t, zarnxml_destruye_xml_lectura>;
+using Cadena = Propio<char, zarnstr_destruye>;
+using CadenaU = Propio<char16_t, libera_u>;
+using Cadenas = Propio<ArrCADENA_s, arr_DestruyeCADENA>;
+using CadenasU = Propio<ArrCADENA_u_s, arr_DestruyeCADENA_u>;
+using Doubles = Propio<ArrDouble_s, arr_DestruyeDouble>;
+using Punteros = Propio<ArrPuntero_s, arr_DestruyeEstructurasConstConTipo>; // items are numbers
+
+void graba_item(const void *item, zarnfxml_t *w) {
+    zarnfxml_graba_inicio_bloque(w, "i");
+    zarnfxml_graba_long(w, "n", static_cast<int32_t>(reinterpret_cast<intptr_t>(item)));
+    zarnfxml_graba_fin_bloque(w);
+}
+void *lee_item(zarnfxml_t *x) {
+    zarnfxml_lee_inicio_bloque(x, "i");
+    const intptr_t n = zarnfxml_lee_long(x, "n");
+    zarnfxml_lee_fin_bloque(x);
+    return reinterpret_cast<void *>(n);
+}
+void *lee_item_arbol(zarnxml_lectura_t *x) {
+    zarnxml_lee_inicio_bloque(x, "i");
+    const intptr_t n = zarnxml_lee_long(x, "n");
+    zarnxml_lee_fin_bloque(x);
+    return reinterpret_cast<void *>(n);
+}
+
+constexpr int32_t NUMERACIONES[] = {1, 3, 4, 7};
+constexpr const char *NUMERADOS[] = {"c1", "c3", "c4", "c7"};
+
+// One write of each kind: properties, fields, arrays in several forms, structures, a comment.
+void escribe(zarnfxml_t *w) {
+    Propio<ArrPuntero_s, libera_propiedades> propiedades(arr_CreaPunteroConTipo(0));
+    zarnfxml_append_propiedad(propiedades.p, "k", "v");
+    zarnfxml_append_propiedad_u(propiedades.p, "u", u"ü");
+    zarnfxml_graba_inicio_bloque_con_propiedades(w, "r", &propiedades.p);
+    zarnfxml_graba_inicio_bloque(w, "campos");
+    zarnfxml_graba_long(w, "n", 7);
+    zarnfxml_graba_cadena(w, "s", "texto & más");
+    zarnfxml_graba_cadena_u(w, "su", u"ancho ü");
+    zarnfxml_graba_double(w, "d", 1.5, 2);
+    zarnfxml_graba_bool(w, "b", CIERTO);
+    zarnfxml_graba_fin_bloque(w);
+    zarnfxml_graba_inicio_bloque(w, "arrays");
+    Doubles d(arr_CreaDouble(0));
+    arr_AppendDouble(d.p, 1);
+    arr_AppendDouble(d.p, 2.5);
+    Cadenas c(arr_CreaCADENA(0));
+    arr_AppendCADENA(c.p, "uno");
+    arr_AppendCADENA(c.p, "dos");
+    zarnfxml_graba_arr_double(w, "ad", d.p, 2);
+    zarnfxml_graba_arr_cadena(w, "ac", c.p);
+    for (size_t i = 0; i < std::size(NUMERACIONES); ++i)
+        zarnfxml_graba_arr_cadena_numerados(w, NUMERADOS[i], c.p, NUMERACIONES[i], "n");
+    zarnfxml_graba_arr_double_numerados(w, "dn", d.p, 2, 7, "n");
+    zarnfxml_graba_fin_bloque(w);
+    Propio<ArrPuntero_s, arr_DestruyeEstructurasConstConTipo> items(arr_CreaPunteroConTipo(0));
+    arr_AppendPunteroConTipo(items.p, reinterpret_cast<void *>(1));
+    arr_AppendPunteroConTipo(items.p, reinterpret_cast<void *>(2));
+    zarnfxml_nousar_graba_arr_punterosST(w, items.p, graba_item);
+    zarnfxml_graba_linea_comentario(w, "fin");
+    zarnfxml_graba_fin_bloque(w);
+}
+
+// The files that the operations read and write, made before any allocation fails.
+struct Entorno {
+    DirTemporal dir;
+    std::u16string documento = dir.u("d.xml"), utf16 = dir.u("d16.xml"), malo = dir.u("m.xml"),
+                   salida = dir.u("sub/s.xml");
+    std::filesystem::path documento_ruta = dir / "d.xml";
+    Entorno() {
+        Escritor w(zarnfxml_crea_para_escritura_UTF_8());
+        escribe(w.p);
+        zarnfxml_genera_fichero_salida(w.p, documento.c_str());
+        escribe_fichero(dir / "m.xml", "<r>\n<a>1</b>\n");
+        std::u16string texto = u"\ufeff" + zarn::utf8_a_utf16(lee_fichero(dir / "d.xml"));
+        escribe_fichero(dir / "d16.xml", std::string(reinterpret_cast<const char *>(texto.data()),
+                                                     texto.size() * 2));
+    }
+};
+
+// Each operation stands for one kind of object of the library.
+const struct Operacion {
+    const char *nombre;
+    void (*hace)(const Entorno &);
+    bool cpp = false; // the C++ interface, whose own allocations fail as std::bad_alloc
+} OPERACIONES[] = {
+    {"escritor a fichero",
+     [](const Entorno &e) {
+         Escritor w(zarnfxml_crea_para_escritura_UTF_8());
+         escribe(w.p);
+         zarnfxml_genera_fichero_salida(w.p, e.salida.c_str());
+     }},
+    {"escritor a memoria, cada perfil",
+     [](const Entorno &) {
+         for (auto crea :
+              {zarnfxml_crea_para_escritura_UTF_8, zarnfxml_crea_para_escritura_ISO_8859_1,
+               zarnfxml_crea_para_escritura_UTF_8_androidstudio,
+               zarnfxml_crea_para_escritura_UTF_8_codificando_comillas_cadena}) {
+             Escritor w(crea());
+             escribe(w.p);
+             Cadena texto(zarnfxml_xml_escritura_a_char(w.p, CIERTO));
+         }
+         Escritor w(zarnfxml_crea_para_escritura_UTF_8_indenta_con_espacios(2));
+         escribe(w.p);
+         zarnfxml_lineas(w.p); // lent
+     }},
+    {"lector estricto",
+     [](const Entorno &e) {
+         LectorC x(zarnfxml_crea_para_lectura_de_fichero_u(e.documento.c_str()));
+         zarnfxml_lee_inicio_bloque(x.p, "r");
+         Cadena k(zarnfxml_get_cadena_propiedad_inicio_bloque(x.p, "k"));
+         zarnfxml_lee_inicio_bloque(x.p, "campos");
+         zarnfxml_lee_long(x.p, "n");
+         Cadena s(zarnfxml_lee_cadena(x.p, "s"));
+         CadenaU su(zarnfxml_lee_cadena_u(x.p, "su"));
+         zarnfxml_lee_double(x.p, "d");
+         zarnfxml_lee_bool(x.p, "b");
+         zarnfxml_lee_fin_bloque(x.p);
+         zarnfxml_salta_etiqueta(x.p, "arrays");
+         Punteros items(zarnfxml_nousar_lee_arr_punterosST(x.p, "i", lee_item));
+         zarnfxml_lee_fin_bloque(x.p);
+     }},
+    {"lectores de arrays",
+     [](const Entorno &e) {
+         LectorC x(zarnfxml_crea_para_lectura_de_fichero_u(e.utf16.c_str()));
+         zarnfxml_lee_inicio_bloque(x.p, "r");
+         zarnfxml_salta_etiqueta(x.p, "campos");
+         zarnfxml_lee_inicio_bloque(x.p, "arrays");
+         Doubles d(zarnfxml_lee_arr_double(x.p, "ad"));
+         Cadenas c(zarnfxml_lee_arr_cadena(x.p, "ac"));
+         for (size_t i = 0; i < std::size(NUMERACIONES); ++i)
+             CadenasU(zarnfxml_lee_arr_cadena_numerados(x.p, NUMERADOS[i], NUMERACIONES[i]));
+         Doubles dn(zarnfxml_lee_arr_double_numerados(x.p, "dn", 7));
+         zarnfxml_lee_fin_bloque(x.p);
+     }},
+    {"comprobaciones",
+     [](const Entorno &e) {
+         Cadena bien, mal, lineas_mal;
+         zarnfxml_es_fichero_xml_correcto(e.documento.c_str(), "r", &bien.p, FALSO);
+         zarnfxml_es_fichero_xml_correcto(e.malo.c_str(), "r", &mal.p, CIERTO);
+         Cadenas lineas(arr_CreaCADENA(0));
+         arr_AppendCADENA(lineas.p, "<a>");
+         arr_AppendCADENA(lineas.p, "<b>1</b>");
+         zarnfxml_es_lineas_xml_correcto(lineas.p, "a", &lineas_mal.p, CIERTO);
+     }},
+    {"lineas de un fichero",
+     [](const Entorno &e) {
+         Cadenas l8(zarnfxml_lee_lineas_fichero(e.documento.c_str()));
+         Cadenas l16(zarnfxml_lee_lineas_fichero(e.utf16.c_str()));
+         CadenasU u(lc_LeeFicheroTxt_unicode(e.utf16.c_str()));
+     }},
+    {"arbol de un fichero",
+     [](const Entorno &e) {
+         Cadena mensaje;
+         Raiz bien(zarnxml_crea_de_fichero_u(e.documento.c_str(), "1", "0", nullptr, nullptr));
+         Raiz mal(zarnxml_crea_de_fichero_u(e.malo.c_str(), "1", "0", nullptr, &mensaje.p));
+     }},
+    {"arbol de lineas",
+     [](const Entorno &) {
+         Cadenas lineas(arr_CreaCADENA(0));
+         for (const char *l : {"<r k=\"v\">", "<a>1</a>", "<b>x</b>", "</r>"})
+             arr_AppendCADENA(lineas.p, l);
+         Raiz raiz(zarnxml_crea_de_lineas(&lineas.p, "1", "0", nullptr, nullptr));
+     }},
+    {"accesores del arbol",
+     [](const Entorno &e) {
+         Raiz raiz(zarnxml_crea_de_fichero_u(e.documento.c_str(), "1", "0", nullptr, nullptr));
+         const zarnxml_nodo_t *campos = zarnxml_dame_nodo(raiz.p, "campos");
+         const zarnxml_nodo_t *arrays = zarnxml_dame_nodo(raiz.p, "arrays");
+         Cadena s(zarnxml_get_dato_hijo_cadena_ansi(campos, "s"));
+         Cadena k;
+         zarnxml_existe_propiedad_cadena(raiz.p, "k", &k.p);
+         zarnxml_get_dato_hijo_double(campos, "d");
+         Doubles d(zarnxml_get_dato_hijo_ArrDouble(arrays, "ad"));
+         CadenasU c3(zarnxml_get_ArrCadenaU_hijos(arrays, "c3"));
+         Propio<ArrPuntero_s, zarnxml_destruye_array_const_nodos> items;
+         zarnxml_existen_nodos(raiz.p, "i", &items.p);
+         zarnxml_nodos_hijos(raiz.p);
+     }},
+    {"lector secuencial",
+     [](const Entorno &e) {
+         Lectura x(zarnxml_crea_para_lectura_de_fichero_u(e.documento.c_str(), "1", "0", nullptr,
+                                                          nullptr));
+         zarnxml_lee_inicio_bloque(x.p, "r");
+         zarnxml_lee_inicio_bloque(x.p, "campos");
+         zarnxml_lee_long(x.p, "n");
+         Cadena s(zarnxml_lee_cadena(x.p, "s"));
+         CadenaU su(zarnxml_lee_cadena_u(x.p, "su"));
+         zarnxml_lee_fin_bloque(x.p);
+         zarnxml_lee_inicio_bloque(x.p, "arrays");
+         Doubles dn(zarnxml_lee_arr_double_numerados(x.p, "dn", 7));
+         zarnxml_lee_fin_bloque(x.p);
+         Punteros items(
+             zarnxml_nousar_lee_arr_punterosST(x.p, "i", lee_item_arbol, nullptr, nullptr));
+         zarnxml_lee_fin_bloque(x.p);
+     }},
+    {"interfaz C++",
+     [](const Entorno &e) {
+         auto w = zarnxml::escritor::utf8();
+         {
+             auto r = w.abre("r", {{"k", "v"}});
+             w.graba("n", int32_t{7});
+             w.graba("s", "x & y");
+         }
+         const auto a = zarnxml::arbol::de_texto(w.texto());
+         a.raiz().dato<int32_t>("n");
+         auto l = zarnxml::lector::de_fichero(e.documento_ruta);
+         l.abre("r");
+         l.abre("campos");
+         l.lee<int32_t>("n");
+         l.lee<std::string>("s");
+     },
+     true},
+};
+
+TEST(Estres, CadaAsignacionQueFallaLlegaAlManejadorYNoDejaNada) {
+    const Entorno e;
+    ConManejadorQueLanza con;
+    // Files are counted too: what an operation opened is closed again.
+    const auto descriptores = [] {
+        return std::distance(fs::directory_iterator("/proc/self/fd"), fs::directory_iterator());
+    };
+    const auto abiertos = descriptores();
+    for (const Operacion &op : OPERACIONES) {
+        long puntos = 0, con_tamanyo = 0;
+        for (long n = 1;; ++n) {
+            std::string condicion, mensaje;
+            asignaciones = 0;
+            fallo_en = n;
+            try {
+                op.hace(e);
+            } catch (const ErrorInterno &x) {
+                condicion = x.condicion;
+                mensaje = x.mensaje;
+            } catch (const zarnxml::error_interno &x) {
+                condicion = x.condicion();
+                mensaje = x.mensaje();
+            } catch (const std::bad_alloc &) {
+                condicion = op.cpp ? "memoria suficiente" : "std::bad_alloc";
+            }
+            fallo_en = 0;
+            EXPECT_EQ(descriptores(), abiertos) << op.nombre << ", allocation " << n;
+            if (asignaciones < n) { // nothing failed: the operation ran through
+                EXPECT_EQ(condicion, "") << op.nombre;
+                break;
+            }
+            ++puntos;
+            EXPECT_EQ(condicion, "memoria suficiente") << op.nombre << ", allocation " << n;
+            // The size asked for, when the library knew it.
+            EXPECT_EQ(mensaje.find_first_not_of("0123456789"), std::string::npos) << mensaje;
+            con_tamanyo += !mensaje.empty();
+        }
+        std::printf("%s: %ld allocation points, %ld with their size\n", op.nombre, puntos,
+                    con_tamanyo);
+        EXPECT_GT(puntos, 0) << op.nombre;
+    }
 }
 
 } // namespace

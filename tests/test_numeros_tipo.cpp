@@ -90,11 +90,12 @@ TEST(ZyassertDeathTest, ElManejadorPorDefectoEscribeYAborta) {
                  "^zarnvec:42: \\(p\\) != NULL \\(falta\\)\n$");
     EXPECT_DEATH(error_interno("ind < num_elems", "zarnrank", 9, 0),
                  "^zarnrank:9: ind < num_elems\n$");
-    // A handler that returns does not give control back to the failed check.
+    // A handler that returns does not give control back to the failed check, and the error is
+    // still told.
     EXPECT_DEATH(
         {
             zyassert_instala_manejador(no_termina);
-            error_interno("c", "o", 1, 0);
+            error_interno_msg("c", "o", 1, "m", 0);
         },
-        "^$");
+        "^o:1: c \\(m\\)\n$");
 }

@@ -1,5 +1,6 @@
 /* zarnxml: allocation. Blocks come from the same heap as the strings of zarnstr.h and never
- * come back null (an exhausted heap ends the process). */
+ * come back null: an exhausted heap, here or anywhere in the library, ends in the internal error
+ * "memoria suficiente" (zyassert.h), with the size asked for as its message when it is known. */
 #ifndef ZARNXML_ZARNMEM_H
 #define ZARNXML_ZARNMEM_H
 

@@ -20,8 +20,10 @@
 // Errors. A fault of the calling program, or a strict read that meets something else, throws
 // zarnxml::error_interno with the library's condition text. A bad document from outside is not
 // an internal error: the checks answer with a zarnxml::fallo, and arbol::de_fichero/de_texto
-// throw zarnxml::documento_incorrecto carrying one. After an error_interno the object on which
-// it happened may only be destroyed (its destructor frees everything).
+// throw zarnxml::documento_incorrecto carrying one. Memory that runs out inside the library is
+// the error_interno "memoria suficiente"; in this header's own code, std::bad_alloc. After an
+// error_interno the object on which it happened may only be destroyed (its destructor frees
+// everything).
 //
 // Threads. Internal errors reach a handler (zyassert.h). Each call of this interface installs,
 // for its own length and on its own thread alone, a thread handler that throws

@@ -4,7 +4,11 @@
  * expect, through these functions. They never return: they call the process's handler, which
  * must end the process or throw a C++ exception. The default handler prints
  * "origen:linea: condicion (mensaje)" to standard error and calls abort(). If a handler
- * returns, the library aborts. The handler may be read from any thread.
+ * returns, the library prints the same line and aborts. The handler may be read from any thread.
+ *
+ * Memory that runs out anywhere in the library comes here too, as the condition
+ * "memoria suficiente" with the size asked for in bytes (decimal) as the message when it is
+ * known, null otherwise; what the failed call had made is freed.
  *
  * A thread may also have a handler of its own, which takes precedence over the process's
  * handler for the internal errors raised on that thread and on no other. Threads without one

@@ -87,13 +87,16 @@ uint8_t *i_zarnstrhex_nousar_cadena_Base64_a_buffer(const char *s, uint32_t *tam
 
 extern "C" {
 
-ZARN_API CADENA zarnstrhex_nousar_buffer_a_cadena_Base64(const uint8_t *buffer, uint32_t tamanyo) {
+ZARN_API CADENA zarnstrhex_nousar_buffer_a_cadena_Base64(const uint8_t *buffer,
+                                                         uint32_t tamanyo) try {
     ZARN_ASSERT_TEXTO(buffer != nullptr || tamanyo == 0, "buffer != NULL || tamanyo == 0",
                       "zarnstr");
     return zarn::dup(zarn::base64_codifica(buffer, tamanyo));
 }
+ZARN_FRONTERA("zarnstr")
 
-ZARN_API uint8_t *zarnstrhex_nousar_cadena_Base64_a_buffer(const char *s, uint32_t *tamanyo) {
+ZARN_API uint8_t *zarnstrhex_nousar_cadena_Base64_a_buffer(const char *s, uint32_t *tamanyo) try {
     return i_zarnstrhex_nousar_cadena_Base64_a_buffer(s, tamanyo);
 }
+ZARN_FRONTERA("zarnstr")
 }

@@ -55,7 +55,7 @@ constexpr const char *ORIGEN = "zarnstr";
 char *agranda(char *p, size_t n) {
     void *r = std::realloc(p, n + 1);
     if (!r) [[unlikely]]
-        throw std::bad_alloc();
+        throw zarn::sin_memoria(n + 1);
     return static_cast<char *>(r);
 }
 
@@ -138,12 +138,13 @@ bool i_zarnstr_hay_texto(const char *s) {
 
 extern "C" {
 
-ZARN_API CADENA cad_copia_cadena(const char *s) {
+ZARN_API CADENA cad_copia_cadena(const char *s) try {
     ZARN_ASSERT_NO_NULL(s, ORIGEN);
     return zarn::dup(s);
 }
+ZARN_FRONTERA(ORIGEN)
 
-ZARN_API void cad_concatena(CADENA *dest, const char *s) {
+ZARN_API void cad_concatena(CADENA *dest, const char *s) try {
     ZARN_ASSERT_NO_NULL(dest, ORIGEN);
     ZARN_ASSERT_NO_NULL(s, ORIGEN);
     const size_t ls = std::strlen(s);
@@ -165,8 +166,9 @@ ZARN_API void cad_concatena(CADENA *dest, const char *s) {
     *dest = agranda(*dest, ld + ls);
     std::memcpy(*dest + ld, s, ls + 1);
 }
+ZARN_FRONTERA(ORIGEN)
 
-ZARN_API void zarnstr_inserta_al_principio(CADENA *dest, const char *s) {
+ZARN_API void zarnstr_inserta_al_principio(CADENA *dest, const char *s) try {
     ZARN_ASSERT_NO_NULL(dest, ORIGEN);
     ZARN_ASSERT_NO_NULL(s, ORIGEN);
     const std::string_view viejo = zarn::vista(*dest);
@@ -179,21 +181,24 @@ ZARN_API void zarnstr_inserta_al_principio(CADENA *dest, const char *s) {
     std::free(*dest);
     *dest = r;
 }
+ZARN_FRONTERA(ORIGEN)
 
-ZARN_API void zarnstr_sustituye(CADENA *dest, const char *s) {
+ZARN_API void zarnstr_sustituye(CADENA *dest, const char *s) try {
     ZARN_ASSERT_NO_NULL(dest, ORIGEN);
     ZARN_ASSERT_NO_NULL(s, ORIGEN);
     char *r = zarn::dup(s); // before the free: s may be *dest itself
     std::free(*dest);
     *dest = r;
 }
+ZARN_FRONTERA(ORIGEN)
 
-ZARN_API void zarnstr_copia_si_no_null(CADENA *dest, const char *s) {
+ZARN_API void zarnstr_copia_si_no_null(CADENA *dest, const char *s) try {
     ZARN_ASSERT_NO_NULL(dest, ORIGEN);
     *dest = s ? zarn::dup(s) : nullptr;
 }
+ZARN_FRONTERA(ORIGEN)
 
-ZARN_API void cad_reemplaza_todas_cadenas(CADENA *s, const char *desde, const char *hasta) {
+ZARN_API void cad_reemplaza_todas_cadenas(CADENA *s, const char *desde, const char *hasta) try {
     ZARN_ASSERT_NO_NULL(s, ORIGEN);
     ZARN_ASSERT_NO_NULL(*s, ORIGEN);
     ZARN_ASSERT_NO_NULL(desde, ORIGEN);
@@ -205,28 +210,33 @@ ZARN_API void cad_reemplaza_todas_cadenas(CADENA *s, const char *desde, const ch
     std::free(*s);
     *s = r;
 }
+ZARN_FRONTERA(ORIGEN)
 
-ZARN_API CADENA cad_subcadena_inicial(const char *s, uint16_t n) {
+ZARN_API CADENA cad_subcadena_inicial(const char *s, uint16_t n) try {
     return cad_subcadena_inicial_size_t(s, n);
 }
+ZARN_FRONTERA(ORIGEN)
 
-ZARN_API CADENA cad_subcadena_inicial_size_t(const char *s, size_t n) {
+ZARN_API CADENA cad_subcadena_inicial_size_t(const char *s, size_t n) try {
     ZARN_ASSERT_NO_NULL(s, ORIGEN);
     const void *cero = std::memchr(s, '\0', n); // stops at the terminator
     return zarn::dup(
         std::string_view(s, cero ? static_cast<size_t>(static_cast<const char *>(cero) - s) : n));
 }
+ZARN_FRONTERA(ORIGEN)
 
-ZARN_API CADENA creacadena(size_t n) {
+ZARN_API CADENA creacadena(size_t n) try {
     return i_creacadena(n);
 }
+ZARN_FRONTERA(ORIGEN)
 
-ZARN_API CADENA creacadena_con_caracter(size_t n, char c) {
+ZARN_API CADENA creacadena_con_caracter(size_t n, char c) try {
     char *r = zarn::reserva(n);
     std::memset(r, c, n);
     r[n] = '\0';
     return r;
 }
+ZARN_FRONTERA(ORIGEN)
 
 ZARN_API void zarnstr_destruye(CADENA *s) {
     ZARN_ASSERT_NO_NULL(s, ORIGEN);
@@ -272,20 +282,23 @@ ZARN_API zybool cad_es_subcadena(const char *texto, const char *parte) {
     return zarn::zb(std::strstr(texto, parte) != nullptr);
 }
 
-ZARN_API zybool cad_es_subcadena_may_min(const char *texto, const char *parte) {
+ZARN_API zybool cad_es_subcadena_may_min(const char *texto, const char *parte) try {
     ZARN_ASSERT_NO_NULL(texto, ORIGEN);
     ZARN_ASSERT_NO_NULL(parte, ORIGEN);
     return zarn::zb(zarn::contiene_may_o_min(zarn::utf8_a_utf16(texto), zarn::utf8_a_utf16(parte)));
 }
+ZARN_FRONTERA(ORIGEN)
 
-ZARN_API double cad_atof(const char *s) {
+ZARN_API double cad_atof(const char *s) try {
     return i_cad_atof(s);
 }
+ZARN_FRONTERA(ORIGEN)
 
-ZARN_API CADENA nousar_formatea(const char *formato, ...) {
+ZARN_API CADENA nousar_formatea(const char *formato, ...) try {
     ZARN_ASSERT_NO_NULL(formato, ORIGEN);
     zarn::ListaArgumentos args;
     va_start(args.ap, formato);
     return zarn::dup(formatea(formato, args.ap));
 }
+ZARN_FRONTERA(ORIGEN)
 }

@@ -26,7 +26,7 @@ namespace {
 char16_t *agranda(char16_t *p, size_t n) {
     void *r = std::realloc(p, (n + 1) * sizeof(char16_t));
     if (!r) [[unlikely]]
-        throw std::bad_alloc();
+        throw zarn::sin_memoria((n + 1) * sizeof(char16_t));
     return static_cast<char16_t *>(r);
 }
 
@@ -91,14 +91,16 @@ int32_t i_widestr_nousar_atol(const char16_t *s, const char *origen, uint32_t li
 
 extern "C" {
 
-ZARN_API CADENA_u widestr_nousar_copia(const char16_t *s, const char *origen, uint32_t linea) {
+ZARN_API CADENA_u widestr_nousar_copia(const char16_t *s, const char *origen, uint32_t linea) try {
     ZARN_NO_NULL_LLAMADA(s);
     return zarn::dup_u(s);
 }
+ZARN_FRONTERA("zarnstr")
 
-ZARN_API CADENA_u widestr_nousar_copia_opcional(const char16_t *s, const char *, uint32_t) {
+ZARN_API CADENA_u widestr_nousar_copia_opcional(const char16_t *s, const char *, uint32_t) try {
     return s ? zarn::dup_u(s) : nullptr;
 }
+ZARN_FRONTERA("zarnstr")
 
 ZARN_API void widestr_nousar_destruye(CADENA_u *s, const char *origen, uint32_t linea) {
     ZARN_NO_NULL_LLAMADA(s);
@@ -114,7 +116,7 @@ ZARN_API void widestr_nousar_destruye_opcional(CADENA_u *s, const char *origen, 
 }
 
 ZARN_API void widestr_nousar_cad_concatena(CADENA_u *dest, const char16_t *s, const char *origen,
-                                           uint32_t linea) {
+                                           uint32_t linea) try {
     ZARN_NO_NULL_LLAMADA(dest);
     ZARN_NO_NULL_LLAMADA(s);
     const std::u16string_view nuevo(s);
@@ -137,10 +139,11 @@ ZARN_API void widestr_nousar_cad_concatena(CADENA_u *dest, const char16_t *s, co
     std::copy(nuevo.begin(), nuevo.end(), *dest + ld);
     (*dest)[ld + nuevo.size()] = u'\0';
 }
+ZARN_FRONTERA("zarnstr")
 
 ZARN_API void widestr_nousar_reemplaza_todas_cadenas(CADENA_u *s, const char16_t *desde,
                                                      const char16_t *hasta, const char *origen,
-                                                     uint32_t linea) {
+                                                     uint32_t linea) try {
     ZARN_NO_NULL_LLAMADA(s);
     ZARN_NO_NULL_LLAMADA(*s);
     ZARN_NO_NULL_LLAMADA(desde);
@@ -152,10 +155,11 @@ ZARN_API void widestr_nousar_reemplaza_todas_cadenas(CADENA_u *s, const char16_t
     std::free(*s);
     *s = r;
 }
+ZARN_FRONTERA("zarnstr")
 
 ZARN_API CADENA_u widestr_nousar_extrae_token(uint16_t n, const char16_t *s,
                                               const char16_t *separadores, const char *origen,
-                                              uint32_t linea) {
+                                              uint32_t linea) try {
     ZARN_NO_NULL_LLAMADA(s);
     ZARN_NO_NULL_LLAMADA(separadores);
     const std::u16string_view texto(s), seps(separadores);
@@ -168,6 +172,7 @@ ZARN_API CADENA_u widestr_nousar_extrae_token(uint16_t n, const char16_t *s,
     const size_t fin = std::min(texto.find_first_of(seps, ini), texto.size());
     return zarn::dup_u(texto.substr(ini, fin - ini));
 }
+ZARN_FRONTERA("zarnstr")
 
 ZARN_API uint32_t widestr_nousar_longitud(const char16_t *s, const char *origen, uint32_t linea) {
     ZARN_NO_NULL_LLAMADA(s);
@@ -208,22 +213,26 @@ ZARN_API zybool widestr_nousar_es_subcadena_may_o_min(const char16_t *texto, con
     return zarn::zb(zarn::contiene_may_o_min(texto, parte));
 }
 
-ZARN_API double widestr_nousar_atof(const char16_t *s, const char *origen, uint32_t linea) {
+ZARN_API double widestr_nousar_atof(const char16_t *s, const char *origen, uint32_t linea) try {
     return i_widestr_nousar_atof(s, origen, linea);
 }
+ZARN_FRONTERA("zarnstr")
 
-ZARN_API int32_t widestr_nousar_atol(const char16_t *s, const char *origen, uint32_t linea) {
+ZARN_API int32_t widestr_nousar_atol(const char16_t *s, const char *origen, uint32_t linea) try {
     return i_widestr_nousar_atol(s, origen, linea);
 }
+ZARN_FRONTERA("zarnstr")
 
-ZARN_API int64_t widestr_nousar_atoi64(const char16_t *s, const char *origen, uint32_t linea) {
+ZARN_API int64_t widestr_nousar_atoi64(const char16_t *s, const char *origen, uint32_t linea) try {
     return i_widestr_nousar_atoi64(s, origen, linea);
 }
+ZARN_FRONTERA("zarnstr")
 
-ZARN_API CADENA_u copiaforu_nousar_formatea(const char16_t *formato, ...) {
+ZARN_API CADENA_u copiaforu_nousar_formatea(const char16_t *formato, ...) try {
     ZARN_ASSERT_NO_NULL(formato, "zarnstr");
     zarn::ListaArgumentos args;
     va_start(args.ap, formato);
     return zarn::dup_u(formatea(formato, args.ap));
 }
+ZARN_FRONTERA("zarnstr")
 }

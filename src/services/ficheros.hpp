@@ -110,7 +110,7 @@ std::filesystem::path ruta_de(std::u16string_view ruta);
 
 // Opens ruta with a C mode ("rb", "wb", "ab"). A file that does not open, or a directory opened
 // for reading, ends in error_interno_msg("fichero abierto", origen, linea, <path>): the result
-// is never null.
+// is never null. A lack of memory to open it is std::bad_alloc, as any other.
 Fichero abre(const char16_t *ruta, const char *modo, const char *origen, uint32_t linea);
 
 // Opens ruta for reading as abre does, for its lines: a file that begins with a UTF-16 byte order

@@ -4,6 +4,7 @@
 
 #include <zarnxml/zarnmem.h>
 
+#include <charconv>
 #include <cstdlib>
 #include <new>
 
@@ -13,10 +14,27 @@ namespace {
 void *asigna(size_t tamanyo) {
     void *p = std::malloc(tamanyo ? tamanyo : 1);
     if (!p) [[unlikely]]
-        throw std::bad_alloc();
+        throw sin_memoria(tamanyo);
     return p;
 }
 } // namespace
+
+void memoria_agotada(const std::bad_alloc *e, const char *origen, uint32_t linea) {
+    char tamanyo[24];
+    const char *mensaje = nullptr;
+    if (const auto *s = dynamic_cast<const sin_memoria *>(e)) {
+        *std::to_chars(tamanyo, tamanyo + sizeof tamanyo - 1, s->tamanyo).ptr = '\0';
+        mensaje = tamanyo;
+    }
+    ::error_interno_msg("memoria suficiente", origen, linea, mensaje, 0);
+}
+
+std::unique_ptr<std::byte[]> reserva_bloque(size_t tamanyo) {
+    std::byte *p = new (std::nothrow) std::byte[tamanyo ? tamanyo : 1];
+    if (!p) [[unlikely]]
+        throw sin_memoria(tamanyo);
+    return std::unique_ptr<std::byte[]>(p);
+}
 
 char *reserva(size_t n) {
     return static_cast<char *>(asigna(n + 1));
@@ -62,16 +80,18 @@ void *i_zarnspy_nousar_malloc(size_t tamanyo) {
 
 extern "C" {
 
-ZARN_API void *zarnspy_nousar_malloc(size_t tamanyo) {
+ZARN_API void *zarnspy_nousar_malloc(size_t tamanyo) try {
     return i_zarnspy_nousar_malloc(tamanyo);
 }
+ZARN_FRONTERA("zarnmem")
 
-ZARN_API void *zarnspy_nousar_calloc(size_t num, size_t tamanyo) {
+ZARN_API void *zarnspy_nousar_calloc(size_t num, size_t tamanyo) try {
     void *p = std::calloc(num ? num : 1, tamanyo ? tamanyo : 1);
     if (!p) [[unlikely]]
-        throw std::bad_alloc();
+        throw zarn::sin_memoria(num * tamanyo);
     return p;
 }
+ZARN_FRONTERA("zarnmem")
 
 ZARN_API void zarnspy_nousar_free_pp(void **p, size_t) {
     if (p) {

@@ -142,7 +142,7 @@ int64_t texto_a_int64(std::string_view s) noexcept {
 
 extern "C" ZARN_API CADENA_u convers_texto_ex(const void *, double valor, uint32_t ancho,
                                               uint32_t decimales,
-                                              uint16_t sin_decimales_si_no_tiene, uint16_t) {
+                                              uint16_t sin_decimales_si_no_tiene, uint16_t) try {
     const std::string t =
         zarn::double_a_texto(valor, ancho, decimales, sin_decimales_si_no_tiene == CIERTO);
     // The text is ASCII: widen it unit by unit.
@@ -151,3 +151,4 @@ extern "C" ZARN_API CADENA_u convers_texto_ex(const void *, double valor, uint32
     r[t.size()] = u'\0';
     return r;
 }
+ZARN_FRONTERA("zarnbase")

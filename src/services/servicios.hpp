@@ -7,8 +7,12 @@
 #include <zarnxml/zyassert.h>
 
 #include <cstdarg>
+#include <cstddef>
 #include <cstdint>
 #include <cstring>
+#include <memory>
+#include <new>
+#include <stdexcept>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -39,6 +43,39 @@ inline constexpr const char *ORIGEN_ARBOL = "zarnxml (ZARNXML.DLL)";
 #define ZARN_DEFAULT_ERROR(origen)                                                                 \
     ::error_interno_default_error(nullptr, nullptr, (origen), static_cast<uint32_t>(__LINE__), 0)
 
+// ---- Allocation at the edge of the C interface -----------------------------------------------
+
+// An allocation that fails never leaves the C interface as an exception. Every exported function
+// that can allocate is a function-try-block closed by ZARN_FRONTERA(origen), which turns
+// std::bad_alloc, and std::length_error (a container asked for too much), into the internal error
+// "memoria suficiente" of its area, with the size asked for as the message when the library's own
+// allocation knew it. Any other exception, a throwing handler's own, passes untouched; what the
+// call had made is freed by its owners as the exception unwinds.
+//
+//     ZARN_API T f(...) try {
+//         ...
+//     }
+//     ZARN_FRONTERA(ORIGEN)
+#define ZARN_FRONTERA(origen)                                                                      \
+    catch (const std::bad_alloc &e) {                                                              \
+        ::zarn::memoria_agotada(&e, (origen), static_cast<uint32_t>(__LINE__));                    \
+    }                                                                                              \
+    catch (const std::length_error &) {                                                            \
+        ::zarn::memoria_agotada(nullptr, (origen), static_cast<uint32_t>(__LINE__));               \
+    }
+
+// What the library's own allocation throws: the size that it asked for, in bytes.
+struct sin_memoria : std::bad_alloc {
+    size_t tamanyo;
+    explicit sin_memoria(size_t t) noexcept : tamanyo(t) {}
+};
+
+// error_interno_msg("memoria suficiente", origen, linea, <size asked for, or null>).
+[[noreturn]] void memoria_agotada(const std::bad_alloc *e, const char *origen, uint32_t linea);
+
+// An uninitialised block of the given size; a failure throws sin_memoria with it.
+std::unique_ptr<std::byte[]> reserva_bloque(size_t tamanyo);
+
 // ---- Truth values ----------------------------------------------------------------------------
 
 // Inside, truth is bool; zybool is the C interface's, made here at the edge.
@@ -67,6 +104,11 @@ char16_t *dup_u(std::u16string_view s);
 char *reserva(size_t n);
 char16_t *reserva_u(size_t n);
 void libera(void *p) noexcept;
+// A heap string owned until release() hands it on.
+struct LiberaCadena {
+    void operator()(void *p) const noexcept { libera(p); }
+};
+template <typename C> using CadenaPropia = std::unique_ptr<C, LiberaCadena>;
 
 inline std::string_view vista(const char *s) {
     return s ? std::string_view(s) : std::string_view();

@@ -60,15 +60,17 @@ ArrCADENA_u i_cad_obten_lista_lineas_u(const char16_t *texto) {
 extern "C" {
 
 // An empty text is one empty line.
-ZARN_API ArrCADENA cad_obten_lista_lineas(const char *texto) {
+ZARN_API ArrCADENA cad_obten_lista_lineas(const char *texto) try {
     return i_cad_obten_lista_lineas(texto);
 }
+ZARN_FRONTERA(ORIGEN)
 
-ZARN_API ArrCADENA_u cad_obten_lista_lineas_u(const char16_t *texto) {
+ZARN_API ArrCADENA_u cad_obten_lista_lineas_u(const char16_t *texto) try {
     return i_cad_obten_lista_lineas_u(texto);
 }
+ZARN_FRONTERA(ORIGEN)
 
-ZARN_API CADENA arraystr_union_de_textos_separados_por_salto_de_linea(ArrCADENA lineas) {
+ZARN_API CADENA arraystr_union_de_textos_separados_por_salto_de_linea(ArrCADENA lineas) try {
     ZARN_ASSERT_NO_NULL(lineas, ORIGEN);
     const auto &v = lineas->v;
     size_t total = v.empty() ? 0 : v.size() - 1;
@@ -86,4 +88,5 @@ ZARN_API CADENA arraystr_union_de_textos_separados_por_salto_de_linea(ArrCADENA 
     *p = '\0';
     return texto;
 }
+ZARN_FRONTERA(ORIGEN)
 }

@@ -20,7 +20,8 @@ extern "C" {
 
 // A directory that cannot be made means that the file cannot be created: that is reported as
 // for a file that does not open, with the file's path.
-ZARN_API void zdir_crea_directorios_fichero_UNICODE(const char16_t *ruta) {
+ZARN_API void zdir_crea_directorios_fichero_UNICODE(const char16_t *ruta) try {
     i_zdir_crea_directorios_fichero_UNICODE(ruta);
 }
+ZARN_FRONTERA("zarndir")
 }

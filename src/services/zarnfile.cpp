@@ -24,7 +24,8 @@ bool i_zarnfile_es_fichero_unicode(const char16_t *ruta) {
 extern "C" {
 
 // Looks only at the first two bytes: a UTF-16 byte order mark in either order.
-ZARN_API zybool zarnfile_es_fichero_unicode(const char16_t *ruta) {
+ZARN_API zybool zarnfile_es_fichero_unicode(const char16_t *ruta) try {
     return zarn::zb(i_zarnfile_es_fichero_unicode(ruta));
 }
+ZARN_FRONTERA("zarnfile")
 }

@@ -5,6 +5,7 @@
 #include <zarnxml/zarnio.h>
 
 #include <algorithm>
+#include <cerrno>
 #include <cstring>
 #include <utility>
 
@@ -26,18 +27,23 @@ std::filesystem::path ruta_de(std::u16string_view ruta) {
 
 Fichero abre(const char16_t *ruta, const char *modo, const char *origen, uint32_t linea) {
     ZARN_ASSERT_NO_NULL(ruta, ORIGEN);
-    std::string nombre = utf16_a_utf8(ruta);
-    const std::filesystem::path p = ruta_utf8(nombre);
-    std::FILE *f = std::fopen(p.c_str(), modo);
+    // The record comes first, so that an open file always has its owner.
+    auto fichero = std::make_unique<zarnio_fichero_s>(nullptr, utf16_a_utf8(ruta));
+    const std::filesystem::path p = ruta_utf8(fichero->ruta);
+    std::FILE *&f = fichero->f;
+    f = std::fopen(p.c_str(), modo);
+    const int error = f ? 0 : errno;
     // A directory opens for reading on some systems and then fails on every read.
     std::error_code ec;
     if (f && modo[0] == 'r' && std::filesystem::is_directory(p, ec)) {
         std::fclose(f);
         f = nullptr;
     }
+    if (!f && error == ENOMEM)
+        throw std::bad_alloc();
     if (!f)
-        ::error_interno_msg("fichero abierto", origen, linea, nombre.c_str(), 0);
-    return std::make_unique<zarnio_fichero_s>(f, std::move(nombre));
+        ::error_interno_msg("fichero abierto", origen, linea, fichero->ruta.c_str(), 0);
+    return fichero;
 }
 
 size_t lee_bytes(zarnio_fichero_s &fichero, void *destino, size_t n) {
@@ -126,18 +132,20 @@ double i_lc_tamanyo_fichero(zarnio_fichero_t *fichero) {
 extern "C" {
 
 ZARN_API zarnio_fichero_t *f_lc_fopen_u(const char16_t *ruta, const char16_t *modo,
-                                        const char *origen, uint32_t linea) {
+                                        const char *origen, uint32_t linea) try {
     return i_f_lc_fopen_u(ruta, modo, origen, linea);
 }
+ZARN_FRONTERA("zarnio")
 
 ZARN_API double lc_tamanyo_fichero(zarnio_fichero_t *fichero) {
     return i_lc_tamanyo_fichero(fichero);
 }
 
 ZARN_API void f_lc_fread_sin_error(void *buffer, size_t tamanyo, size_t num,
-                                   zarnio_fichero_t *fichero) {
+                                   zarnio_fichero_t *fichero) try {
     i_f_lc_fread_sin_error(buffer, tamanyo, num, fichero);
 }
+ZARN_FRONTERA("zarnio")
 
 ZARN_API void lc_fclose(zarnio_fichero_t **fichero) {
     i_lc_fclose(fichero);
@@ -147,9 +155,10 @@ ZARN_API void lc_fclose_al_final(zarnio_fichero_t **fichero) {
     i_lc_fclose_al_final(fichero);
 }
 
-ZARN_API fichmem *fichmem_crea_original(uint8_t **buffer, uint32_t tamanyo) {
+ZARN_API fichmem *fichmem_crea_original(uint8_t **buffer, uint32_t tamanyo) try {
     return i_fichmem_crea_original(buffer, tamanyo);
 }
+ZARN_FRONTERA("zarnio")
 
 ZARN_API void fichmem_destruye(fichmem **fm) {
     ZARN_ASSERT_NO_NULL(fm, "zarnio");

@@ -37,13 +37,15 @@ uint32_t i_apunorde_nousar_numelems(ApunOrde arr) {
 
 extern "C" {
 
-ZARN_API ApunOrde apunorde_nousar_crea(int64_t, int64_t, int64_t) {
+ZARN_API ApunOrde apunorde_nousar_crea(int64_t, int64_t, int64_t) try {
     return i_apunorde_nousar_crea();
 }
+ZARN_FRONTERA(ORIGEN)
 
-ZARN_API void apunorde_nousar_inserta_original(ApunOrde arr, void *p, int) {
+ZARN_API void apunorde_nousar_inserta_original(ApunOrde arr, void *p, int) try {
     i_apunorde_nousar_inserta_original(arr, p);
 }
+ZARN_FRONTERA(ORIGEN)
 
 ZARN_API uint32_t apunorde_nousar_numelems(ApunOrde arr) {
     return i_apunorde_nousar_numelems(arr);

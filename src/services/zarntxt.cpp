@@ -290,7 +290,7 @@ void i_ztxt_escr_string_sin_salto_de_linea(const char *texto, zarnio_fichero_t *
 
 extern "C" {
 
-ZARN_API char *ztxt_lee_linea(zarnio_fichero_t *fichero, char *buffer, uint32_t max) {
+ZARN_API char *ztxt_lee_linea(zarnio_fichero_t *fichero, char *buffer, uint32_t max) try {
     ZARN_ASSERT_NO_NULL(fichero, ORIGEN);
     ZARN_ASSERT_NO_NULL(buffer, ORIGEN);
     ZARN_ASSERT(max > 0, ORIGEN);
@@ -299,20 +299,26 @@ ZARN_API char *ztxt_lee_linea(zarnio_fichero_t *fichero, char *buffer, uint32_t 
         return nullptr;
     return static_cast<char *>(std::memcpy(buffer, linea, fichero->lineas.largo() + 1));
 }
+ZARN_FRONTERA(ORIGEN)
 
-ZARN_API void ztxt_escr_string_sin_salto_de_linea(const char *texto, zarnio_fichero_t *fichero) {
+ZARN_API void ztxt_escr_string_sin_salto_de_linea(const char *texto,
+                                                  zarnio_fichero_t *fichero) try {
     i_ztxt_escr_string_sin_salto_de_linea(texto, fichero);
 }
+ZARN_FRONTERA(ORIGEN)
 
-ZARN_API ArrCADENA_u lc_LeeFicheroTxt_unicode(const char16_t *ruta) {
+ZARN_API ArrCADENA_u lc_LeeFicheroTxt_unicode(const char16_t *ruta) try {
     return i_lc_LeeFicheroTxt_unicode(ruta);
 }
+ZARN_FRONTERA(ORIGEN)
 
-ZARN_API void lc_Graba_Array_FicheroTxt_u(ArrCADENA lineas, const char16_t *ruta) {
+ZARN_API void lc_Graba_Array_FicheroTxt_u(ArrCADENA lineas, const char16_t *ruta) try {
     graba_lineas(lineas, ruta, "wb");
 }
+ZARN_FRONTERA(ORIGEN)
 
-ZARN_API void lc_Anade_Array_FicheroTxt_u(ArrCADENA lineas, const char16_t *ruta) {
+ZARN_API void lc_Anade_Array_FicheroTxt_u(ArrCADENA lineas, const char16_t *ruta) try {
     graba_lineas(lineas, ruta, "ab");
 }
+ZARN_FRONTERA(ORIGEN)
 }

@@ -183,27 +183,34 @@ void i_arr_SetPunto2D(ArrPunto2D arr, uint32_t ind, double x, double y) {
 
 extern "C" {
 
-ZARN_API ArrBOOL arr_CreaBOOL(uint32_t num_elems) {
+ZARN_API ArrBOOL arr_CreaBOOL(uint32_t num_elems) try {
     return crea<ArrBOOL_s>(num_elems);
 }
-ZARN_API ArrCADENA arr_CreaCADENA(uint32_t num_elems) {
+ZARN_FRONTERA(ORIGEN)
+ZARN_API ArrCADENA arr_CreaCADENA(uint32_t num_elems) try {
     return i_arr_CreaCADENA(num_elems);
 }
-ZARN_API ArrCADENA_u arr_CreaCADENA_u(uint32_t num_elems) {
+ZARN_FRONTERA(ORIGEN)
+ZARN_API ArrCADENA_u arr_CreaCADENA_u(uint32_t num_elems) try {
     return i_arr_CreaCADENA_u(num_elems);
 }
-ZARN_API ArrDouble arr_CreaDouble(uint32_t num_elems) {
+ZARN_FRONTERA(ORIGEN)
+ZARN_API ArrDouble arr_CreaDouble(uint32_t num_elems) try {
     return i_arr_CreaDouble(num_elems);
 }
-ZARN_API ArrULong arr_CreaULong(uint32_t num_elems) {
+ZARN_FRONTERA(ORIGEN)
+ZARN_API ArrULong arr_CreaULong(uint32_t num_elems) try {
     return i_arr_CreaULong(num_elems);
 }
-ZARN_API ArrPunto2D arr_CreaPunto2D(uint32_t num_elems) {
+ZARN_FRONTERA(ORIGEN)
+ZARN_API ArrPunto2D arr_CreaPunto2D(uint32_t num_elems) try {
     return i_arr_CreaPunto2D(num_elems);
 }
-ZARN_API ArrPuntero arr_CreaPunteroConTipo(uint32_t num_elems) {
+ZARN_FRONTERA(ORIGEN)
+ZARN_API ArrPuntero arr_CreaPunteroConTipo(uint32_t num_elems) try {
     return i_arr_CreaPunteroConTipo(num_elems);
 }
+ZARN_FRONTERA(ORIGEN)
 
 ZARN_API uint32_t arr_NumElemsBOOL(ArrBOOL arr) {
     return num_elems(arr);
@@ -254,9 +261,10 @@ ZARN_API void arr_GetPunto2D(ArrPunto2D arr, uint32_t ind, double *x, double *y)
         *y = p.y;
 }
 
-ZARN_API CADENA arr_GetCopiaCADENA(ArrCADENA arr, uint32_t ind) {
+ZARN_API CADENA arr_GetCopiaCADENA(ArrCADENA arr, uint32_t ind) try {
     return copia_de(en(arr, ind));
 }
+ZARN_FRONTERA(ORIGEN)
 
 ZARN_API void arr_SetBOOL(ArrBOOL arr, uint32_t ind, zybool valor) {
     en(arr, ind) = valor;
@@ -267,12 +275,14 @@ ZARN_API void arr_SetDouble(ArrDouble arr, uint32_t ind, double valor) {
 ZARN_API void arr_SetULong(ArrULong arr, uint32_t ind, uint32_t valor) {
     en(arr, ind) = valor;
 }
-ZARN_API void arr_SetCADENA(ArrCADENA arr, uint32_t ind, const char *valor) {
+ZARN_API void arr_SetCADENA(ArrCADENA arr, uint32_t ind, const char *valor) try {
     pon_copia(arr, ind, valor);
 }
-ZARN_API void arr_SetCADENA_u(ArrCADENA_u arr, uint32_t ind, const char16_t *valor) {
+ZARN_FRONTERA(ORIGEN)
+ZARN_API void arr_SetCADENA_u(ArrCADENA_u arr, uint32_t ind, const char16_t *valor) try {
     pon_copia(arr, ind, valor);
 }
+ZARN_FRONTERA(ORIGEN)
 
 ZARN_API void arr_SetCADENAOriginal(ArrCADENA arr, uint32_t ind, CADENA *valor) {
     ZARN_ASSERT_NO_NULL(valor, ORIGEN);
@@ -291,44 +301,55 @@ ZARN_API void arr_SetPunto2D(ArrPunto2D arr, uint32_t ind, double x, double y) {
     i_arr_SetPunto2D(arr, ind, x, y);
 }
 
-ZARN_API void arr_AppendBOOL(ArrBOOL arr, zybool valor) {
+ZARN_API void arr_AppendBOOL(ArrBOOL arr, zybool valor) try {
     anade(arr, valor);
 }
-ZARN_API void arr_AppendDouble(ArrDouble arr, double valor) {
+ZARN_FRONTERA(ORIGEN)
+ZARN_API void arr_AppendDouble(ArrDouble arr, double valor) try {
     i_arr_AppendDouble(arr, valor);
 }
-ZARN_API void arr_AppendULong(ArrULong arr, uint32_t valor) {
+ZARN_FRONTERA(ORIGEN)
+ZARN_API void arr_AppendULong(ArrULong arr, uint32_t valor) try {
     anade(arr, valor);
 }
-ZARN_API void arr_AppendCADENA(ArrCADENA arr, const char *valor) {
+ZARN_FRONTERA(ORIGEN)
+ZARN_API void arr_AppendCADENA(ArrCADENA arr, const char *valor) try {
     anade_copia(arr, valor);
 }
-ZARN_API void arr_AppendCADENA_u(ArrCADENA_u arr, const char16_t *valor) {
+ZARN_FRONTERA(ORIGEN)
+ZARN_API void arr_AppendCADENA_u(ArrCADENA_u arr, const char16_t *valor) try {
     i_arr_AppendCADENA_u(arr, valor);
 }
-ZARN_API void arr_AppendCADENAOriginal(ArrCADENA arr, CADENA *valor) {
+ZARN_FRONTERA(ORIGEN)
+ZARN_API void arr_AppendCADENAOriginal(ArrCADENA arr, CADENA *valor) try {
     anade_original(arr, valor);
 }
-ZARN_API void arr_AppendCADENAOriginal_u(ArrCADENA_u arr, CADENA_u *valor) {
+ZARN_FRONTERA(ORIGEN)
+ZARN_API void arr_AppendCADENAOriginal_u(ArrCADENA_u arr, CADENA_u *valor) try {
     i_arr_AppendCADENAOriginal_u(arr, valor);
 }
-ZARN_API void arr_AppendPunteroConTipo(ArrPuntero arr, void *p) {
+ZARN_FRONTERA(ORIGEN)
+ZARN_API void arr_AppendPunteroConTipo(ArrPuntero arr, void *p) try {
     i_arr_AppendPunteroConTipo(arr, p);
 }
-ZARN_API void arr_AppendPunteroConstConTipo(ArrPuntero arr, const void *p) {
+ZARN_FRONTERA(ORIGEN)
+ZARN_API void arr_AppendPunteroConstConTipo(ArrPuntero arr, const void *p) try {
     anade(arr, const_cast<void *>(p));
 }
-ZARN_API void arr_AppendPunto2D(ArrPunto2D arr, double x, double y) {
+ZARN_FRONTERA(ORIGEN)
+ZARN_API void arr_AppendPunto2D(ArrPunto2D arr, double x, double y) try {
     anade(arr, Punto2D{x, y});
 }
+ZARN_FRONTERA(ORIGEN)
 
-ZARN_API void arr_InsertarPunteroConTipo(ArrPuntero arr, uint32_t ind, void *p) {
+ZARN_API void arr_InsertarPunteroConTipo(ArrPuntero arr, uint32_t ind, void *p) try {
     auto &v = elems(arr);
     ZARN_ASSERT_TEXTO(ind <= v.size(), "ind <= num_elems", ORIGEN);
     ZARN_ASSERT_TEXTO(v.size() < std::numeric_limits<uint32_t>::max(), "num_elems < 0xFFFFFFFF",
                       ORIGEN);
     v.insert(v.begin() + ind, p);
 }
+ZARN_FRONTERA(ORIGEN)
 
 ZARN_API void arr_BorrarBOOL(ArrBOOL arr, uint32_t ind) {
     quita(arr, ind);
@@ -370,7 +391,7 @@ ZARN_API void arr_DestruyeEstructurasConstConTipo(ArrPuntero *arr) {
     i_arr_DestruyeEstructurasConstConTipo(arr);
 }
 
-ZARN_API ArrPuntero arr_CopiaEstructurasConTipo(ArrPuntero arr, arr_func_copia_t func) {
+ZARN_API ArrPuntero arr_CopiaEstructurasConTipo(ArrPuntero arr, arr_func_copia_t func) try {
     const auto &v = elems(arr);
     ZARN_ASSERT_NO_NULL(func, ORIGEN);
     auto copia = std::make_unique<ArrPuntero_s>();
@@ -379,9 +400,10 @@ ZARN_API ArrPuntero arr_CopiaEstructurasConTipo(ArrPuntero arr, arr_func_copia_t
         copia->v.push_back(func(p));
     return copia.release();
 }
+ZARN_FRONTERA(ORIGEN)
 
 ZARN_API zybool arr_ExisteEstructuraConTipo(ArrPuntero arr, const void *clave,
-                                            arr_func_compara_t func, uint32_t *ind) {
+                                            arr_func_compara_t func, uint32_t *ind) try {
     const auto &v = elems(arr);
     ZARN_ASSERT_NO_NULL(func, ORIGEN);
     for (size_t i = 0; i < v.size(); ++i)
@@ -392,4 +414,5 @@ ZARN_API zybool arr_ExisteEstructuraConTipo(ArrPuntero arr, const void *clave,
         }
     return FALSO;
 }
+ZARN_FRONTERA(ORIGEN)
 }

@@ -7,8 +7,9 @@
 
 namespace {
 
-void manejador_por_defecto(const char *condicion, const char *origen, uint32_t linea,
-                           const char *mensaje) {
+// "origen:linea: condicion (mensaje)" on standard error, then abort().
+[[noreturn]] void escribe_y_aborta(const char *condicion, const char *origen, uint32_t linea,
+                                   const char *mensaje) {
     std::fprintf(stderr, "%s:%lu: %s", origen ? origen : "?", static_cast<unsigned long>(linea),
                  condicion ? condicion : "default error");
     if (mensaje)
@@ -16,6 +17,11 @@ void manejador_por_defecto(const char *condicion, const char *origen, uint32_t l
     std::fputc('\n', stderr);
     std::fflush(stderr);
     std::abort();
+}
+
+void manejador_por_defecto(const char *condicion, const char *origen, uint32_t linea,
+                           const char *mensaje) {
+    escribe_y_aborta(condicion, origen, linea, mensaje);
 }
 
 // Read from any thread; installed rarely.
@@ -31,8 +37,9 @@ thread_local zyassert_manejador_t manejador_hilo [[gnu::tls_model("initial-exec"
         propio(condicion, origen, linea, mensaje);
     else
         manejador.load(std::memory_order_acquire)(condicion, origen, linea, mensaje);
-    // A handler that returns leaves the library nowhere to go.
-    std::abort();
+    // A handler that returns leaves the library nowhere to go: the error is told as the default
+    // handler tells it, and the process ends.
+    escribe_y_aborta(condicion, origen, linea, mensaje);
 }
 
 } // namespace

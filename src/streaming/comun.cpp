@@ -1,6 +1,8 @@
 // The configuration record, the encodings and the property record.
 #include "streaming/comun.hpp"
 
+#include "services/arrays.hpp"
+
 #include <cstdlib>
 
 using zarn::ORIGEN_STREAMING;
@@ -68,11 +70,18 @@ zarnfxml_propiedad_t *i_crea_propiedad(CADENA *texto_propiedad, CADENA_u *dato_p
 }
 
 zarnfxml_propiedad_t *i_crea_propiedad(std::string_view texto, std::u16string_view dato) {
-    auto *p =
-        static_cast<zarnfxml_propiedad_t *>(i_zarnspy_nousar_malloc(sizeof(zarnfxml_propiedad_t)));
+    i_propiedad_propia p(
+        static_cast<zarnfxml_propiedad_t *>(i_zarnspy_nousar_malloc(sizeof(zarnfxml_propiedad_t))));
+    *p = {nullptr, nullptr};
     p->texto_propiedad = zarn::dup(texto);
     p->dato_propiedad = zarn::dup_u(dato);
-    return p;
+    return p.release();
+}
+
+void i_anade_propiedad(ArrPuntero propiedades, zarnfxml_propiedad_t *propiedad) {
+    i_propiedad_propia propia(propiedad);
+    propiedades->v.push_back(propiedad);
+    propia.release();
 }
 
 zarnfxml_propiedad_t *i_copia_propiedad(const zarnfxml_propiedad_t *propiedad) {

@@ -59,6 +59,12 @@ zarnfxml_propiedad_t *i_crea_propiedad(CADENA *texto_propiedad, CADENA_u *dato_p
 zarnfxml_propiedad_t *i_crea_propiedad(std::string_view texto, std::u16string_view dato);
 zarnfxml_propiedad_t *i_copia_propiedad(const zarnfxml_propiedad_t *propiedad);
 void i_destruye_propiedad(zarnfxml_propiedad_t **propiedad);
+struct i_libera_propiedad {
+    void operator()(zarnfxml_propiedad_t *p) const { i_destruye_propiedad(&p); }
+};
+using i_propiedad_propia = std::unique_ptr<zarnfxml_propiedad_t, i_libera_propiedad>;
+// Appends a new record to a list, which owns it from then on; freed if the list cannot grow.
+void i_anade_propiedad(ArrPuntero propiedades, zarnfxml_propiedad_t *propiedad);
 bool i_es_propiedad(const zarnfxml_propiedad_t *propiedad, const char *texto);
 // Adapters for the generic array operations.
 void *i_copia_propiedad_void(const void *propiedad);

@@ -283,26 +283,31 @@ void i_graba_inicio_bloque(zarnfxml_t *handle, const char *etiqueta) {
 
 extern "C" {
 
-ZARN_API zarnfxml_t *zarnfxml_crea_para_escritura_ISO_8859_1(void) {
+ZARN_API zarnfxml_t *zarnfxml_crea_para_escritura_ISO_8859_1(void) try {
     return i_crea_xml_escritura(i_CODIFICACION_ISO_8859_1, u"1", u"0", FALSO, 4);
 }
+ZARN_FRONTERA(ORIGEN_STREAMING)
 
-ZARN_API zarnfxml_t *zarnfxml_crea_para_escritura_UTF_8(void) {
+ZARN_API zarnfxml_t *zarnfxml_crea_para_escritura_UTF_8(void) try {
     return i_crea_xml_escritura(i_CODIFICACION_UTF_8, u"1", u"0", FALSO, 4);
 }
+ZARN_FRONTERA(ORIGEN_STREAMING)
 
-ZARN_API zarnfxml_t *zarnfxml_crea_para_escritura_UTF_8_androidstudio(void) {
+ZARN_API zarnfxml_t *zarnfxml_crea_para_escritura_UTF_8_androidstudio(void) try {
     return i_crea_xml_escritura(i_CODIFICACION_UTF_8, u"true", u"false", CIERTO, 4);
 }
+ZARN_FRONTERA(ORIGEN_STREAMING)
 
-ZARN_API zarnfxml_t *zarnfxml_crea_para_escritura_UTF_8_codificando_comillas_cadena(void) {
+ZARN_API zarnfxml_t *zarnfxml_crea_para_escritura_UTF_8_codificando_comillas_cadena(void) try {
     return i_crea_xml_escritura(i_CODIFICACION_UTF_8_COMILLAS, u"True", u"False", FALSO, 4);
 }
+ZARN_FRONTERA(ORIGEN_STREAMING)
 
 ZARN_API zarnfxml_t *
-zarnfxml_crea_para_escritura_UTF_8_indenta_con_espacios(uint32_t num_espacios) {
+zarnfxml_crea_para_escritura_UTF_8_indenta_con_espacios(uint32_t num_espacios) try {
     return i_crea_xml_escritura(i_CODIFICACION_UTF_8, u"1", u"0", CIERTO, num_espacios);
 }
+ZARN_FRONTERA(ORIGEN_STREAMING)
 
 ZARN_API void zarnfxml_destruye_xml_escritura(zarnfxml_t **xml) {
     ZARN_ASSERT_NO_NULL(xml, ORIGEN_STREAMING);
@@ -311,24 +316,30 @@ ZARN_API void zarnfxml_destruye_xml_escritura(zarnfxml_t **xml) {
     *xml = nullptr;
 }
 
-ZARN_API void zarnfxml_graba_inicio_bloque(zarnfxml_t *handle, const char *etiqueta) {
+ZARN_API void zarnfxml_graba_inicio_bloque(zarnfxml_t *handle, const char *etiqueta) try {
     i_graba_inicio_bloque(handle, etiqueta);
 }
+ZARN_FRONTERA(ORIGEN_STREAMING)
 
-ZARN_API void zarnfxml_graba_fin_bloque(zarnfxml_t *handle) {
+ZARN_API void zarnfxml_graba_fin_bloque(zarnfxml_t *handle) try {
     i_graba_fin_bloque(handle);
 }
+ZARN_FRONTERA(ORIGEN_STREAMING)
 
-ZARN_API void zarnfxml_graba_cadena(zarnfxml_t *handle, const char *etiqueta, const char *cadena) {
+ZARN_API void zarnfxml_graba_cadena(zarnfxml_t *handle, const char *etiqueta,
+                                    const char *cadena) try {
     i_graba_cadena(handle, etiqueta, cadena);
 }
+ZARN_FRONTERA(ORIGEN_STREAMING)
 
 ZARN_API void zarnfxml_graba_cadena_u(zarnfxml_t *handle, const char *etiqueta,
-                                      const char16_t *cadena) {
+                                      const char16_t *cadena) try {
     i_graba_cadena_u(handle, etiqueta, cadena);
 }
+ZARN_FRONTERA(ORIGEN_STREAMING)
 
-ZARN_API void zarnfxml_genera_fichero_salida(zarnfxml_t *xml, const char16_t *nombre_fichero) {
+ZARN_API void zarnfxml_genera_fichero_salida(zarnfxml_t *xml, const char16_t *nombre_fichero) try {
     i_genera_fichero(xml, nombre_fichero, true);
 }
+ZARN_FRONTERA(ORIGEN_STREAMING)
 }

@@ -169,7 +169,8 @@ void i_graba_arr_ulong_modo_lista(zarnfxml_t *xml, const char *etiqueta, ArrULon
 
 extern "C" {
 
-ZARN_API void zarnfxml_graba_arr_bool(zarnfxml_t *handle, const char *etiqueta, ArrBOOL valores) {
+ZARN_API void zarnfxml_graba_arr_bool(zarnfxml_t *handle, const char *etiqueta,
+                                      ArrBOOL valores) try {
     i_xml_escritura *xml = I_ESCRITOR_CON_CONF(handle);
     ZARN_ASSERT_NO_NULL(valores, ORIGEN_STREAMING);
     const std::string verdad = zarn::utf16_a_utf8(xml->conf->texto_zybool_true);
@@ -178,21 +179,25 @@ ZARN_API void zarnfxml_graba_arr_bool(zarnfxml_t *handle, const char *etiqueta, 
         t += valores->v[i] == CIERTO ? verdad : falso;
     });
 }
+ZARN_FRONTERA(ORIGEN_STREAMING)
 
-ZARN_API void zarnfxml_graba_arr_ulong(zarnfxml_t *handle, const char *etiqueta, ArrULong valores) {
+ZARN_API void zarnfxml_graba_arr_ulong(zarnfxml_t *handle, const char *etiqueta,
+                                       ArrULong valores) try {
     i_xml_escritura *xml = I_ESCRITOR_CON_CONF(handle);
     ZARN_ASSERT_NO_NULL(valores, ORIGEN_STREAMING);
     i_graba_en_una_linea(xml, etiqueta, {}, valores->v.size(),
                          [&](std::string &t, size_t i) { i_anade_numero(t, valores->v[i]); });
 }
+ZARN_FRONTERA(ORIGEN_STREAMING)
 
 ZARN_API void zarnfxml_graba_arr_double(zarnfxml_t *handle, const char *etiqueta, ArrDouble valores,
-                                        uint32_t decimales) {
+                                        uint32_t decimales) try {
     i_graba_arr_double(handle, etiqueta, valores, decimales);
 }
+ZARN_FRONTERA(ORIGEN_STREAMING)
 
 ZARN_API void zarnfxml_graba_arr_puntos2D(zarnfxml_t *handle, const char *etiqueta,
-                                          ArrPunto2D puntos) {
+                                          ArrPunto2D puntos) try {
     i_xml_escritura *xml = I_ESCRITOR_CON_CONF(handle);
     ZARN_ASSERT_NO_NULL(puntos, ORIGEN_STREAMING);
     std::string prefijo;
@@ -204,26 +209,29 @@ ZARN_API void zarnfxml_graba_arr_puntos2D(zarnfxml_t *handle, const char *etique
         t += zarn::double_a_texto(puntos->v[i].y, 18, 6, true);
     });
 }
+ZARN_FRONTERA(ORIGEN_STREAMING)
 
 ZARN_API void zarnfxml_graba_arr_cadena_numerados(zarnfxml_t *handle, const char *etiqueta,
                                                   ArrCADENA cadenas, int32_t tipo_numeracion_array,
-                                                  const char *propiedad_numero) {
+                                                  const char *propiedad_numero) try {
     i_graba_arr_cadena_numerados(handle, etiqueta, cadenas, tipo_numeracion_array,
                                  propiedad_numero);
 }
+ZARN_FRONTERA(ORIGEN_STREAMING)
 
 ZARN_API void zarnfxml_graba_arr_cadena_numerados_u(zarnfxml_t *handle, const char *etiqueta,
                                                     ArrCADENA_u cadenas,
                                                     int32_t tipo_numeracion_array,
-                                                    const char *propiedad_numero) {
+                                                    const char *propiedad_numero) try {
     i_graba_arr_cadena_numerados_u(handle, etiqueta, cadenas, tipo_numeracion_array,
                                    propiedad_numero);
 }
+ZARN_FRONTERA(ORIGEN_STREAMING)
 
 ZARN_API void zarnfxml_graba_arr_double_numerados(zarnfxml_t *handle, const char *etiqueta,
                                                   ArrDouble valores, uint32_t decimales,
                                                   int32_t tipo_numeracion_array,
-                                                  const char *propiedad_numero) {
+                                                  const char *propiedad_numero) try {
     i_xml_escritura *xml = I_ESCRITOR_CON_CONF(handle);
     if (i_con_lista_numeracion_array(tipo_numeracion_array) != CIERTO) {
         i_graba_arr_double(handle, etiqueta, valores, decimales);
@@ -235,18 +243,22 @@ ZARN_API void zarnfxml_graba_arr_double_numerados(zarnfxml_t *handle, const char
                              t += zarn::double_a_texto(valores->v[i], 145, decimales, true);
                          });
 }
+ZARN_FRONTERA(ORIGEN_STREAMING)
 
-ZARN_API void zarnfxml_graba_arr_cadena(zarnfxml_t *xml, const char *etiqueta, ArrCADENA cadenas) {
+ZARN_API void zarnfxml_graba_arr_cadena(zarnfxml_t *xml, const char *etiqueta,
+                                        ArrCADENA cadenas) try {
     i_graba_arr_cadena_numerados(xml, etiqueta, cadenas, i_NUMERACION_ARRAY_NINGUNA, nullptr);
 }
+ZARN_FRONTERA(ORIGEN_STREAMING)
 
 ZARN_API void zarnfxml_graba_arr_cadena_u(zarnfxml_t *xml, const char *etiqueta,
-                                          ArrCADENA_u cadenas) {
+                                          ArrCADENA_u cadenas) try {
     i_graba_arr_cadena_numerados_u(xml, etiqueta, cadenas, i_NUMERACION_ARRAY_NINGUNA, nullptr);
 }
+ZARN_FRONTERA(ORIGEN_STREAMING)
 
 ZARN_API void zarnfxml_graba_arr_cadena_u_xml(zarnfxml_t *xml, const char *etiqueta,
-                                              ArrCADENA_u cadenas) {
+                                              ArrCADENA_u cadenas) try {
     ZARN_ASSERT_NO_NULL(cadenas, ORIGEN_STREAMING);
     i_graba_inicio_bloque(xml, etiqueta);
     i_graba_ulong(xml, "count", static_cast<uint32_t>(cadenas->v.size()));
@@ -254,23 +266,27 @@ ZARN_API void zarnfxml_graba_arr_cadena_u_xml(zarnfxml_t *xml, const char *etiqu
         i_graba_cadena_u(xml, "item", cadena);
     i_graba_fin_bloque(xml);
 }
+ZARN_FRONTERA(ORIGEN_STREAMING)
 
 ZARN_API void zarnfxml_graba_arr_ulong_modo_lista(zarnfxml_t *xml, const char *etiqueta,
-                                                  ArrULong valores) {
+                                                  ArrULong valores) try {
     i_graba_arr_ulong_modo_lista(xml, etiqueta, valores);
 }
+ZARN_FRONTERA(ORIGEN_STREAMING)
 
 ZARN_API void zarnfxml_nousar_graba_arr_enum(zarnfxml_t *xml, const char *etiqueta,
-                                             ArrULong valores) {
+                                             ArrULong valores) try {
     i_graba_arr_ulong_modo_lista(xml, etiqueta, valores);
 }
+ZARN_FRONTERA(ORIGEN_STREAMING)
 
 ZARN_API void zarnfxml_graba_bloque_array_claves(zarnfxml_t *xml, const char *etiqueta,
-                                                 const char *etiqueta_item, ArrCADENA claves) {
+                                                 const char *etiqueta_item, ArrCADENA claves) try {
     ZARN_ASSERT_NO_NULL(claves, ORIGEN_STREAMING);
     i_graba_inicio_bloque(xml, etiqueta);
     for (const char *clave : claves->v)
         i_graba_clave(xml, etiqueta_item, clave);
     i_graba_fin_bloque(xml);
 }
+ZARN_FRONTERA(ORIGEN_STREAMING)
 }

@@ -116,104 +116,124 @@ void i_graba_inicio_bloque_propiedad3(zarnfxml_t *xml, const char *etiqueta, con
 extern "C" {
 
 ZARN_API void zarnfxml_append_propiedad(ArrPuntero propiedades, const char *texto_propiedad,
-                                        const char *dato) {
+                                        const char *dato) try {
     ZARN_ASSERT_NO_NULL(propiedades, ORIGEN_STREAMING);
-    propiedades->v.push_back(
-        i_crea_propiedad(zarn::vista(texto_propiedad), zarn::utf8_a_utf16(zarn::vista(dato))));
+    i_anade_propiedad(propiedades, i_crea_propiedad(zarn::vista(texto_propiedad),
+                                                    zarn::utf8_a_utf16(zarn::vista(dato))));
 }
+ZARN_FRONTERA(ORIGEN_STREAMING)
 
 ZARN_API void zarnfxml_append_propiedad_u(ArrPuntero propiedades, const char *texto_propiedad,
-                                          const char16_t *dato) {
+                                          const char16_t *dato) try {
     ZARN_ASSERT_NO_NULL(propiedades, ORIGEN_STREAMING);
-    propiedades->v.push_back(i_crea_propiedad(zarn::vista(texto_propiedad), zarn::vista(dato)));
+    i_anade_propiedad(propiedades,
+                      i_crea_propiedad(zarn::vista(texto_propiedad), zarn::vista(dato)));
 }
+ZARN_FRONTERA(ORIGEN_STREAMING)
 
 ZARN_API void zarnfxml_append_propiedad_bool(zarnfxml_t *handle, const char *texto_propiedad,
-                                             zybool valor, ArrPuntero propiedades) {
+                                             zybool valor, ArrPuntero propiedades) try {
     i_xml_escritura *xml = I_ESCRITOR(handle);
     ZARN_ASSERT_NO_NULL(xml->conf, ORIGEN_STREAMING);
     ZARN_ASSERT_NO_NULL(propiedades, ORIGEN_STREAMING);
     const std::u16string &texto =
         valor == CIERTO ? xml->conf->texto_zybool_true : xml->conf->texto_zybool_false;
-    propiedades->v.push_back(i_crea_propiedad(zarn::vista(texto_propiedad), texto));
+    i_anade_propiedad(propiedades, i_crea_propiedad(zarn::vista(texto_propiedad), texto));
 }
+ZARN_FRONTERA(ORIGEN_STREAMING)
 
 ZARN_API void zarnfxml_graba_inicio_bloque_propiedad1(zarnfxml_t *xml, const char *etiqueta,
-                                                      const char *texto1, const char *dato1) {
+                                                      const char *texto1, const char *dato1) try {
     i_graba_inicio_bloque_propiedad1(xml, etiqueta, texto1, dato1);
 }
+ZARN_FRONTERA(ORIGEN_STREAMING)
 
 ZARN_API void zarnfxml_graba_inicio_bloque_propiedad1_u(zarnfxml_t *xml, const char *etiqueta,
-                                                        const char *texto1, const char16_t *dato1) {
+                                                        const char *texto1,
+                                                        const char16_t *dato1) try {
     i_graba_con_propiedades_fijas<char16_t>(xml, etiqueta, {{texto1, dato1}}, true);
 }
+ZARN_FRONTERA(ORIGEN_STREAMING)
 
 ZARN_API void zarnfxml_graba_inicio_bloque_propiedad2(zarnfxml_t *xml, const char *etiqueta,
                                                       const char *texto1, const char *dato1,
-                                                      const char *texto2, const char *dato2) {
+                                                      const char *texto2, const char *dato2) try {
     i_graba_inicio_bloque_propiedad2(xml, etiqueta, texto1, dato1, texto2, dato2);
 }
+ZARN_FRONTERA(ORIGEN_STREAMING)
 
 ZARN_API void zarnfxml_graba_inicio_bloque_propiedad3(zarnfxml_t *xml, const char *etiqueta,
                                                       const char *texto1, const char *dato1,
                                                       const char *texto2, const char *dato2,
-                                                      const char *texto3, const char *dato3) {
+                                                      const char *texto3, const char *dato3) try {
     i_graba_inicio_bloque_propiedad3(xml, etiqueta, texto1, dato1, texto2, dato2, texto3, dato3);
 }
+ZARN_FRONTERA(ORIGEN_STREAMING)
 
 ZARN_API void zarnfxml_graba_inicio_bloque_propiedad3_u(zarnfxml_t *xml, const char *etiqueta,
                                                         const char *texto1, const char16_t *dato1,
                                                         const char *texto2, const char16_t *dato2,
-                                                        const char *texto3, const char16_t *dato3) {
+                                                        const char *texto3,
+                                                        const char16_t *dato3) try {
     i_graba_con_propiedades_fijas<char16_t>(
         xml, etiqueta, {{texto1, dato1}, {texto2, dato2}, {texto3, dato3}}, true);
 }
+ZARN_FRONTERA(ORIGEN_STREAMING)
 
 ZARN_API void zarnfxml_graba_inicio_fin_bloque_propiedad1(zarnfxml_t *xml, const char *etiqueta,
-                                                          const char *texto1, const char *dato1) {
+                                                          const char *texto1,
+                                                          const char *dato1) try {
     i_graba_con_propiedades_fijas<char>(xml, etiqueta, {{texto1, dato1}}, false);
 }
+ZARN_FRONTERA(ORIGEN_STREAMING)
 
 ZARN_API void zarnfxml_graba_inicio_fin_bloque_propiedad2(zarnfxml_t *xml, const char *etiqueta,
                                                           const char *texto1, const char *dato1,
-                                                          const char *texto2, const char *dato2) {
+                                                          const char *texto2,
+                                                          const char *dato2) try {
     i_graba_con_propiedades_fijas<char>(xml, etiqueta, {{texto1, dato1}, {texto2, dato2}}, false);
 }
+ZARN_FRONTERA(ORIGEN_STREAMING)
 
 ZARN_API void zarnfxml_graba_inicio_fin_bloque_propiedad3(zarnfxml_t *xml, const char *etiqueta,
                                                           const char *texto1, const char *dato1,
                                                           const char *texto2, const char *dato2,
-                                                          const char *texto3, const char *dato3) {
+                                                          const char *texto3,
+                                                          const char *dato3) try {
     i_graba_con_propiedades_fijas<char>(xml, etiqueta,
                                         {{texto1, dato1}, {texto2, dato2}, {texto3, dato3}}, false);
 }
+ZARN_FRONTERA(ORIGEN_STREAMING)
 
 ZARN_API void zarnfxml_graba_inicio_bloque_propiedad1_ex(zarnfxml_t *xml, const char *etiqueta,
                                                          zybool con_propiedad,
                                                          const char *etiqueta_con_propiedad,
                                                          const char *texto_propiedad,
-                                                         const char *dato_propiedad) {
+                                                         const char *dato_propiedad) try {
     if (con_propiedad == CIERTO)
         i_graba_inicio_bloque_propiedad1(xml, etiqueta_con_propiedad, texto_propiedad,
                                          dato_propiedad);
     else
         i_graba_inicio_bloque(xml, etiqueta);
 }
+ZARN_FRONTERA(ORIGEN_STREAMING)
 
 ZARN_API void zarnfxml_graba_inicio_bloque_con_propiedades(zarnfxml_t *xml, const char *etiqueta,
-                                                           ArrPuntero *propiedades) {
+                                                           ArrPuntero *propiedades) try {
     i_graba_bloque_con_propiedades(xml, etiqueta, propiedades, true);
 }
+ZARN_FRONTERA(ORIGEN_STREAMING)
 
 ZARN_API void zarnfxml_graba_inicio_fin_bloque_con_propiedades(zarnfxml_t *xml,
                                                                const char *etiqueta,
-                                                               ArrPuntero *propiedades) {
+                                                               ArrPuntero *propiedades) try {
     i_graba_bloque_con_propiedades(xml, etiqueta, propiedades, false);
 }
+ZARN_FRONTERA(ORIGEN_STREAMING)
 
 ZARN_API void zarnfxml_graba_cadena_u_con_propiedades(zarnfxml_t *handle, const char *etiqueta,
                                                       const char16_t *dato,
-                                                      ArrPuntero *propiedades) {
+                                                      ArrPuntero *propiedades) try {
     i_xml_escritura *xml = I_ESCRITOR(handle);
     ZARN_ASSERT_NO_NULL(xml->conf, ORIGEN_STREAMING);
     ZARN_ASSERT_NO_NULL(propiedades, ORIGEN_STREAMING);
@@ -233,4 +253,5 @@ ZARN_API void zarnfxml_graba_cadena_u_con_propiedades(zarnfxml_t *handle, const 
     i_graba_linea_construida(xml);
     i_destruye_propiedades(propiedades);
 }
+ZARN_FRONTERA(ORIGEN_STREAMING)
 }

@@ -84,25 +84,28 @@ ArrDouble i_lee_arr_double(zarnfxml_t *xml, const char *etiqueta) {
 
 extern "C" {
 
-ZARN_API ArrCADENA zarnfxml_lee_arr_cadena(zarnfxml_t *xml, const char *etiqueta) {
+ZARN_API ArrCADENA zarnfxml_lee_arr_cadena(zarnfxml_t *xml, const char *etiqueta) try {
     i_xml_lectura *x = I_LECTOR(xml);
     i_lee_campo_admite_vacio(x, etiqueta);
     const std::string texto = zarn::utf16_a_utf8(i_dato_campo(x));
     return texto.empty() ? i_arr_CreaCADENA(0) : i_cad_obten_lista_lineas(texto.c_str());
 }
+ZARN_FRONTERA(ORIGEN_STREAMING)
 
-ZARN_API ArrCADENA_u zarnfxml_lee_arr_cadena_u(zarnfxml_t *xml, const char *etiqueta) {
+ZARN_API ArrCADENA_u zarnfxml_lee_arr_cadena_u(zarnfxml_t *xml, const char *etiqueta) try {
     return i_lee_arr_cadena_u(xml, etiqueta);
 }
+ZARN_FRONTERA(ORIGEN_STREAMING)
 
 // An element without a datum is admitted: it is what the writer makes of an empty array.
-ZARN_API ArrDouble zarnfxml_lee_arr_double(zarnfxml_t *xml, const char *etiqueta) {
+ZARN_API ArrDouble zarnfxml_lee_arr_double(zarnfxml_t *xml, const char *etiqueta) try {
     return i_lee_arr_double(xml, etiqueta);
 }
+ZARN_FRONTERA(ORIGEN_STREAMING)
 
 // "count:x,y x,y ...". The count rules: points beyond it are ignored, and points or coordinates
 // that the text lacks stay 0.
-ZARN_API ArrPunto2D zarnfxml_lee_arr_puntos2D(zarnfxml_t *xml, const char *etiqueta) {
+ZARN_API ArrPunto2D zarnfxml_lee_arr_puntos2D(zarnfxml_t *xml, const char *etiqueta) try {
     i_xml_lectura *x = I_LECTOR(xml);
     i_lee_campo(x, etiqueta);
     i_tokens partes(i_dato_campo(x), u":");
@@ -123,9 +126,10 @@ ZARN_API ArrPunto2D zarnfxml_lee_arr_puntos2D(zarnfxml_t *xml, const char *etiqu
     }
     return arr.release();
 }
+ZARN_FRONTERA(ORIGEN_STREAMING)
 
 ZARN_API ArrCADENA_u zarnfxml_lee_arr_cadena_numerados(zarnfxml_t *xml, const char *etiqueta,
-                                                       int32_t tipo_numeracion_array) {
+                                                       int32_t tipo_numeracion_array) try {
     i_xml_lectura *x = I_LECTOR(xml);
     if (!i_con_lista_numeracion_array(tipo_numeracion_array))
         return i_lee_arr_cadena_u(xml, etiqueta);
@@ -136,13 +140,16 @@ ZARN_API ArrCADENA_u zarnfxml_lee_arr_cadena_numerados(zarnfxml_t *xml, const ch
     }
     return i_lee_items(x, etiqueta, tipo_numeracion_array, i_arr_CreaCADENA_u(0),
                        [&](ArrCADENA_u arr) {
-                           CADENA_u item = i_lee_cadena_u(xml, etiqueta);
-                           i_arr_AppendCADENAOriginal_u(arr, &item);
+                           zarn::CadenaPropia<char16_t> item(i_lee_cadena_u(xml, etiqueta));
+                           CADENA_u p = item.get();
+                           i_arr_AppendCADENAOriginal_u(arr, &p);
+                           item.release(); // the array's now
                        });
 }
+ZARN_FRONTERA(ORIGEN_STREAMING)
 
 ZARN_API ArrDouble zarnfxml_lee_arr_double_numerados(zarnfxml_t *xml, const char *etiqueta,
-                                                     int32_t tipo_numeracion_array) {
+                                                     int32_t tipo_numeracion_array) try {
     i_xml_lectura *x = I_LECTOR(xml);
     if (!i_con_lista_numeracion_array(tipo_numeracion_array))
         return i_lee_arr_double(xml, etiqueta);
@@ -152,5 +159,6 @@ ZARN_API ArrDouble zarnfxml_lee_arr_double_numerados(zarnfxml_t *xml, const char
         i_arr_AppendDouble(arr, i_lee_double(xml, etiqueta));
     });
 }
+ZARN_FRONTERA(ORIGEN_STREAMING)
 
 } // extern "C"

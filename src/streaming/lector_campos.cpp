@@ -110,70 +110,83 @@ uint32_t i_lee_ulong(zarnfxml_t *xml, const char *etiqueta) {
 
 extern "C" {
 
-ZARN_API zybool zarnfxml_lee_bool(zarnfxml_t *xml, const char *etiqueta) {
+ZARN_API zybool zarnfxml_lee_bool(zarnfxml_t *xml, const char *etiqueta) try {
     i_xml_lectura *x = I_LECTOR(xml);
     i_lee_campo(x, etiqueta);
     return i_dato_registro_a_bool(x);
 }
+ZARN_FRONTERA(ORIGEN_STREAMING)
 
-ZARN_API zybool zarnfxml_lee_bool_opcional(zarnfxml_t *xml, const char *etiqueta) {
+ZARN_API zybool zarnfxml_lee_bool_opcional(zarnfxml_t *xml, const char *etiqueta) try {
     i_xml_lectura *x = I_LECTOR(xml);
     return i_lee_campo_si_existe(x, etiqueta) ? i_dato_registro_a_bool(x) : FALSO;
 }
+ZARN_FRONTERA(ORIGEN_STREAMING)
 
-ZARN_API int32_t zarnfxml_lee_long(zarnfxml_t *xml, const char *etiqueta) {
+ZARN_API int32_t zarnfxml_lee_long(zarnfxml_t *xml, const char *etiqueta) try {
     return i_lee_long(xml, etiqueta);
 }
+ZARN_FRONTERA(ORIGEN_STREAMING)
 
 ZARN_API int32_t zarnfxml_lee_long_opcional(zarnfxml_t *xml, const char *etiqueta,
-                                            int32_t valor_defecto) {
+                                            int32_t valor_defecto) try {
     i_xml_lectura *x = I_LECTOR(xml);
     return i_lee_campo_si_existe(x, etiqueta) ? i_dato_a_long(x) : valor_defecto;
 }
+ZARN_FRONTERA(ORIGEN_STREAMING)
 
-ZARN_API uint32_t zarnfxml_lee_ulong(zarnfxml_t *xml, const char *etiqueta) {
+ZARN_API uint32_t zarnfxml_lee_ulong(zarnfxml_t *xml, const char *etiqueta) try {
     return i_lee_ulong(xml, etiqueta);
 }
+ZARN_FRONTERA(ORIGEN_STREAMING)
 
-ZARN_API uint32_t zarnfxml_lee_ulong_opcional(zarnfxml_t *xml, const char *etiqueta) {
+ZARN_API uint32_t zarnfxml_lee_ulong_opcional(zarnfxml_t *xml, const char *etiqueta) try {
     i_xml_lectura *x = I_LECTOR(xml);
     return i_lee_campo_si_existe(x, etiqueta) ? i_dato_a_ulong(x) : 0;
 }
+ZARN_FRONTERA(ORIGEN_STREAMING)
 
-ZARN_API uint32_t zarnfxml_lee_ulong_con_ulong_max_cero(zarnfxml_t *xml, const char *etiqueta) {
+ZARN_API uint32_t zarnfxml_lee_ulong_con_ulong_max_cero(zarnfxml_t *xml, const char *etiqueta) try {
     const uint32_t v = i_lee_ulong(xml, etiqueta);
     return v == 0 ? 0xFFFFFFFFu : v - 1;
 }
+ZARN_FRONTERA(ORIGEN_STREAMING)
 
-ZARN_API double zarnfxml_lee_double(zarnfxml_t *xml, const char *etiqueta) {
+ZARN_API double zarnfxml_lee_double(zarnfxml_t *xml, const char *etiqueta) try {
     return i_lee_double(xml, etiqueta);
 }
+ZARN_FRONTERA(ORIGEN_STREAMING)
 
-ZARN_API double zarnfxml_lee_double_opcional(zarnfxml_t *xml, const char *etiqueta) {
+ZARN_API double zarnfxml_lee_double_opcional(zarnfxml_t *xml, const char *etiqueta) try {
     i_xml_lectura *x = I_LECTOR(xml);
     return i_lee_campo_si_existe(x, etiqueta) ? i_dato_a_double(x) : 0.0;
 }
+ZARN_FRONTERA(ORIGEN_STREAMING)
 
-ZARN_API CADENA zarnfxml_lee_cadena(zarnfxml_t *xml, const char *etiqueta) {
+ZARN_API CADENA zarnfxml_lee_cadena(zarnfxml_t *xml, const char *etiqueta) try {
     i_xml_lectura *x = I_LECTOR(xml);
     i_lee_campo_admite_vacio(x, etiqueta);
     const i_dato_t &d = i_dato(x);
     return d.es_ascii_llano() ? zarn::dup(d.bruto()) : zarn::dup_utf8(d.texto());
 }
+ZARN_FRONTERA(ORIGEN_STREAMING)
 
-ZARN_API CADENA_u zarnfxml_lee_cadena_u(zarnfxml_t *xml, const char *etiqueta) {
+ZARN_API CADENA_u zarnfxml_lee_cadena_u(zarnfxml_t *xml, const char *etiqueta) try {
     return i_lee_cadena_u(xml, etiqueta);
 }
+ZARN_FRONTERA(ORIGEN_STREAMING)
 
-ZARN_API int64_t zarnfxml_lee_fecha(zarnfxml_t *xml, const char *etiqueta) {
+ZARN_API int64_t zarnfxml_lee_fecha(zarnfxml_t *xml, const char *etiqueta) try {
     return i_cambtipo_long_a_time_t(i_lee_long(xml, etiqueta));
 }
+ZARN_FRONTERA(ORIGEN_STREAMING)
 
-ZARN_API zybool zarnfxml_salta_registro_campo(zarnfxml_t *xml, const char *etiqueta) {
+ZARN_API zybool zarnfxml_salta_registro_campo(zarnfxml_t *xml, const char *etiqueta) try {
     return zarn::zb(i_lee_campo_si_existe(I_LECTOR(xml), etiqueta));
 }
+ZARN_FRONTERA(ORIGEN_STREAMING)
 
-ZARN_API zybool zarnfxml_bool(zarnfxml_t *xml_in, const char16_t *texto) {
+ZARN_API zybool zarnfxml_bool(zarnfxml_t *xml_in, const char16_t *texto) try {
     ZARN_ASSERT_NO_NULL(xml_in, ORIGEN_STREAMING);
     const i_xml_lectura *x = I_LECTOR(xml_in);
     ZARN_ASSERT_TEXTO(x->conf != nullptr, "(xml_in->conf) != NULL", ORIGEN_STREAMING);
@@ -186,8 +199,9 @@ ZARN_API zybool zarnfxml_bool(zarnfxml_t *xml_in, const char16_t *texto) {
             return CIERTO;
     return FALSO;
 }
+ZARN_FRONTERA(ORIGEN_STREAMING)
 
-ZARN_API CADENA zarnfxml_lee_fichero_xml_string(const char16_t *nombre_fichero) {
+ZARN_API CADENA zarnfxml_lee_fichero_xml_string(const char16_t *nombre_fichero) try {
     ZARN_ASSERT_NO_NULL(nombre_fichero, ORIGEN_STREAMING);
     i_fichero_lectura fichero(nombre_fichero);
     const auto tamanyo = static_cast<uint64_t>(i_lc_tamanyo_fichero(fichero.f));
@@ -197,5 +211,6 @@ ZARN_API CADENA zarnfxml_lee_fichero_xml_string(const char16_t *nombre_fichero) 
         i_f_lc_fread_sin_error(bloque.get(), tamanyo, 1, fichero.f);
     return bloque.release();
 }
+ZARN_FRONTERA(ORIGEN_STREAMING)
 
 } // extern "C"

@@ -34,15 +34,17 @@ extern "C" {
 
 ZARN_API zybool zarnfxml_es_fichero_xml_correcto(const char16_t *nombre_fichero,
                                                  const char *etiqueta_raiz, CADENA *mensaje_error,
-                                                 zybool dato_literal) {
+                                                 zybool dato_literal) try {
     const auto xml = i_crea_para_lectura_de_fichero_u(nombre_fichero, dato_literal);
     return zarn::zb(i_es_xml_correcto(xml.get(), etiqueta_raiz, mensaje_error));
 }
+ZARN_FRONTERA(ORIGEN_STREAMING)
 
 ZARN_API zybool zarnfxml_es_lineas_xml_correcto(ArrCADENA lineas_xml, const char *etiqueta_raiz,
-                                                CADENA *mensaje_error, zybool dato_literal) {
+                                                CADENA *mensaje_error, zybool dato_literal) try {
     const auto xml = i_crea_para_lectura_de_lineas(lineas_xml, dato_literal);
     return zarn::zb(i_es_xml_correcto(xml.get(), etiqueta_raiz, mensaje_error));
 }
+ZARN_FRONTERA(ORIGEN_STREAMING)
 
 } // extern "C"

@@ -67,36 +67,44 @@ uint16_t i_atous_u(const char16_t *texto) {
 
 extern "C" {
 
-ZARN_API double zarnfxml_atof(const char *texto) {
+ZARN_API double zarnfxml_atof(const char *texto) try {
     return i_atof(texto);
 }
+ZARN_FRONTERA(ORIGEN_STREAMING)
 
-ZARN_API double zarnfxml_atof_u(const char16_t *texto) {
+ZARN_API double zarnfxml_atof_u(const char16_t *texto) try {
     return i_atof_u(texto);
 }
+ZARN_FRONTERA(ORIGEN_STREAMING)
 
-ZARN_API int32_t zarnfxml_atol(const char *texto) {
+ZARN_API int32_t zarnfxml_atol(const char *texto) try {
     return i_atol(texto);
 }
+ZARN_FRONTERA(ORIGEN_STREAMING)
 
-ZARN_API int32_t zarnfxml_atol_u(const char16_t *texto) {
+ZARN_API int32_t zarnfxml_atol_u(const char16_t *texto) try {
     return i_atol_u(texto);
 }
+ZARN_FRONTERA(ORIGEN_STREAMING)
 
-ZARN_API uint32_t zarnfxml_atoul(const char *texto) {
+ZARN_API uint32_t zarnfxml_atoul(const char *texto) try {
     return i_atoul(texto);
 }
+ZARN_FRONTERA(ORIGEN_STREAMING)
 
-ZARN_API uint32_t zarnfxml_atoul_u(const char16_t *texto) {
+ZARN_API uint32_t zarnfxml_atoul_u(const char16_t *texto) try {
     return i_atoul_u(texto);
 }
+ZARN_FRONTERA(ORIGEN_STREAMING)
 
-ZARN_API uint16_t zarnfxml_atous(const char *texto) {
+ZARN_API uint16_t zarnfxml_atous(const char *texto) try {
     return i_atous(texto);
 }
+ZARN_FRONTERA(ORIGEN_STREAMING)
 
-ZARN_API uint16_t zarnfxml_atous_u(const char16_t *texto) {
+ZARN_API uint16_t zarnfxml_atous_u(const char16_t *texto) try {
     return i_atous_u(texto);
 }
+ZARN_FRONTERA(ORIGEN_STREAMING)
 
 } // extern "C"

@@ -37,107 +37,120 @@ template <typename F> void *i_lee_opcional(zarnfxml_t *xml, const char *etiqueta
 
 extern "C" {
 
-ZARN_API void zarnfxml_nousar_set_item_asociado_lectura(zarnfxml_t *xml, void *item_asociado) {
+ZARN_API void zarnfxml_nousar_set_item_asociado_lectura(zarnfxml_t *xml, void *item_asociado) try {
     I_LECTOR(xml)->item_asociado = item_asociado;
 }
+ZARN_FRONTERA(ORIGEN_STREAMING)
 
-ZARN_API void *zarnfxml_nousar_get_item_asociado_lectura(zarnfxml_t *xml) {
+ZARN_API void *zarnfxml_nousar_get_item_asociado_lectura(zarnfxml_t *xml) try {
     return I_LECTOR(xml)->item_asociado;
 }
+ZARN_FRONTERA(ORIGEN_STREAMING)
 
 ZARN_API ArrPuntero zarnfxml_nousar_lee_arr_punterosST(zarnfxml_t *xml, const char *etiqueta,
-                                                       func_lee_xml_item func) {
+                                                       func_lee_xml_item func) try {
     I_ASSERT_FUNC(func, FUNC_NO_NULL);
     return i_lee_serie(xml, etiqueta, [&] { return func(xml); });
 }
+ZARN_FRONTERA(ORIGEN_STREAMING)
 
 ZARN_API ArrPuntero zarnfxml_nousar_lee_arr_punterosST_1extra(zarnfxml_t *xml, const char *etiqueta,
                                                               func_lee_xml_item_1extra func,
-                                                              void *extra1) {
+                                                              void *extra1) try {
     I_ASSERT_FUNC(func, "(func_lee_xml_item_1extra) != NULL");
     return i_lee_serie(xml, etiqueta, [&] { return func(extra1, xml); });
 }
+ZARN_FRONTERA(ORIGEN_STREAMING)
 
 ZARN_API ArrPuntero zarnfxml_nousar_lee_arr_punterosST_2extra(zarnfxml_t *xml, const char *etiqueta,
                                                               func_lee_xml_item_2extra func,
-                                                              void *extra1, void *extra2) {
+                                                              void *extra1, void *extra2) try {
     I_ASSERT_FUNC(func, "(func_lee_xml_item_2extra) != NULL");
     return i_lee_serie(xml, etiqueta, [&] { return func(extra1, extra2, xml); });
 }
+ZARN_FRONTERA(ORIGEN_STREAMING)
 
 ZARN_API ArrPuntero zarnfxml_nousar_lee_arr_punterosST_3extra(zarnfxml_t *xml, const char *etiqueta,
                                                               func_lee_xml_item_3extra func,
                                                               void *extra1, void *extra2,
-                                                              void *extra3) {
+                                                              void *extra3) try {
     I_ASSERT_FUNC(func, "(func_lee_xml_item_3extra) != NULL");
     return i_lee_serie(xml, etiqueta, [&] { return func(extra1, extra2, extra3, xml); });
 }
+ZARN_FRONTERA(ORIGEN_STREAMING)
 
 ZARN_API ArrPuntero zarnfxml_nousar_lee_arr_punterosST_4extra(zarnfxml_t *xml, const char *etiqueta,
                                                               func_lee_xml_item_4extra func,
                                                               void *extra1, void *extra2,
-                                                              void *extra3, void *extra4) {
+                                                              void *extra3, void *extra4) try {
     I_ASSERT_FUNC(func, "(func_lee_xml_item_4extra) != NULL");
     return i_lee_serie(xml, etiqueta, [&] { return func(extra1, extra2, extra3, extra4, xml); });
 }
+ZARN_FRONTERA(ORIGEN_STREAMING)
 
 ZARN_API ArrPuntero zarnfxml_nousar_lee_arr_punterosST_5extra(zarnfxml_t *xml, const char *etiqueta,
                                                               func_lee_xml_item_5extra func,
                                                               void *extra1, void *extra2,
                                                               void *extra3, void *extra4,
-                                                              void *extra5) {
+                                                              void *extra5) try {
     I_ASSERT_FUNC(func, "(func_lee_xml_item_5extra) != NULL");
     return i_lee_serie(xml, etiqueta,
                        [&] { return func(extra1, extra2, extra3, extra4, extra5, xml); });
 }
+ZARN_FRONTERA(ORIGEN_STREAMING)
 
 ZARN_API ArrPuntero zarnfxml_nousar_lee_arr_punterosST_6extra(zarnfxml_t *xml, const char *etiqueta,
                                                               func_lee_xml_item_6extra func,
                                                               void *extra1, void *extra2,
                                                               void *extra3, void *extra4,
-                                                              void *extra5, void *extra6) {
+                                                              void *extra5, void *extra6) try {
     I_ASSERT_FUNC(func, "(func_lee_xml_item_6extra) != NULL");
     return i_lee_serie(xml, etiqueta,
                        [&] { return func(extra1, extra2, extra3, extra4, extra5, extra6, xml); });
 }
+ZARN_FRONTERA(ORIGEN_STREAMING)
 
 ZARN_API ArrPuntero zarnfxml_nousar_lee_arr_punterosST_ConPropiedadFija(
     zarnfxml_t *xml, const char *etiqueta, const char *texto_propiedad,
-    const char16_t *dato_propiedad, func_lee_xml_item func) {
+    const char16_t *dato_propiedad, func_lee_xml_item func) try {
     I_ASSERT_FUNC(func, FUNC_NO_NULL);
     ZARN_ASSERT_NO_NULL(texto_propiedad, ORIGEN_STREAMING);
     ZARN_ASSERT_NO_NULL(dato_propiedad, ORIGEN_STREAMING);
     return i_lee_serie(xml, etiqueta, texto_propiedad, dato_propiedad, [&] { return func(xml); });
 }
+ZARN_FRONTERA(ORIGEN_STREAMING)
 
 ZARN_API void *zarnfxml_nousar_lee_estructura_opcional(zarnfxml_t *xml, const char *etiqueta,
-                                                       func_lee_xml_item func) {
+                                                       func_lee_xml_item func) try {
     I_ASSERT_FUNC(func, FUNC_NO_NULL);
     return i_lee_opcional(xml, etiqueta, [&] { return func(xml); });
 }
+ZARN_FRONTERA(ORIGEN_STREAMING)
 
 ZARN_API void *zarnfxml_nousar_lee_estructura_opcional_4extra(zarnfxml_t *xml, const char *etiqueta,
                                                               func_lee_xml_item_4extra func,
                                                               void *extra1, void *extra2,
-                                                              void *extra3, void *extra4) {
+                                                              void *extra3, void *extra4) try {
     I_ASSERT_FUNC(func, "(func_lee_xml_item_4extra) != NULL");
     return i_lee_opcional(xml, etiqueta, [&] { return func(extra1, extra2, extra3, extra4, xml); });
 }
+ZARN_FRONTERA(ORIGEN_STREAMING)
 
 ZARN_API void *zarnfxml_nousar_lee_estructura_opcional_5extra(zarnfxml_t *xml, const char *etiqueta,
                                                               func_lee_xml_item_5extra func,
                                                               void *extra1, void *extra2,
                                                               void *extra3, void *extra4,
-                                                              void *extra5) {
+                                                              void *extra5) try {
     I_ASSERT_FUNC(func, "(func_lee_xml_item_5extra) != NULL");
     return i_lee_opcional(xml, etiqueta,
                           [&] { return func(extra1, extra2, extra3, extra4, extra5, xml); });
 }
+ZARN_FRONTERA(ORIGEN_STREAMING)
 
 ZARN_API ApunOrde zarnfxml_nousar_lee_apunorde_3extra(zarnfxml_t *xml, const char *etiqueta,
                                                       func_lee_xml_item_3extra func, int64_t crea1,
                                                       int64_t crea2, int64_t crea3, void *extra1,
-                                                      void *extra2, void *extra3) {
+                                                      void *extra2, void *extra3) try {
     I_ASSERT_FUNC(func, "(func_lee_xml_item_3extra) != NULL");
     i_xml_lectura *x = I_LECTOR(xml);
     // The creation values are reserved for an order of the caller's choosing, and not read.
@@ -147,5 +160,6 @@ ZARN_API ApunOrde zarnfxml_nousar_lee_apunorde_3extra(zarnfxml_t *xml, const cha
         i_apunorde_nousar_inserta_original(arr.get(), func(extra1, extra2, extra3, xml));
     return arr.release();
 }
+ZARN_FRONTERA(ORIGEN_STREAMING)
 
 } // extern "C"

@@ -172,27 +172,32 @@ ArrCADENA i_lee_lineas_fichero(const char16_t *nombre_fichero) {
     ZARN_ASSERT_NO_NULL(nombre_fichero, ORIGEN_STREAMING);
     zarn::Fichero fichero = zarn::abre_lineas(nombre_fichero, ORIGEN_STREAMING, __LINE__);
     zarn::ArrPropio<ArrCADENA_s> lineas(i_arr_CreaCADENA(0));
-    while (const char *linea = fichero->lineas.siguiente(*fichero, max_linea(*fichero)))
-        lineas->v.push_back(zarn::dup(linea));
+    while (const char *linea = fichero->lineas.siguiente(*fichero, max_linea(*fichero))) {
+        lineas->v.push_back(nullptr); // the array owns the copy from the moment it is made
+        lineas->v.back() = zarn::dup(linea);
+    }
     return lineas.release();
 }
 
 extern "C" {
 
-ZARN_API zarnfxml_t *zarnfxml_crea_para_lectura_de_fichero(const char *nombre_fichero) {
+ZARN_API zarnfxml_t *zarnfxml_crea_para_lectura_de_fichero(const char *nombre_fichero) try {
     ZARN_ASSERT_NO_NULL(nombre_fichero, ORIGEN_STREAMING);
     const std::u16string ruta = zarn::utf8_a_utf16(nombre_fichero);
     return i_crea_para_lectura_de_fichero_u(ruta.c_str(), FALSO).release();
 }
+ZARN_FRONTERA(ORIGEN_STREAMING)
 
-ZARN_API zarnfxml_t *zarnfxml_crea_para_lectura_de_fichero_u(const char16_t *nombre_fichero) {
+ZARN_API zarnfxml_t *zarnfxml_crea_para_lectura_de_fichero_u(const char16_t *nombre_fichero) try {
     return i_crea_para_lectura_de_fichero_u(nombre_fichero, FALSO).release();
 }
+ZARN_FRONTERA(ORIGEN_STREAMING)
 
 ZARN_API zarnfxml_t *zarnfxml_crea_para_lectura_de_lineas(ArrCADENA lineas_xml,
-                                                          zybool dato_literal) {
+                                                          zybool dato_literal) try {
     return i_crea_para_lectura_de_lineas(lineas_xml, dato_literal).release();
 }
+ZARN_FRONTERA(ORIGEN_STREAMING)
 
 ZARN_API void zarnfxml_destruye_xml_lectura(zarnfxml_t **xml) {
     ZARN_ASSERT_NO_NULL(xml, ORIGEN_STREAMING);
@@ -201,8 +206,9 @@ ZARN_API void zarnfxml_destruye_xml_lectura(zarnfxml_t **xml) {
     *xml = nullptr;
 }
 
-ZARN_API ArrCADENA zarnfxml_lee_lineas_fichero(const char16_t *nombre_fichero) {
+ZARN_API ArrCADENA zarnfxml_lee_lineas_fichero(const char16_t *nombre_fichero) try {
     return i_lee_lineas_fichero(nombre_fichero);
 }
+ZARN_FRONTERA(ORIGEN_STREAMING)
 
 } // extern "C"

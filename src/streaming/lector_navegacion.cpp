@@ -305,83 +305,97 @@ bool i_se_lee_inicio_bloque_con_nivel_etiquetado(zarnfxml_t *xml, const char *et
 
 extern "C" {
 
-ZARN_API void zarnfxml_lee_inicio_bloque(zarnfxml_t *xml, const char *etiqueta) {
+ZARN_API void zarnfxml_lee_inicio_bloque(zarnfxml_t *xml, const char *etiqueta) try {
     i_lee_inicio_bloque(I_LECTOR(xml), etiqueta);
 }
+ZARN_FRONTERA(ORIGEN_STREAMING)
 
-ZARN_API zybool zarnfxml_se_lee_inicio_bloque(zarnfxml_t *xml, const char *etiqueta) {
+ZARN_API zybool zarnfxml_se_lee_inicio_bloque(zarnfxml_t *xml, const char *etiqueta) try {
     return zarn::zb(i_se_lee_inicio_bloque(I_LECTOR(xml), etiqueta));
 }
+ZARN_FRONTERA(ORIGEN_STREAMING)
 
 ZARN_API zybool zarnfxml_se_lee_inicio_bloque_con_nivel_etiquetado(
-    zarnfxml_t *xml, const char *etiqueta, uint32_t *nivel_etiquetado_lineas_bloque) {
+    zarnfxml_t *xml, const char *etiqueta, uint32_t *nivel_etiquetado_lineas_bloque) try {
     return zarn::zb(
         i_se_lee_inicio_bloque_con_nivel_etiquetado(xml, etiqueta, nivel_etiquetado_lineas_bloque));
 }
+ZARN_FRONTERA(ORIGEN_STREAMING)
 
 ZARN_API void
 zarnfxml_lee_inicio_bloque_con_nivel_etiquetado(zarnfxml_t *xml, const char *etiqueta,
-                                                uint32_t *nivel_etiquetado_lineas_bloque) {
+                                                uint32_t *nivel_etiquetado_lineas_bloque) try {
     i_lee_inicio_bloque_con_nivel_etiquetado(xml, etiqueta, nivel_etiquetado_lineas_bloque);
 }
+ZARN_FRONTERA(ORIGEN_STREAMING)
 
-ZARN_API void zarnfxml_lee_inicio_bloque_desconocido(zarnfxml_t *xml, CADENA *etiqueta) {
+ZARN_API void zarnfxml_lee_inicio_bloque_desconocido(zarnfxml_t *xml, CADENA *etiqueta) try {
     i_lee_inicio_bloque_desconocido(xml, etiqueta);
 }
+ZARN_FRONTERA(ORIGEN_STREAMING)
 
-ZARN_API zybool zarnfxml_se_lee_inicio_bloque_desconocido(zarnfxml_t *xml, CADENA *etiqueta) {
+ZARN_API zybool zarnfxml_se_lee_inicio_bloque_desconocido(zarnfxml_t *xml, CADENA *etiqueta) try {
     if (!i_es_siguiente_inicio_bloque(I_LECTOR(xml), nullptr))
         return FALSO;
     i_lee_inicio_bloque_desconocido(xml, etiqueta);
     return CIERTO;
 }
+ZARN_FRONTERA(ORIGEN_STREAMING)
 
 ZARN_API zybool zarnfxml_etiqueta_siguiente_es_inicio_bloque(zarnfxml_t *xml,
-                                                             const char *etiqueta) {
+                                                             const char *etiqueta) try {
     return zarn::zb(i_es_siguiente_inicio_bloque(I_LECTOR(xml), etiqueta));
 }
+ZARN_FRONTERA(ORIGEN_STREAMING)
 
-ZARN_API void zarnfxml_lee_definicion_comentario(zarnfxml_t *xml, CADENA *etiqueta) {
+ZARN_API void zarnfxml_lee_definicion_comentario(zarnfxml_t *xml, CADENA *etiqueta) try {
     i_lee_definicion_comentario(xml, etiqueta);
 }
+ZARN_FRONTERA(ORIGEN_STREAMING)
 
-ZARN_API zybool zarnfxml_se_lee_definicion_comentario(zarnfxml_t *xml, CADENA *etiqueta) {
+ZARN_API zybool zarnfxml_se_lee_definicion_comentario(zarnfxml_t *xml, CADENA *etiqueta) try {
     if (!i_siguiente_es_definicion_comentario(I_LECTOR(xml)))
         return FALSO;
     i_lee_definicion_comentario(xml, etiqueta);
     return CIERTO;
 }
+ZARN_FRONTERA(ORIGEN_STREAMING)
 
-ZARN_API void zarnfxml_lee_fin_bloque(zarnfxml_t *xml) {
+ZARN_API void zarnfxml_lee_fin_bloque(zarnfxml_t *xml) try {
     const i_tipo_registro_t tipo_registro = i_lee_registro(I_LECTOR(xml), FALSO);
     i_asserta_tipo_registro(tipo_registro, i_REGISTRO_FIN_BLOQUE,
                             "tipo_registro == i_REGISTRO_FIN_BLOQUE");
 }
+ZARN_FRONTERA(ORIGEN_STREAMING)
 
-ZARN_API void zarnfxml_lee_fin_bloque_con_comprobacion(zarnfxml_t *xml, const char *etiqueta) {
+ZARN_API void zarnfxml_lee_fin_bloque_con_comprobacion(zarnfxml_t *xml, const char *etiqueta) try {
     i_lee_fin_bloque_con_comprobacion(I_LECTOR(xml), etiqueta);
 }
+ZARN_FRONTERA(ORIGEN_STREAMING)
 
 ZARN_API void zarnfxml_salta_hasta_fin_bloque(zarnfxml_t *xml,
-                                              uint32_t nivel_etiquetado_lineas_bloque) {
+                                              uint32_t nivel_etiquetado_lineas_bloque) try {
     i_salta_hasta_fin_bloque(I_LECTOR(xml), nivel_etiquetado_lineas_bloque, i_uso_xml_bloque());
 }
+ZARN_FRONTERA(ORIGEN_STREAMING)
 
-ZARN_API void zarnfxml_salta_etiqueta(zarnfxml_t *xml, const char *etiqueta) {
+ZARN_API void zarnfxml_salta_etiqueta(zarnfxml_t *xml, const char *etiqueta) try {
     uint32_t nivel = 0;
     i_lee_inicio_bloque_con_nivel_etiquetado(xml, etiqueta, &nivel);
     i_salta_hasta_fin_bloque(I_LECTOR(xml), nivel, i_uso_xml_bloque());
 }
+ZARN_FRONTERA(ORIGEN_STREAMING)
 
-ZARN_API void zarnfxml_salta_etiqueta_si_existe(zarnfxml_t *xml, const char *etiqueta) {
+ZARN_API void zarnfxml_salta_etiqueta_si_existe(zarnfxml_t *xml, const char *etiqueta) try {
     uint32_t nivel = 0;
     if (i_se_lee_inicio_bloque_con_nivel_etiquetado(xml, etiqueta, &nivel))
         i_salta_hasta_fin_bloque(I_LECTOR(xml), nivel, i_uso_xml_bloque());
 }
+ZARN_FRONTERA(ORIGEN_STREAMING)
 
 ZARN_API void
 zarnfxml_salta_hasta_etiqueta_y_lee_inicio_bloque(zarnfxml_t *xml, const char *etiqueta,
-                                                  uint32_t *nivel_etiquetado_lineas_bloque) {
+                                                  uint32_t *nivel_etiquetado_lineas_bloque) try {
     i_xml_lectura *x = I_LECTOR(xml);
     for (;;) {
         const i_tipo_registro_t tipo_registro = i_lee_registro(x, FALSO);
@@ -396,9 +410,10 @@ zarnfxml_salta_hasta_etiqueta_y_lee_inicio_bloque(zarnfxml_t *xml, const char *e
         i_salta_hasta_fin_bloque(x, nivel, i_uso_xml_bloque());
     }
 }
+ZARN_FRONTERA(ORIGEN_STREAMING)
 
 ZARN_API zybool zarnfxml_lee_siguiente(zarnfxml_t *xml, const char **etiqueta, uint32_t *tipo,
-                                       CADENA *dato, uint32_t *nivel) {
+                                       CADENA *dato, uint32_t *nivel) try {
     i_xml_lectura *x = I_LECTOR(xml);
     for (;;) {
         const i_tipo_registro_t tipo_registro = i_lee_registro(x, CIERTO);
@@ -435,11 +450,13 @@ ZARN_API zybool zarnfxml_lee_siguiente(zarnfxml_t *xml, const char **etiqueta, u
         return CIERTO;
     }
 }
+ZARN_FRONTERA(ORIGEN_STREAMING)
 
 // ---- Properties of the current record --------------------------------------------------------
 
 ZARN_API zybool zarnfxml_existe_propiedad_inicio_bloque(zarnfxml_t *xml,
-                                                        const char *texto_propiedad, CADENA *dato) {
+                                                        const char *texto_propiedad,
+                                                        CADENA *dato) try {
     const i_propiedad_lectura_t *p = i_propiedad_registro(I_LECTOR(xml), texto_propiedad);
     if (!p)
         return FALSO;
@@ -447,10 +464,11 @@ ZARN_API zybool zarnfxml_existe_propiedad_inicio_bloque(zarnfxml_t *xml,
         *dato = zarn::dup_utf8(p->dato_propiedad.texto());
     return CIERTO;
 }
+ZARN_FRONTERA(ORIGEN_STREAMING)
 
 ZARN_API zybool zarnfxml_existe_propiedad_inicio_bloque_u(zarnfxml_t *xml,
                                                           const char *texto_propiedad,
-                                                          const char16_t **dato) {
+                                                          const char16_t **dato) try {
     const i_propiedad_lectura_t *p = i_propiedad_registro(I_LECTOR(xml), texto_propiedad);
     if (!p)
         return FALSO;
@@ -458,10 +476,11 @@ ZARN_API zybool zarnfxml_existe_propiedad_inicio_bloque_u(zarnfxml_t *xml,
         *dato = p->dato_propiedad.c_str();
     return CIERTO;
 }
+ZARN_FRONTERA(ORIGEN_STREAMING)
 
 ZARN_API zybool zarnfxml_existe_propiedad_inicio_bloque_igual(zarnfxml_t *xml,
                                                               const char *texto_propiedad,
-                                                              const char *dato) {
+                                                              const char *dato) try {
     ZARN_ASSERT_NO_NULL(dato, ORIGEN_STREAMING);
     const i_propiedad_lectura_t *p = i_propiedad_registro(I_LECTOR(xml), texto_propiedad);
     if (!p)
@@ -469,28 +488,33 @@ ZARN_API zybool zarnfxml_existe_propiedad_inicio_bloque_igual(zarnfxml_t *xml,
     return zarn::zb(zarn::iguales_may_o_min(
         std::string_view(zarn::utf16_a_utf8(p->dato_propiedad.texto())), std::string_view(dato)));
 }
+ZARN_FRONTERA(ORIGEN_STREAMING)
 
 ZARN_API CADENA zarnfxml_get_cadena_propiedad_inicio_bloque(zarnfxml_t *xml,
-                                                            const char *texto_propiedad) {
+                                                            const char *texto_propiedad) try {
     return zarn::dup_utf8(i_dato_propiedad_requerida(I_LECTOR(xml), texto_propiedad));
 }
+ZARN_FRONTERA(ORIGEN_STREAMING)
 
 ZARN_API CADENA_u zarnfxml_get_cadena_propiedad_inicio_bloque_u(zarnfxml_t *xml,
-                                                                const char *texto_propiedad) {
+                                                                const char *texto_propiedad) try {
     return zarn::dup_u(i_dato_propiedad_requerida(I_LECTOR(xml), texto_propiedad));
 }
+ZARN_FRONTERA(ORIGEN_STREAMING)
 
 ZARN_API double zarnfxml_get_double_propiedad_inicio_bloque(zarnfxml_t *xml,
-                                                            const char *texto_propiedad) {
+                                                            const char *texto_propiedad) try {
     return i_atof_u(i_dato_propiedad_requerida(I_LECTOR(xml), texto_propiedad).c_str());
 }
+ZARN_FRONTERA(ORIGEN_STREAMING)
 
 ZARN_API uint32_t zarnfxml_get_ulong_propiedad_inicio_bloque(zarnfxml_t *xml,
-                                                             const char *texto_propiedad) {
+                                                             const char *texto_propiedad) try {
     return i_atoul_u(i_dato_propiedad_requerida(I_LECTOR(xml), texto_propiedad).c_str());
 }
+ZARN_FRONTERA(ORIGEN_STREAMING)
 
-ZARN_API CADENA zarnfxml_get_indice_propiedad_inicio_bloque(zarnfxml_t *xml, uint32_t indice) {
+ZARN_API CADENA zarnfxml_get_indice_propiedad_inicio_bloque(zarnfxml_t *xml, uint32_t indice) try {
     i_xml_lectura *x = I_LECTOR(xml);
     const i_propiedades_t &propiedades = i_propiedades_registro(&i_registro(x));
     const i_propiedad_lectura_t *propiedad =
@@ -498,11 +522,12 @@ ZARN_API CADENA zarnfxml_get_indice_propiedad_inicio_bloque(zarnfxml_t *xml, uin
     ZARN_ASSERT_NO_NULL(propiedad, ORIGEN_STREAMING);
     return zarn::dup_utf8(propiedad->dato_propiedad.texto());
 }
+ZARN_FRONTERA(ORIGEN_STREAMING)
 
 // ---- Raw reading of a block of fields --------------------------------------------------------
 
 ZARN_API void zarnfxml_lee_campos_bloque_conocido(zarnfxml_t *xml, uint32_t num_campos,
-                                                  CADENA *etiquetas, CADENA *datos) {
+                                                  CADENA *etiquetas, CADENA *datos) try {
     i_xml_lectura *x = I_LECTOR(xml);
     if (num_campos == 0)
         return;
@@ -535,5 +560,6 @@ ZARN_API void zarnfxml_lee_campos_bloque_conocido(zarnfxml_t *xml, uint32_t num_
     }
     x->ind_columna = 0;
 }
+ZARN_FRONTERA(ORIGEN_STREAMING)
 
 } // extern "C"

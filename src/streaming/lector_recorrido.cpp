@@ -157,25 +157,27 @@ extern "C" {
 
 ZARN_API void zarnfxml_nousar_recorre_en_forma_de_arbol(
     const char16_t *nombre_fichero, func_proceso_nodo proceso_nodo, void *contexto1,
-    void *contexto2, zarnfxml_item_result_proceso_nodo_t *resultado_inicial) {
+    void *contexto2, zarnfxml_item_result_proceso_nodo_t *resultado_inicial) try {
     ZARN_ASSERT_NO_NULL(proceso_nodo, ORIGEN);
     auto xml = i_crea_para_lectura_de_fichero_u(nombre_fichero, FALSO);
     forma<true> f{proceso_nodo, {}};
     recorre(xml.get(), f, contexto1, contexto2, resultado_inicial);
 }
+ZARN_FRONTERA(ORIGEN)
 
 ZARN_API void zarnfxml_nousar_recorre_en_forma_de_arbol_u(
     ArrCADENA lineas_xml, func_proceso_nodo_u proceso_nodo, void *contexto1, void *contexto2,
-    zarnfxml_item_result_proceso_nodo_t *resultado_inicial, zybool dato_literal) {
+    zarnfxml_item_result_proceso_nodo_t *resultado_inicial, zybool dato_literal) try {
     ZARN_ASSERT_NO_NULL(proceso_nodo, ORIGEN);
     auto xml = i_crea_para_lectura_de_lineas(lineas_xml, dato_literal);
     forma<false> f{proceso_nodo};
     recorre(xml.get(), f, contexto1, contexto2, resultado_inicial);
 }
+ZARN_FRONTERA(ORIGEN)
 
 ZARN_API CADENA zarnfxml_texto_etiqueta_con_propiedades(const char *etiqueta,
                                                         ArrCADENA textos_propiedades,
-                                                        ArrCADENA datos_propiedades) {
+                                                        ArrCADENA datos_propiedades) try {
     ZARN_ASSERT_NO_NULL(etiqueta, ORIGEN);
     const uint32_t num_propiedades = i_arr_NumElemsCADENA(textos_propiedades);
     ZARN_ASSERT_TEXTO(num_propiedades == i_arr_NumElemsCADENA(datos_propiedades),
@@ -186,5 +188,6 @@ ZARN_API CADENA zarnfxml_texto_etiqueta_con_propiedades(const char *etiqueta,
                               zarn::vista(datos_propiedades->v[i]));
     return zarn::dup(texto);
 }
+ZARN_FRONTERA(ORIGEN)
 
 } // extern "C"

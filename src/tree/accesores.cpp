@@ -239,43 +239,51 @@ extern "C" {
 
 // ---- The node's own datum --------------------------------------------------------------------
 
-ZARN_API const char16_t *zarnxml_get_dato_cadena_u(const zarnxml_nodo_t *nodo) {
+ZARN_API const char16_t *zarnxml_get_dato_cadena_u(const zarnxml_nodo_t *nodo) try {
     ZARN_ASSERT_NO_NULL(nodo, ORIGEN);
     return nodo->dato();
 }
+ZARN_FRONTERA(ORIGEN)
 
-ZARN_API CADENA zarnxml_get_dato_cadena(const zarnxml_nodo_t *nodo) {
+ZARN_API CADENA zarnxml_get_dato_cadena(const zarnxml_nodo_t *nodo) try {
     return i_get_dato_cadena(nodo);
 }
+ZARN_FRONTERA(ORIGEN)
 
-ZARN_API int32_t zarnxml_get_dato_long(const zarnxml_nodo_t *nodo) {
+ZARN_API int32_t zarnxml_get_dato_long(const zarnxml_nodo_t *nodo) try {
     return i_get_dato_long(nodo);
 }
+ZARN_FRONTERA(ORIGEN)
 
-ZARN_API uint32_t zarnxml_get_dato_ulong(const zarnxml_nodo_t *nodo) {
+ZARN_API uint32_t zarnxml_get_dato_ulong(const zarnxml_nodo_t *nodo) try {
     return i_get_dato_ulong(nodo);
 }
+ZARN_FRONTERA(ORIGEN)
 
-ZARN_API double zarnxml_get_dato_double(const zarnxml_nodo_t *nodo) {
+ZARN_API double zarnxml_get_dato_double(const zarnxml_nodo_t *nodo) try {
     return i_get_dato_double(nodo);
 }
+ZARN_FRONTERA(ORIGEN)
 
-ZARN_API zybool zarnxml_get_dato_bool(const zarnxml_nodo_t *nodo) {
+ZARN_API zybool zarnxml_get_dato_bool(const zarnxml_nodo_t *nodo) try {
     return i_get_dato_bool(nodo);
 }
+ZARN_FRONTERA(ORIGEN)
 
-ZARN_API ArrDouble zarnxml_get_dato_ArrDouble(const zarnxml_nodo_t *nodo) {
+ZARN_API ArrDouble zarnxml_get_dato_ArrDouble(const zarnxml_nodo_t *nodo) try {
     ZARN_ASSERT_NO_NULL(nodo, ORIGEN);
     return i_lista_double(vista_dato(nodo), conf_de(nodo)->separador_items);
 }
+ZARN_FRONTERA(ORIGEN)
 
-ZARN_API ArrULong zarnxml_get_dato_ArrULong(const zarnxml_nodo_t *nodo) {
+ZARN_API ArrULong zarnxml_get_dato_ArrULong(const zarnxml_nodo_t *nodo) try {
     ZARN_ASSERT_NO_NULL(nodo, ORIGEN);
     return i_lista_ulong(vista_dato(nodo), conf_de(nodo)->separador_items);
 }
+ZARN_FRONTERA(ORIGEN)
 
 ZARN_API ArrPunto2D zarnxml_get_dato_ArrPunto2D(const zarnxml_nodo_t *nodo,
-                                                const char16_t *separadores) {
+                                                const char16_t *separadores) try {
     ZARN_ASSERT_NO_NULL(nodo, ORIGEN);
     auto puntos = std::make_unique<ArrPunto2D_s>();
     // Coordinates two at a time; a last one without its partner is dropped.
@@ -291,13 +299,15 @@ ZARN_API ArrPunto2D zarnxml_get_dato_ArrPunto2D(const zarnxml_nodo_t *nodo,
     });
     return puntos.release();
 }
+ZARN_FRONTERA(ORIGEN)
 
-ZARN_API zybool zarnxml_es_dato_bool(const zarnxml_nodo_t *nodo, zybool *valor) {
+ZARN_API zybool zarnxml_es_dato_bool(const zarnxml_nodo_t *nodo, zybool *valor) try {
     ZARN_ASSERT_NO_NULL(nodo, ORIGEN);
     return zarn::zb(i_es_dato_bool(i_dato(nodo), conf_de(nodo), valor));
 }
+ZARN_FRONTERA(ORIGEN)
 
-ZARN_API zybool zarnxml_es_dato_long(const zarnxml_nodo_t *nodo, int32_t *valor) {
+ZARN_API zybool zarnxml_es_dato_long(const zarnxml_nodo_t *nodo, int32_t *valor) try {
     ZARN_ASSERT_NO_NULL(nodo, ORIGEN);
     const double v = i_atof_u(i_dato(nodo));
     if (!i_cambtipo_se_puede_double_a_long(v))
@@ -306,8 +316,9 @@ ZARN_API zybool zarnxml_es_dato_long(const zarnxml_nodo_t *nodo, int32_t *valor)
         *valor = i_cambtipo_double_a_long(v);
     return CIERTO;
 }
+ZARN_FRONTERA(ORIGEN)
 
-ZARN_API zybool zarnxml_es_dato_ulong(const zarnxml_nodo_t *nodo, uint32_t *valor) {
+ZARN_API zybool zarnxml_es_dato_ulong(const zarnxml_nodo_t *nodo, uint32_t *valor) try {
     ZARN_ASSERT_NO_NULL(nodo, ORIGEN);
     const double v = i_atof_u(i_dato(nodo));
     if (!i_cambtipo_se_puede_double_a_ulong(v))
@@ -316,96 +327,119 @@ ZARN_API zybool zarnxml_es_dato_ulong(const zarnxml_nodo_t *nodo, uint32_t *valo
         *valor = i_cambtipo_double_a_ulong(v);
     return CIERTO;
 }
+ZARN_FRONTERA(ORIGEN)
 
 // ---- A child's datum: the child must be there ----------------------------------------------
 
 ZARN_API const char16_t *zarnxml_get_dato_hijo_cadena(const zarnxml_nodo_t *nodo,
-                                                      const char *etiqueta) {
+                                                      const char *etiqueta) try {
     return hijo_obligatorio(nodo, etiqueta)->dato();
 }
+ZARN_FRONTERA(ORIGEN)
 
 ZARN_API CADENA zarnxml_get_dato_hijo_cadena_ansi(const zarnxml_nodo_t *nodo,
-                                                  const char *etiqueta) {
+                                                  const char *etiqueta) try {
     return zarn::dup_utf8(vista_dato(hijo_obligatorio(nodo, etiqueta)));
 }
+ZARN_FRONTERA(ORIGEN)
 
-ZARN_API int32_t zarnxml_get_dato_hijo_long(const zarnxml_nodo_t *nodo, const char *etiqueta) {
+ZARN_API int32_t zarnxml_get_dato_hijo_long(const zarnxml_nodo_t *nodo, const char *etiqueta) try {
     return i_get_dato_hijo_long(nodo, etiqueta);
 }
+ZARN_FRONTERA(ORIGEN)
 
-ZARN_API uint32_t zarnxml_get_dato_hijo_ulong(const zarnxml_nodo_t *nodo, const char *etiqueta) {
+ZARN_API uint32_t zarnxml_get_dato_hijo_ulong(const zarnxml_nodo_t *nodo,
+                                              const char *etiqueta) try {
     return i_atoul_u(i_dato(hijo_obligatorio(nodo, etiqueta)));
 }
+ZARN_FRONTERA(ORIGEN)
 
-ZARN_API uint16_t zarnxml_get_dato_hijo_ushort(const zarnxml_nodo_t *nodo, const char *etiqueta) {
+ZARN_API uint16_t zarnxml_get_dato_hijo_ushort(const zarnxml_nodo_t *nodo,
+                                               const char *etiqueta) try {
     return i_atous_u(i_dato(hijo_obligatorio(nodo, etiqueta)));
 }
+ZARN_FRONTERA(ORIGEN)
 
-ZARN_API double zarnxml_get_dato_hijo_double(const zarnxml_nodo_t *nodo, const char *etiqueta) {
+ZARN_API double zarnxml_get_dato_hijo_double(const zarnxml_nodo_t *nodo, const char *etiqueta) try {
     return i_atof_u(i_dato(hijo_obligatorio(nodo, etiqueta)));
 }
+ZARN_FRONTERA(ORIGEN)
 
-ZARN_API int64_t zarnxml_get_dato_hijo_fecha(const zarnxml_nodo_t *nodo, const char *etiqueta) {
+ZARN_API int64_t zarnxml_get_dato_hijo_fecha(const zarnxml_nodo_t *nodo, const char *etiqueta) try {
     return i_get_dato_hijo_long(nodo, etiqueta);
 }
+ZARN_FRONTERA(ORIGEN)
 
-ZARN_API int64_t zarnxml_get_dato_hijo_fecha_64(const zarnxml_nodo_t *nodo, const char *etiqueta) {
+ZARN_API int64_t zarnxml_get_dato_hijo_fecha_64(const zarnxml_nodo_t *nodo,
+                                                const char *etiqueta) try {
     return i_widestr_nousar_atoi64(i_dato(hijo_obligatorio(nodo, etiqueta)), ORIGEN,
                                    static_cast<uint32_t>(__LINE__));
 }
+ZARN_FRONTERA(ORIGEN)
 
-ZARN_API zybool zarnxml_get_dato_hijo_bool(const zarnxml_nodo_t *nodo, const char *etiqueta) {
+ZARN_API zybool zarnxml_get_dato_hijo_bool(const zarnxml_nodo_t *nodo, const char *etiqueta) try {
     return dato_bool_obligatorio(hijo_obligatorio(nodo, etiqueta));
 }
+ZARN_FRONTERA(ORIGEN)
 
 ZARN_API ArrDouble zarnxml_get_dato_hijo_ArrDouble(const zarnxml_nodo_t *nodo,
-                                                   const char *etiqueta) {
+                                                   const char *etiqueta) try {
     const zarnxml_nodo_t *hijo = hijo_obligatorio(nodo, etiqueta);
     return i_lista_double(vista_dato(hijo), conf_de(hijo)->separador_items);
 }
+ZARN_FRONTERA(ORIGEN)
 
-ZARN_API ArrULong zarnxml_get_dato_hijo_ArrULong(const zarnxml_nodo_t *nodo, const char *etiqueta) {
+ZARN_API ArrULong zarnxml_get_dato_hijo_ArrULong(const zarnxml_nodo_t *nodo,
+                                                 const char *etiqueta) try {
     const zarnxml_nodo_t *hijo = hijo_obligatorio(nodo, etiqueta);
     return i_lista_ulong(vista_dato(hijo), conf_de(hijo)->separador_items);
 }
+ZARN_FRONTERA(ORIGEN)
 
-ZARN_API fichmem *zarnxml_get_dato_hijo_fichmem(const zarnxml_nodo_t *nodo, const char *etiqueta) {
+ZARN_API fichmem *zarnxml_get_dato_hijo_fichmem(const zarnxml_nodo_t *nodo,
+                                                const char *etiqueta) try {
     return fichmem_de(hijo_obligatorio(nodo, etiqueta));
 }
+ZARN_FRONTERA(ORIGEN)
 
 // ---- A child's datum: the answer says whether the child is there -----------------------------
 
 ZARN_API zybool zarnxml_existe_dato_hijo_cadena(const zarnxml_nodo_t *nodo, const char *etiqueta,
-                                                const char16_t **valor) {
+                                                const char16_t **valor) try {
     return i_existe_dato_hijo(nodo, etiqueta, valor,
                               [](const zarnxml_nodo_t *hijo) { return hijo->dato(); });
 }
+ZARN_FRONTERA(ORIGEN)
 
 ZARN_API zybool zarnxml_existe_dato_hijo_long(const zarnxml_nodo_t *nodo, const char *etiqueta,
-                                              int32_t *valor) {
+                                              int32_t *valor) try {
     return zarn::zb(i_existe_dato_hijo_long(nodo, etiqueta, valor));
 }
+ZARN_FRONTERA(ORIGEN)
 
 ZARN_API zybool zarnxml_existe_dato_hijo_ulong(const zarnxml_nodo_t *nodo, const char *etiqueta,
-                                               uint32_t *valor) {
+                                               uint32_t *valor) try {
     return zarn::zb(i_existe_dato_hijo_ulong(nodo, etiqueta, valor));
 }
+ZARN_FRONTERA(ORIGEN)
 
 ZARN_API zybool zarnxml_existe_dato_hijo_ushort(const zarnxml_nodo_t *nodo, const char *etiqueta,
-                                                uint16_t *valor) {
+                                                uint16_t *valor) try {
     return i_existe_dato_hijo(nodo, etiqueta, valor, [](const zarnxml_nodo_t *hijo) {
         return *i_dato(hijo) ? i_atous_u(i_dato(hijo)) : USHORT_VACIO;
     });
 }
+ZARN_FRONTERA(ORIGEN)
 
 ZARN_API zybool zarnxml_existe_dato_hijo_double(const zarnxml_nodo_t *nodo, const char *etiqueta,
-                                                double *valor) {
+                                                double *valor) try {
     return i_existe_dato_hijo(nodo, etiqueta, valor,
                               [](const zarnxml_nodo_t *hijo) { return i_atof_u(i_dato(hijo)); });
 }
+ZARN_FRONTERA(ORIGEN)
 
 ZARN_API zybool zarnxml_existe_dato_hijo_fecha(const zarnxml_nodo_t *nodo, const char *etiqueta,
-                                               int64_t *valor) {
+                                               int64_t *valor) try {
     int32_t v = 0;
     if (!i_existe_dato_hijo_long(nodo, etiqueta, valor ? &v : nullptr))
         return FALSO;
@@ -413,14 +447,16 @@ ZARN_API zybool zarnxml_existe_dato_hijo_fecha(const zarnxml_nodo_t *nodo, const
         *valor = v;
     return CIERTO;
 }
+ZARN_FRONTERA(ORIGEN)
 
 ZARN_API zybool zarnxml_existe_dato_hijo_bool(const zarnxml_nodo_t *nodo, const char *etiqueta,
-                                              zybool *valor) {
+                                              zybool *valor) try {
     return zarn::zb(i_existe_dato_hijo_bool(nodo, etiqueta, valor));
 }
+ZARN_FRONTERA(ORIGEN)
 
 ZARN_API zybool zarnxml_existe_dato_hijo_ArrDouble(const zarnxml_nodo_t *nodo, const char *etiqueta,
-                                                   ArrDouble *valor) {
+                                                   ArrDouble *valor) try {
     const zarnxml_nodo_t *hijo = hijo_opcional(nodo, etiqueta);
     if (!hijo)
         return FALSO;
@@ -429,117 +465,141 @@ ZARN_API zybool zarnxml_existe_dato_hijo_ArrDouble(const zarnxml_nodo_t *nodo, c
         *valor = i_lista_double(vista_dato(hijo), conf->separador_items);
     return CIERTO;
 }
+ZARN_FRONTERA(ORIGEN)
 
 ZARN_API zybool zarnxml_existe_dato_hijo_ArrULong(const zarnxml_nodo_t *nodo, const char *etiqueta,
-                                                  ArrULong *valor) {
+                                                  ArrULong *valor) try {
     return zarn::zb(i_existe_dato_hijo_ArrULong(nodo, etiqueta, valor));
 }
+ZARN_FRONTERA(ORIGEN)
 
 // ---- A child's datum: the child may be missing, with a default --------------------------------
 
 ZARN_API int32_t zarnxml_get_dato_hijo_long_opcional(const zarnxml_nodo_t *nodo,
-                                                     const char *etiqueta, int32_t valor_defecto) {
+                                                     const char *etiqueta,
+                                                     int32_t valor_defecto) try {
     return i_get_dato_hijo_long_opcional(nodo, etiqueta, valor_defecto);
 }
+ZARN_FRONTERA(ORIGEN)
 
 ZARN_API uint32_t zarnxml_get_dato_hijo_ulong_opcional(const zarnxml_nodo_t *nodo,
                                                        const char *etiqueta,
-                                                       uint32_t valor_defecto) {
+                                                       uint32_t valor_defecto) try {
     uint32_t valor = valor_defecto;
     i_existe_dato_hijo_ulong(nodo, etiqueta, &valor);
     return valor;
 }
+ZARN_FRONTERA(ORIGEN)
 
 ZARN_API int64_t zarnxml_get_dato_hijo_fecha_opcional(const zarnxml_nodo_t *nodo,
-                                                      const char *etiqueta, int64_t valor_defecto) {
+                                                      const char *etiqueta,
+                                                      int64_t valor_defecto) try {
     return i_get_dato_hijo_long_opcional(nodo, etiqueta, i_cambtipo_time_t_a_long(valor_defecto));
 }
+ZARN_FRONTERA(ORIGEN)
 
 ZARN_API zybool zarnxml_get_dato_hijo_bool_opcional(const zarnxml_nodo_t *nodo,
-                                                    const char *etiqueta, zybool valor_defecto) {
+                                                    const char *etiqueta,
+                                                    zybool valor_defecto) try {
     return i_get_dato_hijo_bool_opcional(nodo, etiqueta, valor_defecto);
 }
+ZARN_FRONTERA(ORIGEN)
 
 ZARN_API zybool zarnxml_existe_dato_hijo_bool_opcional(const zarnxml_nodo_t *nodo,
-                                                       const char *etiqueta, zybool valor_defecto) {
+                                                       const char *etiqueta,
+                                                       zybool valor_defecto) try {
     return i_get_dato_hijo_bool_opcional(nodo, etiqueta, valor_defecto);
 }
+ZARN_FRONTERA(ORIGEN)
 
 ZARN_API CADENA_u zarnxml_get_dato_hijo_cadena_opcional(const zarnxml_nodo_t *nodo,
-                                                        const char *etiqueta) {
+                                                        const char *etiqueta) try {
     const zarnxml_nodo_t *hijo = hijo_opcional(nodo, etiqueta);
     return zarn::dup_u(hijo ? vista_dato(hijo) : std::u16string_view());
 }
+ZARN_FRONTERA(ORIGEN)
 
 ZARN_API ArrULong zarnxml_get_dato_hijo_ArrULong_opcional(const zarnxml_nodo_t *nodo,
-                                                          const char *etiqueta) {
+                                                          const char *etiqueta) try {
     ArrULong valor = nullptr;
     if (!i_existe_dato_hijo_ArrULong(nodo, etiqueta, &valor))
         valor = i_arr_CreaULong(0);
     return valor;
 }
+ZARN_FRONTERA(ORIGEN)
 
 ZARN_API ArrCADENA_u zarnxml_get_ArrCadenaU_hijos(const zarnxml_nodo_t *nodo,
-                                                  const char *etiqueta) {
+                                                  const char *etiqueta) try {
     ZARN_ASSERT_NO_NULL(nodo, ORIGEN);
-    ArrCADENA_u datos = i_arr_CreaCADENA_u(0);
+    zarn::ArrPropio<ArrCADENA_u_s> datos(i_arr_CreaCADENA_u(0));
     for (uint32_t i = 0; i < nodo->num_hijos; ++i)
         if (i_etiqueta_igual(nodo->hijos()[i].etiqueta, etiqueta))
-            i_arr_AppendCADENA_u(datos, i_dato(&nodo->hijos()[i]));
-    return datos;
+            i_arr_AppendCADENA_u(datos.get(), i_dato(&nodo->hijos()[i]));
+    return datos.release();
 }
+ZARN_FRONTERA(ORIGEN)
 
 // ---- Properties of a node -----------------------------------------------------------------
 
 ZARN_API zybool zarnxml_existe_propiedad_cadena(const zarnxml_nodo_t *nodo,
-                                                const char *texto_propiedad, CADENA *valor) {
+                                                const char *texto_propiedad, CADENA *valor) try {
     return zarn::zb(i_existe_propiedad_cadena(nodo, texto_propiedad, valor));
 }
+ZARN_FRONTERA(ORIGEN)
 
 ZARN_API zybool zarnxml_existe_propiedad_cadena_u(const zarnxml_nodo_t *nodo,
-                                                  const char *texto_propiedad, CADENA_u *valor) {
+                                                  const char *texto_propiedad,
+                                                  CADENA_u *valor) try {
     return zarn::zb(i_existe_propiedad_cadena_u(nodo, texto_propiedad, valor));
 }
+ZARN_FRONTERA(ORIGEN)
 
 ZARN_API zybool zarnxml_existe_propiedad_double(const zarnxml_nodo_t *nodo,
-                                                const char *texto_propiedad, double *valor) {
+                                                const char *texto_propiedad, double *valor) try {
     ZARN_ASSERT_NO_NULL(nodo, ORIGEN);
     return i_existe_propiedad(nodo, texto_propiedad, valor, [](const zarnxml_propiedad_t *p) {
         return i_atof_u(p->dato_propiedad);
     });
 }
+ZARN_FRONTERA(ORIGEN)
 
 ZARN_API zybool zarnxml_existe_propiedad_ulong(const zarnxml_nodo_t *nodo,
-                                               const char *texto_propiedad, uint32_t *valor) {
+                                               const char *texto_propiedad, uint32_t *valor) try {
     ZARN_ASSERT_NO_NULL(nodo, ORIGEN);
     return i_existe_propiedad(nodo, texto_propiedad, valor, [](const zarnxml_propiedad_t *p) {
         return i_atoul_u(p->dato_propiedad);
     });
 }
+ZARN_FRONTERA(ORIGEN)
 
 ZARN_API zybool zarnxml_existe_propiedad_bool(const zarnxml_nodo_t *nodo,
-                                              const char *texto_propiedad, zybool *valor) {
+                                              const char *texto_propiedad, zybool *valor) try {
     return zarn::zb(i_existe_propiedad_bool(nodo, texto_propiedad, valor));
 }
+ZARN_FRONTERA(ORIGEN)
 
 // ---- Through a sequential reader -----------------------------------------------------------
 
 ZARN_API zybool zarnxml_in_existe_propiedad_bool(const zarnxml_lectura_t *xml,
-                                                 const char *texto_propiedad, zybool *valor) {
+                                                 const char *texto_propiedad, zybool *valor) try {
     ZARN_ASSERT_NO_NULL(xml, ORIGEN);
     return zarn::zb(i_existe_propiedad_bool(xml->nodo_actual, texto_propiedad, valor));
 }
+ZARN_FRONTERA(ORIGEN)
 
 ZARN_API zybool zarnxml_in_existe_propiedad_cadena(const zarnxml_lectura_t *xml,
-                                                   const char *texto_propiedad, CADENA *valor) {
+                                                   const char *texto_propiedad, CADENA *valor) try {
     ZARN_ASSERT_NO_NULL(xml, ORIGEN);
     return zarn::zb(i_existe_propiedad_cadena(xml->nodo_actual, texto_propiedad, valor));
 }
+ZARN_FRONTERA(ORIGEN)
 
 ZARN_API zybool zarnxml_in_existe_propiedad_cadena_u(const zarnxml_lectura_t *xml,
-                                                     const char *texto_propiedad, CADENA_u *valor) {
+                                                     const char *texto_propiedad,
+                                                     CADENA_u *valor) try {
     ZARN_ASSERT_NO_NULL(xml, ORIGEN);
     return zarn::zb(i_existe_propiedad_cadena_u(xml->nodo_actual, texto_propiedad, valor));
 }
+ZARN_FRONTERA(ORIGEN)
 
 } // extern "C"

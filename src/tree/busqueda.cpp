@@ -183,17 +183,19 @@ bool i_etiqueta_nodo_igual(const zarnxml_nodo_t *nodo, const char *etiqueta) {
 
 extern "C" {
 
-ZARN_API const char *zarnxml_get_etiqueta(const zarnxml_nodo_t *nodo) {
+ZARN_API const char *zarnxml_get_etiqueta(const zarnxml_nodo_t *nodo) try {
     ZARN_ASSERT_NO_NULL(nodo, ORIGEN);
     return nodo->etiqueta;
 }
+ZARN_FRONTERA(ORIGEN)
 
-ZARN_API zybool zarnxml_hay_datos(const zarnxml_nodo_t *xml) {
+ZARN_API zybool zarnxml_hay_datos(const zarnxml_nodo_t *xml) try {
     ZARN_ASSERT_NO_NULL(xml, ORIGEN);
     return zarn::zb(xml->etiqueta[0] != '\0');
 }
+ZARN_FRONTERA(ORIGEN)
 
-ZARN_API ArrPuntero zarnxml_nodos_hijos(const zarnxml_nodo_t *nodo) {
+ZARN_API ArrPuntero zarnxml_nodos_hijos(const zarnxml_nodo_t *nodo) try {
     ZARN_ASSERT_NO_NULL(nodo, ORIGEN);
     if (nodo->num_hijos == 0)
         return nullptr;
@@ -207,68 +209,81 @@ ZARN_API ArrPuntero zarnxml_nodos_hijos(const zarnxml_nodo_t *nodo) {
     }
     return array.get();
 }
+ZARN_FRONTERA(ORIGEN)
 
-ZARN_API uint32_t zarnxml_num_nodos_hijos(const zarnxml_nodo_t *nodo) {
+ZARN_API uint32_t zarnxml_num_nodos_hijos(const zarnxml_nodo_t *nodo) try {
     ZARN_ASSERT_NO_NULL(nodo, ORIGEN);
     return nodo->num_hijos;
 }
+ZARN_FRONTERA(ORIGEN)
 
-ZARN_API const zarnxml_nodo_t *zarnxml_nodo_hijo(const zarnxml_nodo_t *nodo, uint32_t ind) {
+ZARN_API const zarnxml_nodo_t *zarnxml_nodo_hijo(const zarnxml_nodo_t *nodo, uint32_t ind) try {
     ZARN_ASSERT_NO_NULL(nodo, ORIGEN);
     ZARN_ASSERT_TEXTO(ind < nodo->num_hijos, "ind < num_nodos_hijos", ORIGEN);
     return &nodo->hijos()[ind];
 }
+ZARN_FRONTERA(ORIGEN)
 
-ZARN_API uint32_t zarnxml_num_propiedades(const zarnxml_nodo_t *nodo) {
+ZARN_API uint32_t zarnxml_num_propiedades(const zarnxml_nodo_t *nodo) try {
     ZARN_ASSERT_NO_NULL(nodo, ORIGEN);
     return nodo->num_propiedades();
 }
+ZARN_FRONTERA(ORIGEN)
 
-ZARN_API const zarnxml_propiedad_t *zarnxml_propiedad(const zarnxml_nodo_t *nodo, uint32_t ind) {
+ZARN_API const zarnxml_propiedad_t *zarnxml_propiedad(const zarnxml_nodo_t *nodo,
+                                                      uint32_t ind) try {
     ZARN_ASSERT_NO_NULL(nodo, ORIGEN);
     ZARN_ASSERT_TEXTO(ind < nodo->num_propiedades(), "ind < num_propiedades", ORIGEN);
     return &nodo->propiedades[ind];
 }
+ZARN_FRONTERA(ORIGEN)
 
-ZARN_API zybool zarnxml_etiqueta_igual(const zarnxml_nodo_t *nodo, const char *etiqueta) {
+ZARN_API zybool zarnxml_etiqueta_igual(const zarnxml_nodo_t *nodo, const char *etiqueta) try {
     return zarn::zb(i_etiqueta_nodo_igual(nodo, etiqueta));
 }
+ZARN_FRONTERA(ORIGEN)
 
 ZARN_API zybool zarnxml_existe_nodo(const zarnxml_nodo_t *nodo, const char *etiqueta,
-                                    const zarnxml_nodo_t **nodo_hijo) {
+                                    const zarnxml_nodo_t **nodo_hijo) try {
     return zarn::zb(i_existe_nodo(nodo, etiqueta, nodo_hijo));
 }
+ZARN_FRONTERA(ORIGEN)
 
-ZARN_API const zarnxml_nodo_t *zarnxml_dame_nodo(const zarnxml_nodo_t *nodo, const char *etiqueta) {
+ZARN_API const zarnxml_nodo_t *zarnxml_dame_nodo(const zarnxml_nodo_t *nodo,
+                                                 const char *etiqueta) try {
     const zarnxml_nodo_t *hijo = nullptr;
     const bool existe = i_existe_hijo_unico(nodo, etiqueta, &hijo);
     ZARN_ASSERT_TEXTO(existe, "existe == CIERTO", ORIGEN);
     return hijo;
 }
+ZARN_FRONTERA(ORIGEN)
 
 ZARN_API zybool zarnxml_existen_nodos(const zarnxml_nodo_t *nodo, const char *etiqueta,
-                                      ArrPuntero *nodos_encontrados) {
+                                      ArrPuntero *nodos_encontrados) try {
     return zarn::zb(i_existen_nodos(nodo, etiqueta, nodos_encontrados));
 }
+ZARN_FRONTERA(ORIGEN)
 
 ZARN_API zybool zarnxml_existe_nodos_ex(const zarnxml_nodo_t *nodo, const char *etiqueta,
                                         const char *texto_propiedad, const char16_t *dato_propiedad,
-                                        ArrPuntero *nodos_encontrados) {
+                                        ArrPuntero *nodos_encontrados) try {
     return zarn::zb(
         i_existe_nodos_ex(nodo, etiqueta, texto_propiedad, dato_propiedad, nodos_encontrados));
 }
+ZARN_FRONTERA(ORIGEN)
 
 ZARN_API zybool zarnxml_existe_nodo_ex(const zarnxml_nodo_t *nodo, const char *etiqueta,
                                        const char *texto_propiedad, const char16_t *dato_propiedad,
-                                       uint32_t indice, const zarnxml_nodo_t **nodo_hijo) {
+                                       uint32_t indice, const zarnxml_nodo_t **nodo_hijo) try {
     return zarn::zb(
         i_existe_nodo_ex(nodo, etiqueta, texto_propiedad, dato_propiedad, indice, nodo_hijo));
 }
+ZARN_FRONTERA(ORIGEN)
 
 ZARN_API zybool zarnxml_existe_nodo_ruta_ex(const zarnxml_nodo_t *xml, ArrCADENA ruta,
                                             ArrCADENA textos_propiedades,
                                             ArrCADENA_u datos_propiedades, ArrULong indices,
-                                            const zarnxml_nodo_t **nodo_hijo) {
+                                            const zarnxml_nodo_t **nodo_hijo) try {
     ZARN_ASSERT_NO_NULL(xml, ORIGEN);
     const uint32_t num = i_arr_NumElemsCADENA(ruta);
     if (num == 0)
@@ -297,10 +312,11 @@ ZARN_API zybool zarnxml_existe_nodo_ruta_ex(const zarnxml_nodo_t *xml, ArrCADENA
         *nodo_hijo = nodo_padre;
     return CIERTO;
 }
+ZARN_FRONTERA(ORIGEN)
 
 ZARN_API zybool zarnxml_existen_nodos_recursivamente(const zarnxml_nodo_t *nodo,
                                                      const char *etiqueta,
-                                                     ArrPuntero *nodos_encontrados) {
+                                                     ArrPuntero *nodos_encontrados) try {
     ZARN_ASSERT_NO_NULL(nodo, ORIGEN);
     ZARN_ASSERT_NO_NULL(nodos_encontrados, ORIGEN);
     // The array is the caller's from the start, so that it stays reachable if the search ends
@@ -315,9 +331,10 @@ ZARN_API zybool zarnxml_existen_nodos_recursivamente(const zarnxml_nodo_t *nodo,
     i_arr_DestruyeEstructurasConstConTipo(nodos_encontrados);
     return FALSO;
 }
+ZARN_FRONTERA(ORIGEN)
 
 ZARN_API zybool zarnxml_existe_nodo_recursivamente(const zarnxml_nodo_t *nodo, const char *etiqueta,
-                                                   const zarnxml_nodo_t **nodo_hijo) {
+                                                   const zarnxml_nodo_t **nodo_hijo) try {
     ZARN_ASSERT_NO_NULL(nodo, ORIGEN);
     // The whole search runs, as the search for all does: its depth limit holds here too.
     const zarnxml_nodo_t *primero = nullptr;
@@ -331,28 +348,33 @@ ZARN_API zybool zarnxml_existe_nodo_recursivamente(const zarnxml_nodo_t *nodo, c
         *nodo_hijo = primero;
     return CIERTO;
 }
+ZARN_FRONTERA(ORIGEN)
 
 // ---- Through a sequential reader -------------------------------------------------------------
 
-ZARN_API zybool zarnxml_es_etiqueta_nodo_raiz(const zarnxml_lectura_t *xml, const char *etiqueta) {
+ZARN_API zybool zarnxml_es_etiqueta_nodo_raiz(const zarnxml_lectura_t *xml,
+                                              const char *etiqueta) try {
     ZARN_ASSERT_NO_NULL(xml, ORIGEN);
     return zarn::zb(i_etiqueta_nodo_igual(xml->xml_raiz, etiqueta));
 }
+ZARN_FRONTERA(ORIGEN)
 
 ZARN_API zybool zarnxml_existe_etiqueta_con_propiedad_cadena(const zarnxml_lectura_t *xml,
                                                              const char *etiqueta,
                                                              const char *texto_propiedad,
-                                                             CADENA *dato) {
+                                                             CADENA *dato) try {
     ZARN_ASSERT_NO_NULL(xml, ORIGEN);
     const zarnxml_nodo_t *hijo = nullptr;
     if (!i_existe_nodo(xml->nodo_actual, etiqueta, &hijo))
         return FALSO;
     return zarn::zb(i_existe_propiedad_cadena(hijo, texto_propiedad, dato));
 }
+ZARN_FRONTERA(ORIGEN)
 
-ZARN_API zybool zarnxml_existe_dato(const zarnxml_lectura_t *xml, const char *etiqueta) {
+ZARN_API zybool zarnxml_existe_dato(const zarnxml_lectura_t *xml, const char *etiqueta) try {
     ZARN_ASSERT_NO_NULL(xml, ORIGEN);
     return zarn::zb(i_existe_nodo(xml->nodo_actual, etiqueta, nullptr));
 }
+ZARN_FRONTERA(ORIGEN)
 
 } // extern "C"

@@ -112,14 +112,16 @@ extern "C" {
 
 ZARN_API zarnxml_nodo_t *zarnxml_crea_de_fichero_u(const char16_t *nombre_fichero,
                                                    const char *texto_true, const char *texto_false,
-                                                   zybool *hay_error, CADENA *mensaje_error) {
+                                                   zybool *hay_error, CADENA *mensaje_error) try {
     return i_crea_de_fichero_u(nombre_fichero, texto_true, texto_false, hay_error, mensaje_error);
 }
+ZARN_FRONTERA(ORIGEN)
 
 ZARN_API zarnxml_nodo_t *zarnxml_crea_de_lineas(ArrCADENA *lineas_xml, const char *texto_true,
                                                 const char *texto_false, zybool *hay_error,
-                                                CADENA *mensaje_error) {
+                                                CADENA *mensaje_error) try {
     return i_crea_de_lineas(lineas_xml, texto_true, texto_false, hay_error, mensaje_error, CIERTO);
 }
+ZARN_FRONTERA(ORIGEN)
 
 } // extern "C"

@@ -30,10 +30,10 @@ void *i_almacen::reserva(size_t tamanyo, size_t alineacion) {
     if (tamanyo > tamanyo_bloque_ / 4) {
         // A block of its own (new[] aligns for every fundamental type); the current block
         // stays in use.
-        bloques_.push_back(std::make_unique_for_overwrite<std::byte[]>(tamanyo ? tamanyo : 1));
+        bloques_.push_back(zarn::reserva_bloque(tamanyo));
         return bloques_.back().get();
     }
-    bloques_.push_back(std::make_unique_for_overwrite<std::byte[]>(tamanyo_bloque_));
+    bloques_.push_back(zarn::reserva_bloque(tamanyo_bloque_));
     pos_ = bloques_.back().get();
     fin_ = pos_ + tamanyo_bloque_;
     tamanyo_bloque_ = std::min(tamanyo_bloque_ * 2, TAMANYO_BLOQUE_MAXIMO);

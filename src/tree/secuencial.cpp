@@ -42,9 +42,12 @@ void desapila_nodo(zarnxml_lectura_t *xml) {
     xml->pila_nodos.pop_back();
 }
 
-// Leaves the node that an operation opened; the caller's function must have closed all else.
-void desapila_nodo_actual(zarnxml_lectura_t *xml, const zarnxml_nodo_t *nodo) {
-    ZARN_ASSERT(xml->nodo_actual == nodo, ORIGEN);
+// Leaves the node that an operation opened on a stack of `profundidad` nodes; the caller's
+// function must have closed all else. The depth tells a block that the function left open on the
+// very node it stood on (the same node, pushed twice) from a balanced one.
+void desapila_nodo_actual(zarnxml_lectura_t *xml, const zarnxml_nodo_t *nodo, size_t profundidad) {
+    ZARN_ASSERT_TEXTO(xml->nodo_actual == nodo && xml->pila_nodos.size() == profundidad + 1,
+                      "xml->nodo_actual == nodo", ORIGEN);
     desapila_nodo(xml);
 }
 
@@ -62,9 +65,10 @@ void *lee_item(zarnxml_lectura_t *xml, func_lee_xml func_item, func_lee_xml_1ext
 void *lee_item_en(zarnxml_lectura_t *xml, const zarnxml_nodo_t *nodo, func_lee_xml func_item,
                   func_lee_xml_1extra func_item_1extra, void *extra) {
     ZARN_ASSERT_NO_NULL(nodo, ORIGEN);
+    const size_t profundidad = xml->pila_nodos.size();
     apila_nodo(xml, nodo, FALSO);
     void *item = lee_item(xml, func_item, func_item_1extra, extra);
-    desapila_nodo_actual(xml, nodo);
+    desapila_nodo_actual(xml, nodo, profundidad);
     return item;
 }
 
@@ -145,11 +149,15 @@ ZARN_API zarnxml_lectura_t *zarnxml_crea_para_lectura_de_fichero_u(const char16_
                                                                    const char *texto_true,
                                                                    const char *texto_false,
                                                                    zybool *hay_error,
-                                                                   CADENA *mensaje_error) {
-    zarnxml_nodo_t *raiz =
-        i_crea_de_fichero_u(nombre_fichero, texto_true, texto_false, hay_error, mensaje_error);
-    return i_crea_lectura_de_arbol(&raiz);
+                                                                   CADENA *mensaje_error) try {
+    i_nodo_propio raiz(
+        i_crea_de_fichero_u(nombre_fichero, texto_true, texto_false, hay_error, mensaje_error));
+    zarnxml_nodo_t *arbol = raiz.get();
+    zarnxml_lectura_t *xml = i_crea_lectura_de_arbol(&arbol);
+    raiz.release(); // the reader's now
+    return xml;
 }
+ZARN_FRONTERA(ORIGEN)
 
 ZARN_API void zarnxml_destruye_xml_lectura(zarnxml_lectura_t **xml_lectura) {
     ZARN_ASSERT_NO_NULL(xml_lectura, ORIGEN);
@@ -161,7 +169,7 @@ ZARN_API void zarnxml_destruye_xml_lectura(zarnxml_lectura_t **xml_lectura) {
 
 // ---- Blocks ----------------------------------------------------------------------------------
 
-ZARN_API void zarnxml_lee_inicio_bloque(zarnxml_lectura_t *xml, const char *etiqueta) {
+ZARN_API void zarnxml_lee_inicio_bloque(zarnxml_lectura_t *xml, const char *etiqueta) try {
     ZARN_ASSERT_NO_NULL(xml, ORIGEN);
     const zarnxml_nodo_t *nodo = nullptr;
     if (!xml->nodo_actual)
@@ -172,81 +180,95 @@ ZARN_API void zarnxml_lee_inicio_bloque(zarnxml_lectura_t *xml, const char *etiq
         nodo = i_etiqueta_igual(xml->nodo_actual->etiqueta, etiqueta) ? xml->nodo_actual : nullptr;
     apila_nodo(xml, nodo ? nodo : xml->nodo_vacio, CIERTO);
 }
+ZARN_FRONTERA(ORIGEN)
 
-ZARN_API void zarnxml_lee_fin_bloque(zarnxml_lectura_t *xml) {
+ZARN_API void zarnxml_lee_fin_bloque(zarnxml_lectura_t *xml) try {
     desapila_nodo(xml);
 }
+ZARN_FRONTERA(ORIGEN)
 
 // ---- Field reads -----------------------------------------------------------------------------
 
-ZARN_API zybool zarnxml_lee_bool(zarnxml_lectura_t *xml, const char *etiqueta) {
+ZARN_API zybool zarnxml_lee_bool(zarnxml_lectura_t *xml, const char *etiqueta) try {
     const zarnxml_nodo_t *nodo = hijo(xml, etiqueta);
     return nodo ? i_get_dato_bool(nodo) : FALSO;
 }
+ZARN_FRONTERA(ORIGEN)
 
 ZARN_API zybool zarnxml_lee_bool_opcional(zarnxml_lectura_t *xml, const char *etiqueta,
-                                          zybool valor_defecto) {
+                                          zybool valor_defecto) try {
     const zarnxml_nodo_t *nodo = hijo(xml, etiqueta);
     return nodo ? i_get_dato_bool(nodo) : valor_defecto;
 }
+ZARN_FRONTERA(ORIGEN)
 
-ZARN_API int32_t zarnxml_lee_long(zarnxml_lectura_t *xml, const char *etiqueta) {
+ZARN_API int32_t zarnxml_lee_long(zarnxml_lectura_t *xml, const char *etiqueta) try {
     const zarnxml_nodo_t *nodo = hijo(xml, etiqueta);
     return nodo ? i_get_dato_long(nodo) : 0;
 }
+ZARN_FRONTERA(ORIGEN)
 
 ZARN_API int32_t zarnxml_lee_long_opcional(zarnxml_lectura_t *xml, const char *etiqueta,
-                                           int32_t valor_defecto) {
+                                           int32_t valor_defecto) try {
     const zarnxml_nodo_t *nodo = hijo(xml, etiqueta);
     return nodo ? i_get_dato_long(nodo) : valor_defecto;
 }
+ZARN_FRONTERA(ORIGEN)
 
-ZARN_API uint32_t zarnxml_lee_ulong(zarnxml_lectura_t *xml, const char *etiqueta) {
+ZARN_API uint32_t zarnxml_lee_ulong(zarnxml_lectura_t *xml, const char *etiqueta) try {
     const zarnxml_nodo_t *nodo = hijo(xml, etiqueta);
     return nodo ? i_get_dato_ulong(nodo) : 0;
 }
+ZARN_FRONTERA(ORIGEN)
 
 ZARN_API uint32_t zarnxml_lee_ulong_con_ulong_max_cero(zarnxml_lectura_t *xml,
-                                                       const char *etiqueta) {
+                                                       const char *etiqueta) try {
     const zarnxml_nodo_t *nodo = hijo(xml, etiqueta);
     const uint32_t v = nodo ? i_get_dato_ulong(nodo) : 0;
     return v == 0 ? 0xFFFFFFFFu : v - 1;
 }
+ZARN_FRONTERA(ORIGEN)
 
-ZARN_API double zarnxml_lee_double(zarnxml_lectura_t *xml, const char *etiqueta) {
+ZARN_API double zarnxml_lee_double(zarnxml_lectura_t *xml, const char *etiqueta) try {
     const zarnxml_nodo_t *nodo = hijo(xml, etiqueta);
     return nodo ? i_get_dato_double(nodo) : 0.0;
 }
+ZARN_FRONTERA(ORIGEN)
 
-ZARN_API CADENA zarnxml_lee_cadena(zarnxml_lectura_t *xml, const char *etiqueta) {
+ZARN_API CADENA zarnxml_lee_cadena(zarnxml_lectura_t *xml, const char *etiqueta) try {
     const zarnxml_nodo_t *nodo = hijo(xml, etiqueta);
     return nodo ? i_get_dato_cadena(nodo) : zarn::dup("");
 }
+ZARN_FRONTERA(ORIGEN)
 
-ZARN_API CADENA_u zarnxml_lee_cadena_u(zarnxml_lectura_t *xml, const char *etiqueta) {
+ZARN_API CADENA_u zarnxml_lee_cadena_u(zarnxml_lectura_t *xml, const char *etiqueta) try {
     const zarnxml_nodo_t *nodo = hijo(xml, etiqueta);
     return zarn::dup_u(nodo ? i_dato(nodo) : u"");
 }
+ZARN_FRONTERA(ORIGEN)
 
-ZARN_API zybool zarnxml_se_lee_double(zarnxml_lectura_t *xml, const char *etiqueta, double *valor) {
+ZARN_API zybool zarnxml_se_lee_double(zarnxml_lectura_t *xml, const char *etiqueta,
+                                      double *valor) try {
     const zarnxml_nodo_t *nodo = hijo(xml, etiqueta);
     if (nodo && valor)
         *valor = i_get_dato_double(nodo);
     return zarn::zb(nodo != nullptr);
 }
+ZARN_FRONTERA(ORIGEN)
 
 ZARN_API zybool zarnxml_se_lee_cadena_u(zarnxml_lectura_t *xml, const char *etiqueta,
-                                        CADENA_u *dato) {
+                                        CADENA_u *dato) try {
     const zarnxml_nodo_t *nodo = hijo(xml, etiqueta);
     if (dato)
         *dato = nodo ? zarn::dup_u(i_dato(nodo)) : nullptr;
     return zarn::zb(nodo != nullptr);
 }
+ZARN_FRONTERA(ORIGEN)
 
 // ---- Numbered arrays of doubles --------------------------------------------------------------
 
 ZARN_API ArrDouble zarnxml_lee_arr_double_numerados(zarnxml_lectura_t *xml, const char *etiqueta,
-                                                    int32_t tipo_numeracion_array) {
+                                                    int32_t tipo_numeracion_array) try {
     ZARN_ASSERT_NO_NULL(xml, ORIGEN);
     switch (tipo_numeracion_array) {
     case ZARNFXML_NUMERACION_ARRAY_NINGUNA: {
@@ -265,9 +287,10 @@ ZARN_API ArrDouble zarnxml_lee_arr_double_numerados(zarnxml_lectura_t *xml, cons
         const zarnxml_nodo_t *bloque = hijo(xml, etiqueta);
         if (!bloque)
             return i_arr_CreaDouble(0);
+        const size_t profundidad = xml->pila_nodos.size();
         apila_nodo(xml, bloque, CIERTO);
         ArrDouble valores = doubles_de_nodos(hijos(bloque, etiqueta).get());
-        desapila_nodo_actual(xml, bloque);
+        desapila_nodo_actual(xml, bloque, profundidad);
         return valores;
     }
     case ZARNFXML_NUMERACION_ARRAY_CAMPOS:
@@ -278,59 +301,66 @@ ZARN_API ArrDouble zarnxml_lee_arr_double_numerados(zarnxml_lectura_t *xml, cons
         ZARN_DEFAULT_ERROR(ORIGEN);
     }
 }
+ZARN_FRONTERA(ORIGEN)
 
 // ---- Structures on the reader ----------------------------------------------------------------
 
 ZARN_API void *zarnxml_nousar_lee_estructura(zarnxml_lectura_t *xml, const char *etiqueta,
                                              func_lee_xml func_item,
-                                             func_lee_xml_1extra func_item_1extra, void *extra) {
+                                             func_lee_xml_1extra func_item_1extra,
+                                             void *extra) try {
     const zarnxml_nodo_t *nodo = hijo(xml, etiqueta);
     return nodo ? lee_item_en(xml, nodo, func_item, func_item_1extra, extra) : nullptr;
 }
+ZARN_FRONTERA(ORIGEN)
 
 ZARN_API ArrPuntero zarnxml_nousar_lee_arr_punterosST(zarnxml_lectura_t *xml, const char *etiqueta,
                                                       func_lee_xml func_item,
                                                       func_lee_xml_1extra func_item_1extra,
-                                                      void *extra) {
+                                                      void *extra) try {
     return i_nousar_lee_arr_punterosST(xml, etiqueta, func_item, func_item_1extra, extra);
 }
+ZARN_FRONTERA(ORIGEN)
 
 ZARN_API ArrPuntero zarnxml_nousar_lee_arr_punterosST_ConPropiedadFija(
     zarnxml_lectura_t *xml, const char *etiqueta, const char *texto_propiedad,
-    const char16_t *dato_propiedad, func_lee_xml func_item) {
+    const char16_t *dato_propiedad, func_lee_xml func_item) try {
     return i_nousar_lee_arr_punterosST_ConPropiedadFija(xml, etiqueta, texto_propiedad,
                                                         dato_propiedad, func_item);
 }
+ZARN_FRONTERA(ORIGEN)
 
 ZARN_API ArrPuntero zarnxml_nousar_lee_arr_punterosST_ConPropiedadFija_Ex(
     zarnxml_lectura_t *xml, const char *etiqueta, zybool con_propiedad_fija,
     const char *etiqueta_propiedad_fija, const char *texto_propiedad,
-    const char16_t *dato_propiedad, func_lee_xml func_item) {
+    const char16_t *dato_propiedad, func_lee_xml func_item) try {
     if (con_propiedad_fija)
         return i_nousar_lee_arr_punterosST_ConPropiedadFija(
             xml, etiqueta_propiedad_fija, texto_propiedad, dato_propiedad, func_item);
     return i_nousar_lee_arr_punterosST(xml, etiqueta, func_item, nullptr, nullptr);
 }
+ZARN_FRONTERA(ORIGEN)
 
 // ---- Structures from a node ------------------------------------------------------------------
 
 ZARN_API void *zarnxml_nousar_lee_dato_estructura(const zarnxml_nodo_t *nodo, const char *etiqueta,
-                                                  func_lee_nodo_xml func) {
+                                                  func_lee_nodo_xml func) try {
     ZARN_ASSERT_NO_NULL(func, ORIGEN);
     const zarnxml_nodo_t *nodo_hijo = nullptr;
     return i_existe_nodo(nodo, etiqueta, &nodo_hijo) ? func(nodo_hijo) : nullptr;
 }
+ZARN_FRONTERA(ORIGEN)
 
 ZARN_API ArrPuntero zarnxml_nousar_lee_dato_array_estructura(const zarnxml_nodo_t *nodo,
                                                              const char *etiqueta,
-                                                             func_lee_nodo_xml func) {
+                                                             func_lee_nodo_xml func) try {
     ZARN_ASSERT_NO_NULL(func, ORIGEN);
     return lee_nodos(hijos(nodo, etiqueta).get(), func);
 }
+ZARN_FRONTERA(ORIGEN)
 
-ZARN_API ArrPuntero zarnxml_nousar_lee_dato_array_estructura_como_lista(const zarnxml_nodo_t *nodo,
-                                                                        const char *etiqueta,
-                                                                        func_lee_nodo_xml func) {
+ZARN_API ArrPuntero zarnxml_nousar_lee_dato_array_estructura_como_lista(
+    const zarnxml_nodo_t *nodo, const char *etiqueta, func_lee_nodo_xml func) try {
     ZARN_ASSERT_NO_NULL(func, ORIGEN);
     const zarnxml_nodo_t *bloque = nullptr;
     const zarnxml_nodo_t *lista = nullptr;
@@ -338,5 +368,6 @@ ZARN_API ArrPuntero zarnxml_nousar_lee_dato_array_estructura_como_lista(const za
         return i_arr_CreaPunteroConTipo(0);
     return lee_nodos(hijos(lista, "item").get(), func);
 }
+ZARN_FRONTERA(ORIGEN)
 
 } // extern "C"
