@@ -3,6 +3,7 @@
 #include "soporte.hpp"
 
 #include <zarnxml/zarnbase.h>
+#include <zarnxml/zarnmem.h>
 #include <zarnxml/zarnstr.h>
 
 #include <cmath>
@@ -78,6 +79,30 @@ TEST(Cadenas, Predicates) {
     EXPECT_EQ(cad_es_subcadena("abc", "C"), FALSO);
     EXPECT_EQ(widestr_nousar_es_subcadena(u"año", u"ño", O, 1), CIERTO);
     EXPECT_EQ(widestr_nousar_longitud(u"a\U0001F600", O, 1), 3u);
+    EXPECT_EQ(cad_longitud_cadena("a\xC3\xB1"), 3u);
+    EXPECT_EQ(std::pair(cad_es_cadena_vacia(""), cad_es_cadena_vacia(" ")),
+              std::pair(CIERTO, FALSO));
+    EXPECT_EQ(widestr_nousar_es_cadena_vacia(u"x", O, 1), FALSO);
+    EXPECT_EQ(toma(creacadena(8)), "");
+}
+
+// Heap blocks handed over: the variable that gave one up is cleared; an optional copy of null
+// is null.
+TEST(Cadenas, BloquesDeMemoria) {
+    void *p = zarnspy_nousar_calloc(2, 4);
+    EXPECT_EQ(static_cast<int *>(p)[1], 0);
+    void *q = zarnspy_nousar_asigna_doble_puntero(&p);
+    EXPECT_EQ(zarnspy_nousar_asigna_doble_puntero(&p), nullptr);
+    p = zarnspy_nousar_asigna_doble_puntero_no_null(&q);
+    const auto copia = [](const void *s) -> void * {
+        return zarn::dup(static_cast<const char *>(s));
+    };
+    EXPECT_EQ(zarnspy_nousar_copia_puntero_opcional(nullptr, copia), nullptr);
+    void *c = zarnspy_nousar_copia_puntero_opcional("ab", copia);
+    EXPECT_STREQ(static_cast<char *>(c), "ab");
+    zarnspy_nousar_free_pp(&c, 3), zarnspy_nousar_free_pp(&p, 8),
+        zarnspy_nousar_free_pp(nullptr, 0);
+    EXPECT_EQ(std::vector<void *>({p, q, c}), std::vector<void *>(3, nullptr));
 }
 
 TEST(Cadenas, TokensSkipRunsAndEnds) {
