@@ -332,13 +332,13 @@ TEST(Navegacion, OperacionesSueltas) {
              return numeros(X(intptr_t{zarnfxml_se_lee_inicio_bloque_desconocido(r, nullptr)}));
          },
          "0 @0:0:r"},
-        {"<a>1</a><q k='1'><p>2</p></q>",
+        {"<a><b>1</b></a><q k='1'><p>2</p></q>",
          [](zarnfxml_t *r) {
              uint32_t nivel = 9;
              zarnfxml_salta_hasta_etiqueta_y_lee_inicio_bloque(r, "q", &nivel);
              return std::to_string(nivel);
          },
-         "1 @0:1:q{k=1}"},
+         "2 @0:1:q{k=1}"},
         {"<z/>",
          [](zarnfxml_t *r) {
              return zarnfxml_lee_campos_bloque_conocido(r, 0, nullptr, nullptr), "";
