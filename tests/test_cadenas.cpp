@@ -35,11 +35,14 @@ TEST(Cadenas, ReplaceAllInOnePass) {
     cad_reemplaza_todas_cadenas(&s, "&amp;", "");
     EXPECT_STREQ(s, "abc");
     cad_reemplaza_todas_cadenas(&s, "", "x"); // empty pattern: nothing to replace
+    cad_reemplaza_todas_cadenas(&s, "z", "x");
     EXPECT_STREQ(s, "abc");
+    EXPECT_EQ(zarn::reemplaza_todas(std::string_view("ab"), "", "x"), "ab");
     zarnstr_destruye(&s);
 
     CADENA_u w = widestr_nousar_copia(u"<ñ<", O, __LINE__);
     widestr_nousar_reemplaza_todas_cadenas(&w, u"<", u"&lt;", O, __LINE__);
+    widestr_nousar_reemplaza_todas_cadenas(&w, u"z", u"x", O, __LINE__);
     EXPECT_EQ(std::u16string(w), u"&lt;ñ&lt;");
     widestr_nousar_destruye(&w, O, __LINE__);
     EXPECT_EQ(w, nullptr);
@@ -49,10 +52,11 @@ TEST(Cadenas, ConcatenateInsertSubstitute) {
     CADENA s = nullptr;
     cad_concatena(&s, "ab"); // null counts as empty
     cad_concatena(&s, s);    // the text appended to itself
+    cad_concatena(&s, "c");
     zarnstr_inserta_al_principio(&s, "<");
-    EXPECT_STREQ(s, "<abab");
+    EXPECT_STREQ(s, "<ababc");
     zarnstr_sustituye(&s, s + 1);
-    EXPECT_STREQ(s, "abab");
+    EXPECT_STREQ(s, "ababc");
     CADENA c = s;
     zarnstr_copia_si_no_null(&c, nullptr);
     EXPECT_EQ(c, nullptr);
@@ -65,7 +69,8 @@ TEST(Cadenas, ConcatenateInsertSubstitute) {
     CADENA_u w = nullptr;
     widestr_nousar_cad_concatena(&w, u"xy", O, __LINE__);
     widestr_nousar_cad_concatena(&w, w + 1, O, __LINE__);
-    EXPECT_EQ(std::u16string(w), u"xyy");
+    widestr_nousar_cad_concatena(&w, u"z", O, __LINE__);
+    EXPECT_EQ(std::u16string(w), u"xyyz");
     widestr_nousar_destruye_opcional(&w, O, __LINE__);
     widestr_nousar_destruye_opcional(&w, O, __LINE__);
     EXPECT_EQ(widestr_nousar_copia_opcional(nullptr, O, __LINE__), nullptr);
@@ -187,6 +192,7 @@ TEST(Cadenas, NumberTexts) {
     EXPECT_EQ(numero(std::nan(""), 18, 6, CIERTO), "NaN");
     EXPECT_EQ(numero(HUGE_VAL, 18, 6, CIERTO), "inf");
     EXPECT_EQ(numero(-HUGE_VAL, 18, 6, FALSO), "-inf");
+    EXPECT_EQ(numero(0.5, 2000, 1101, FALSO), "0.5" + std::string(1100, '0')); // 1100 at most
 }
 
 TEST(Cadenas, NumbersFromTextPrefixes) {
@@ -198,6 +204,9 @@ TEST(Cadenas, NumbersFromTextPrefixes) {
     EXPECT_EQ(cad_atof(("1" + std::string(400, '0') + "x").c_str()), HUGE_VAL);
     EXPECT_EQ(cad_atof(("0." + std::string(400, '0') + "1").c_str()), 0.0);
     EXPECT_EQ(cad_atof("0.0001e-999"), 0.0);
+    EXPECT_EQ(cad_atof("\f\v\r 00012e+400"), HUGE_VAL);
+    EXPECT_EQ(cad_atof(("-1" + std::string(400, '0') + ".5E-1").c_str()), -HUGE_VAL);
+    EXPECT_EQ(cad_atof("+"), 0.0);
     EXPECT_EQ(widestr_nousar_atof(u"2,5", O, 1), 2.0);
     EXPECT_EQ(widestr_nousar_atof(u" 1.5€", O, 1), 1.5);
     EXPECT_EQ(widestr_nousar_atol(u"  42px", O, 1), 42);
@@ -209,6 +218,7 @@ TEST(Cadenas, NumbersFromTextPrefixes) {
     EXPECT_EQ(widestr_nousar_atoi64(u"-9223372036854775809", O, 1),
               std::numeric_limits<int64_t>::min());
     EXPECT_EQ(widestr_nousar_atoi64(u"x1", O, 1), 0);
+    EXPECT_EQ(widestr_nousar_atoi64(u"+-1", O, 1), 0);
 }
 
 TEST(Cadenas, PreconditionsNameTheirCondition) {

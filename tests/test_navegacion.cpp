@@ -314,11 +314,16 @@ TEST(Navegacion, OperacionesSueltas) {
         {"<q><p>1</p></q><z/>", salta("q"), " @3:1:/q"},
         {"<z/>", salta("q"), " @0:0:r"},
         {"<u>42</u>",
-         [](zarnfxml_t *r) { return numeros(X(uintptr_t{zarnfxml_lee_ulong_opcional(r, "u")})); },
+         [](zarnfxml_t *r) { return std::to_string(zarnfxml_lee_ulong_opcional(r, "u")); },
          "42 @1:1:u='42'"},
         {"<z/>",
-         [](zarnfxml_t *r) { return numeros(X(uintptr_t{zarnfxml_lee_ulong_opcional(r, "u")})); },
-         "0 @0:0:r"},
+         [](zarnfxml_t *r) {
+             return std::to_string(zarnfxml_lee_ulong_opcional(r, "u")) + " " +
+                    std::to_string(zarnfxml_lee_long_opcional(r, "u", -1)) + " " +
+                    std::to_string(zarnfxml_lee_bool_opcional(r, "u")) + " " +
+                    std::to_string(zarnfxml_lee_double_opcional(r, "u"));
+         },
+         "0 -1 0 0.000000 @0:0:r"},
         {"<c>uno\ndos</c>",
          [](zarnfxml_t *r) {
              std::string t;

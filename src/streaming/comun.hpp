@@ -55,15 +55,10 @@ struct zarnfxml_s {
 };
 
 // Property records (owned by the lists that hold them).
-zarnfxml_propiedad_t *i_crea_propiedad(CADENA *texto_propiedad, CADENA_u *dato_propiedad);
 zarnfxml_propiedad_t *i_crea_propiedad(std::string_view texto, std::u16string_view dato);
-zarnfxml_propiedad_t *i_copia_propiedad(const zarnfxml_propiedad_t *propiedad);
 void i_destruye_propiedad(zarnfxml_propiedad_t **propiedad);
-bool i_es_propiedad(const zarnfxml_propiedad_t *propiedad, const char *texto);
-// Adapters for the generic array operations.
-void *i_copia_propiedad_void(const void *propiedad);
+// The adapter for the generic array operations.
 void i_destruye_propiedad_void(void **propiedad);
-zybool i_es_propiedad_void(const void *propiedad, const void *texto);
 
 // How an array goes into lines (see zarnfxml.h).
 enum i_tipo_numeracion_array_t : int32_t {
