@@ -251,6 +251,9 @@ std::string numeros(ArrPuntero a) {
     return r;
 }
 
+// A structure reader over the <p> children, with its item reader and extras.
+#define LEE(lector, ...) [&](zarnfxml_t *r) { return numeros(lector(r, "p", __VA_ARGS__)); }
+
 // One operation over the children of <r>: its answer, then the record where the cursor stands.
 TEST(Navegacion, OperacionesSueltas) {
     using X = void *;
@@ -264,52 +267,25 @@ TEST(Navegacion, OperacionesSueltas) {
         F operacion;
         const char *esperado;
     } casos[] = {
-        {"<p>1</p><p>2</p><z/>",
-         [&](zarnfxml_t *r) {
-             return numeros(zarnfxml_nousar_lee_arr_punterosST_2extra(r, "p", item<X, X>, m, m));
-         },
+        {"<p>1</p><p>2</p><z/>", LEE(zarnfxml_nousar_lee_arr_punterosST_2extra, item<X, X>, m, m),
          "1,2, @1:1:p='2'"},
-        {"<p>3</p>",
-         [&](zarnfxml_t *r) {
-             return numeros(
-                 zarnfxml_nousar_lee_arr_punterosST_3extra(r, "p", item<X, X, X>, m, m, m));
-         },
+        {"<p>3</p>", LEE(zarnfxml_nousar_lee_arr_punterosST_3extra, item<X, X, X>, m, m, m),
          "3, @1:1:p='3'"},
-        {"<p>4</p>",
-         [&](zarnfxml_t *r) {
-             return numeros(
-                 zarnfxml_nousar_lee_arr_punterosST_4extra(r, "p", item<X, X, X, X>, m, m, m, m));
-         },
+        {"<p>4</p>", LEE(zarnfxml_nousar_lee_arr_punterosST_4extra, item<X, X, X, X>, m, m, m, m),
          "4, @1:1:p='4'"},
         {"<p>5</p>",
-         [&](zarnfxml_t *r) {
-             return numeros(zarnfxml_nousar_lee_arr_punterosST_5extra(r, "p", item<X, X, X, X, X>,
-                                                                      m, m, m, m, m));
-         },
+         LEE(zarnfxml_nousar_lee_arr_punterosST_5extra, item<X, X, X, X, X>, m, m, m, m, m),
          "5, @1:1:p='5'"},
         {"<p>6</p>",
-         [&](zarnfxml_t *r) {
-             return numeros(zarnfxml_nousar_lee_arr_punterosST_6extra(
-                 r, "p", item<X, X, X, X, X, X>, m, m, m, m, m, m));
-         },
+         LEE(zarnfxml_nousar_lee_arr_punterosST_6extra, item<X, X, X, X, X, X>, m, m, m, m, m, m),
          "6, @1:1:p='6'"},
         {"<p>7</p>",
-         [&](zarnfxml_t *r) {
-             return numeros(zarnfxml_nousar_lee_estructura_opcional_4extra(r, "p", item<X, X, X, X>,
-                                                                           m, m, m, m));
-         },
+         LEE(zarnfxml_nousar_lee_estructura_opcional_4extra, item<X, X, X, X>, m, m, m, m),
          "7 @1:1:p='7'"},
-        {"<z/>",
-         [&](zarnfxml_t *r) {
-             return numeros(zarnfxml_nousar_lee_estructura_opcional_4extra(r, "p", item<X, X, X, X>,
-                                                                           m, m, m, m));
-         },
+        {"<z/>", LEE(zarnfxml_nousar_lee_estructura_opcional_4extra, item<X, X, X, X>, m, m, m, m),
          "0 @0:0:r"},
         {"<p>8</p>",
-         [&](zarnfxml_t *r) {
-             return numeros(zarnfxml_nousar_lee_estructura_opcional_5extra(
-                 r, "p", item<X, X, X, X, X>, m, m, m, m, m));
-         },
+         LEE(zarnfxml_nousar_lee_estructura_opcional_5extra, item<X, X, X, X, X>, m, m, m, m, m),
          "8 @1:1:p='8'"},
         {"<q><p>1</p></q><z/>", salta("q"), " @3:1:/q"},
         {"<z/>", salta("q"), " @0:0:r"},
@@ -357,5 +333,6 @@ TEST(Navegacion, OperacionesSueltas) {
         EXPECT_EQ(respuesta + " @" + r.registro(), c.esperado) << c.documento;
     }
 }
+#undef LEE
 
 } // namespace
