@@ -130,6 +130,7 @@ TEST(Cadenas, CaseFoldingAsciiAndLatin1Letters) {
     EXPECT_FALSE(iguales(u"ab", u"abc"));
     EXPECT_EQ(widestr_nousar_cadenas_iguales(u"a", u"A", O, 1), FALSO);
     EXPECT_EQ(widestr_nousar_es_subcadena_may_o_min(u"El ÁRBOL", u"árbol", O, 1), CIERTO);
+    EXPECT_EQ(widestr_nousar_es_subcadena_may_o_min(u"", u"", O, 1), CIERTO);
 
     // 8-bit text compares as the characters it decodes to, UTF-8 or Windows-1252.
     EXPECT_EQ(cad_cadenas_iguales_may_o_min("\xC3\x81RBOL", "\xC3\xA1rbol"), CIERTO);
