@@ -8,6 +8,7 @@ BUILD_TEST ?= build/test
 BUILD_BENCH?= build/bench
 BUILD_TSAN ?= build/tsan
 BUILD_FUZZ ?= build/fuzz
+BUILD_COV  ?= build/coverage
 FUZZ_SECONDS ?= 60
 FUZZ_RUNS  ?= 1000
 # make bench: measured runs per case, and the document sizes in MB (small, main, big).
@@ -18,6 +19,7 @@ BASE_PKGS  := cmake g++ make pkg-config
 TEST_PKGS  := libgtest-dev
 BENCH_PKGS := libbenchmark-dev libexpat1-dev libxml2-dev libpugixml-dev libtinyxml2-dev
 FUZZ_PKGS  := clang libclang-rt-14-dev
+COV_PKGS   := gcovr
 
 # Installs the named Debian packages that are missing, or says which to install.
 define need
@@ -34,7 +36,7 @@ endef
 # cmake --build runs make inside make: no "Entering directory" lines.
 MAKEFLAGS += --no-print-directory
 
-.PHONY: all build test demo bench fuzz fuzz-build fuzz-smoke tsan install clean deps
+.PHONY: all build test coverage demo bench fuzz fuzz-build fuzz-smoke tsan install clean deps
 
 all: build
 
@@ -50,6 +52,23 @@ test:
 	cmake --build $(BUILD_TEST) -j$(JOBS)
 	cd $(BUILD_TEST) && ASAN_OPTIONS=detect_leaks=1 UBSAN_OPTIONS=print_stacktrace=1:halt_on_error=1 \
 	  ctest --output-on-failure -j$(JOBS)
+
+# Debug build with gcov instrumentation, the tests of make test, then line and branch coverage
+# of src/ and tools/: a table here, an HTML report in $(BUILD_COV)/html/, and the public
+# functions that no test runs.
+coverage:
+	$(call need,$(BASE_PKGS) $(TEST_PKGS) $(COV_PKGS))
+	cmake -S . -B $(BUILD_COV) -DCMAKE_BUILD_TYPE=Debug -DZARNXML_COVERAGE=ON -DZARNXML_TESTS=ON
+	cmake --build $(BUILD_COV) -j$(JOBS)
+	find $(BUILD_COV) -name '*.gcda' -delete
+	cd $(BUILD_COV) && ctest --output-on-failure -j$(JOBS)
+	@mkdir -p $(BUILD_COV)/html
+	gcovr -r . --object-directory $(BUILD_COV) -f src/ -f tools/ -j$(JOBS) \
+	  --exclude-throw-branches --exclude-unreachable-branches \
+	  --json $(BUILD_COV)/cobertura.json --html-details $(BUILD_COV)/html/index.html
+	@python3 tools/cobertura.py $(BUILD_COV)/cobertura.json include/zarnxml
+	@echo "Branches that only an exception takes, and those the compiler marks unreachable, are left out."
+	@echo "HTML report: $(BUILD_COV)/html/index.html"
 
 # The build's own lines go to a log and show only when it fails, so that the demo speaks alone.
 demo:

@@ -166,6 +166,10 @@ TEST(ArbolBusqueda, ATravesDeUnLectorSecuencial) {
     EXPECT_FALSE(zarnxml_es_etiqueta_nodo_raiz(&lector, "c"));
     EXPECT_TRUE(zarnxml_existe_dato(&lector, "d"));
     EXPECT_FALSE(zarnxml_existe_dato(&lector, "e"));
+    EXPECT_EQ(zarnxml_lee_bool_opcional(&lector, "e", CIERTO), CIERTO);
+    EXPECT_EQ(zarnxml_lee_ulong(&lector, "e"), 0u);
+    EXPECT_TRUE(zarnxml_se_lee_double(&lector, "d", nullptr));
+    EXPECT_TRUE(zarnxml_se_lee_cadena_u(&lector, "d", nullptr));
     CADENA dato = nullptr;
     EXPECT_TRUE(zarnxml_existe_etiqueta_con_propiedad_cadena(&lector, "C", "K", &dato));
     EXPECT_STREQ(dato, "Pe\xc3\xb1"

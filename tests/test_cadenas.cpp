@@ -3,6 +3,7 @@
 #include "soporte.hpp"
 
 #include <zarnxml/zarnbase.h>
+#include <zarnxml/zarnmem.h>
 #include <zarnxml/zarnstr.h>
 
 #include <cmath>
@@ -34,11 +35,14 @@ TEST(Cadenas, ReplaceAllInOnePass) {
     cad_reemplaza_todas_cadenas(&s, "&amp;", "");
     EXPECT_STREQ(s, "abc");
     cad_reemplaza_todas_cadenas(&s, "", "x"); // empty pattern: nothing to replace
+    cad_reemplaza_todas_cadenas(&s, "z", "x");
     EXPECT_STREQ(s, "abc");
+    EXPECT_EQ(zarn::reemplaza_todas(std::string_view("ab"), "", "x"), "ab");
     zarnstr_destruye(&s);
 
     CADENA_u w = widestr_nousar_copia(u"<ñ<", O, __LINE__);
     widestr_nousar_reemplaza_todas_cadenas(&w, u"<", u"&lt;", O, __LINE__);
+    widestr_nousar_reemplaza_todas_cadenas(&w, u"z", u"x", O, __LINE__);
     EXPECT_EQ(std::u16string(w), u"&lt;ñ&lt;");
     widestr_nousar_destruye(&w, O, __LINE__);
     EXPECT_EQ(w, nullptr);
@@ -48,10 +52,11 @@ TEST(Cadenas, ConcatenateInsertSubstitute) {
     CADENA s = nullptr;
     cad_concatena(&s, "ab"); // null counts as empty
     cad_concatena(&s, s);    // the text appended to itself
+    cad_concatena(&s, "c");
     zarnstr_inserta_al_principio(&s, "<");
-    EXPECT_STREQ(s, "<abab");
+    EXPECT_STREQ(s, "<ababc");
     zarnstr_sustituye(&s, s + 1);
-    EXPECT_STREQ(s, "abab");
+    EXPECT_STREQ(s, "ababc");
     CADENA c = s;
     zarnstr_copia_si_no_null(&c, nullptr);
     EXPECT_EQ(c, nullptr);
@@ -64,7 +69,8 @@ TEST(Cadenas, ConcatenateInsertSubstitute) {
     CADENA_u w = nullptr;
     widestr_nousar_cad_concatena(&w, u"xy", O, __LINE__);
     widestr_nousar_cad_concatena(&w, w + 1, O, __LINE__);
-    EXPECT_EQ(std::u16string(w), u"xyy");
+    widestr_nousar_cad_concatena(&w, u"z", O, __LINE__);
+    EXPECT_EQ(std::u16string(w), u"xyyz");
     widestr_nousar_destruye_opcional(&w, O, __LINE__);
     widestr_nousar_destruye_opcional(&w, O, __LINE__);
     EXPECT_EQ(widestr_nousar_copia_opcional(nullptr, O, __LINE__), nullptr);
@@ -78,6 +84,30 @@ TEST(Cadenas, Predicates) {
     EXPECT_EQ(cad_es_subcadena("abc", "C"), FALSO);
     EXPECT_EQ(widestr_nousar_es_subcadena(u"año", u"ño", O, 1), CIERTO);
     EXPECT_EQ(widestr_nousar_longitud(u"a\U0001F600", O, 1), 3u);
+    EXPECT_EQ(cad_longitud_cadena("a\xC3\xB1"), 3u);
+    EXPECT_EQ(std::pair(cad_es_cadena_vacia(""), cad_es_cadena_vacia(" ")),
+              std::pair(CIERTO, FALSO));
+    EXPECT_EQ(widestr_nousar_es_cadena_vacia(u"x", O, 1), FALSO);
+    EXPECT_EQ(toma(creacadena(8)), "");
+}
+
+// Heap blocks handed over: the variable that gave one up is cleared; an optional copy of null
+// is null.
+TEST(Cadenas, BloquesDeMemoria) {
+    void *p = zarnspy_nousar_calloc(2, 4);
+    EXPECT_EQ(static_cast<int *>(p)[1], 0);
+    void *q = zarnspy_nousar_asigna_doble_puntero(&p);
+    EXPECT_EQ(zarnspy_nousar_asigna_doble_puntero(&p), nullptr);
+    p = zarnspy_nousar_asigna_doble_puntero_no_null(&q);
+    const auto copia = [](const void *s) -> void * {
+        return zarn::dup(static_cast<const char *>(s));
+    };
+    EXPECT_EQ(zarnspy_nousar_copia_puntero_opcional(nullptr, copia), nullptr);
+    void *c = zarnspy_nousar_copia_puntero_opcional("ab", copia);
+    EXPECT_STREQ(static_cast<char *>(c), "ab");
+    zarnspy_nousar_free_pp(&c, 3), zarnspy_nousar_free_pp(&p, 8),
+        zarnspy_nousar_free_pp(nullptr, 0);
+    EXPECT_EQ(std::vector<void *>({p, q, c}), std::vector<void *>(3, nullptr));
 }
 
 TEST(Cadenas, TokensSkipRunsAndEnds) {
@@ -100,6 +130,7 @@ TEST(Cadenas, CaseFoldingAsciiAndLatin1Letters) {
     EXPECT_FALSE(iguales(u"ab", u"abc"));
     EXPECT_EQ(widestr_nousar_cadenas_iguales(u"a", u"A", O, 1), FALSO);
     EXPECT_EQ(widestr_nousar_es_subcadena_may_o_min(u"El ÁRBOL", u"árbol", O, 1), CIERTO);
+    EXPECT_EQ(widestr_nousar_es_subcadena_may_o_min(u"", u"", O, 1), CIERTO);
 
     // 8-bit text compares as the characters it decodes to, UTF-8 or Windows-1252.
     EXPECT_EQ(cad_cadenas_iguales_may_o_min("\xC3\x81RBOL", "\xC3\xA1rbol"), CIERTO);
@@ -162,6 +193,7 @@ TEST(Cadenas, NumberTexts) {
     EXPECT_EQ(numero(std::nan(""), 18, 6, CIERTO), "NaN");
     EXPECT_EQ(numero(HUGE_VAL, 18, 6, CIERTO), "inf");
     EXPECT_EQ(numero(-HUGE_VAL, 18, 6, FALSO), "-inf");
+    EXPECT_EQ(numero(0.5, 2000, 1101, FALSO), "0.5" + std::string(1100, '0')); // 1100 at most
 }
 
 TEST(Cadenas, NumbersFromTextPrefixes) {
@@ -173,6 +205,9 @@ TEST(Cadenas, NumbersFromTextPrefixes) {
     EXPECT_EQ(cad_atof(("1" + std::string(400, '0') + "x").c_str()), HUGE_VAL);
     EXPECT_EQ(cad_atof(("0." + std::string(400, '0') + "1").c_str()), 0.0);
     EXPECT_EQ(cad_atof("0.0001e-999"), 0.0);
+    EXPECT_EQ(cad_atof("\f\v\r 00012e+400"), HUGE_VAL);
+    EXPECT_EQ(cad_atof(("-1" + std::string(400, '0') + ".5E-1").c_str()), -HUGE_VAL);
+    EXPECT_EQ(cad_atof("+"), 0.0);
     EXPECT_EQ(widestr_nousar_atof(u"2,5", O, 1), 2.0);
     EXPECT_EQ(widestr_nousar_atof(u" 1.5€", O, 1), 1.5);
     EXPECT_EQ(widestr_nousar_atol(u"  42px", O, 1), 42);
@@ -184,6 +219,7 @@ TEST(Cadenas, NumbersFromTextPrefixes) {
     EXPECT_EQ(widestr_nousar_atoi64(u"-9223372036854775809", O, 1),
               std::numeric_limits<int64_t>::min());
     EXPECT_EQ(widestr_nousar_atoi64(u"x1", O, 1), 0);
+    EXPECT_EQ(widestr_nousar_atoi64(u"+-1", O, 1), 0);
 }
 
 TEST(Cadenas, PreconditionsNameTheirCondition) {

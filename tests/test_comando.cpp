@@ -46,6 +46,8 @@ struct Comando : ::testing::Test {
         escribe_fichero(dir / "mal.xml", "<a>\n\t<b>1</b>\n</x>\n");
         escribe_fichero(dir / "corto.xml", "<a>\n");
         escribe_fichero(dir / "doctype.xml", "<!DOCTYPE x [ ]>\n<x/>\n");
+        escribe_fichero(dir / "raro.xml", "<a p=\"x\ty\"><b>t\\u\tv\nw</b><c/></a>\n");
+        escribe_fichero(dir / "vacio.xml", "<!-- only a comment -->\n");
     }
 };
 

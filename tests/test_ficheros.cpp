@@ -126,6 +126,13 @@ TEST(Fichero, FallosConLaRutaEnUtf8) {
         falla("/dev/full", escrito, [&](R) { lc_fclose_al_final(&f); });
         EXPECT_EQ(f, nullptr);
     }
+    if (fs::exists("/proc/self/mem")) { // it opens, and its first page does not read
+        zarnio_fichero_t *f = f_lc_fopen_u(u"/proc/self/mem", u"rb", "test", 1);
+        char b[8];
+        f_lc_fread_sin_error(b, 8, 0, f); // nothing asked, nothing read
+        falla("/proc/self/mem", abierto, [&](R) { f_lc_fread_sin_error(b, 1, sizeof b, f); });
+        lc_fclose(&f);
+    }
     arr_DestruyeCADENA(&a);
 }
 

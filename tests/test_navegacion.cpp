@@ -4,6 +4,7 @@
 #include "lector_soporte.hpp"
 
 #include <cstdlib>
+#include <functional>
 #include <sstream>
 
 namespace {
@@ -233,5 +234,105 @@ TEST(Navegacion, DondeDifierenLosDosCaminos) {
     for (const auto &c : casos)
         EXPECT_EQ(caminos(c.lineas, c.k), std::pair(c.por_lineas, c.ordinario)) << c.lineas[1];
 }
+
+// Items of the structure readers: the number in <p>, or -1 when an extra is not the marker.
+int marca;
+template <typename... E> void *item(E... extras, zarnfxml_t *r) {
+    const bool bien = ((extras == static_cast<void *>(&marca)) && ...);
+    return reinterpret_cast<void *>(intptr_t{bien ? zarnfxml_lee_long(r, "p") : -1});
+}
+std::string numeros(void *p) {
+    return std::to_string(reinterpret_cast<intptr_t>(p));
+}
+std::string numeros(ArrPuntero a) {
+    std::string r;
+    for (void *p : elementos(a))
+        r += numeros(p) + ",";
+    return r;
+}
+
+// A structure reader over the <p> children, with its item reader and extras.
+#define LEE(lector, ...) [&](zarnfxml_t *r) { return numeros(lector(r, "p", __VA_ARGS__)); }
+
+// One operation over the children of <r>: its answer, then the record where the cursor stands.
+TEST(Navegacion, OperacionesSueltas) {
+    using X = void *;
+    X m = &marca;
+    using F = std::function<std::string(zarnfxml_t *)>;
+    const auto salta = [](const char *e) -> F {
+        return [e](zarnfxml_t *r) { return zarnfxml_salta_etiqueta_si_existe(r, e), ""; };
+    };
+    const struct {
+        const char *documento;
+        F operacion;
+        const char *esperado;
+    } casos[] = {
+        {"<p>1</p><p>2</p><z/>", LEE(zarnfxml_nousar_lee_arr_punterosST_2extra, item<X, X>, m, m),
+         "1,2, @1:1:p='2'"},
+        {"<p>3</p>", LEE(zarnfxml_nousar_lee_arr_punterosST_3extra, item<X, X, X>, m, m, m),
+         "3, @1:1:p='3'"},
+        {"<p>4</p>", LEE(zarnfxml_nousar_lee_arr_punterosST_4extra, item<X, X, X, X>, m, m, m, m),
+         "4, @1:1:p='4'"},
+        {"<p>5</p>",
+         LEE(zarnfxml_nousar_lee_arr_punterosST_5extra, item<X, X, X, X, X>, m, m, m, m, m),
+         "5, @1:1:p='5'"},
+        {"<p>6</p>",
+         LEE(zarnfxml_nousar_lee_arr_punterosST_6extra, item<X, X, X, X, X, X>, m, m, m, m, m, m),
+         "6, @1:1:p='6'"},
+        {"<p>7</p>",
+         LEE(zarnfxml_nousar_lee_estructura_opcional_4extra, item<X, X, X, X>, m, m, m, m),
+         "7 @1:1:p='7'"},
+        {"<z/>", LEE(zarnfxml_nousar_lee_estructura_opcional_4extra, item<X, X, X, X>, m, m, m, m),
+         "0 @0:0:r"},
+        {"<p>8</p>",
+         LEE(zarnfxml_nousar_lee_estructura_opcional_5extra, item<X, X, X, X, X>, m, m, m, m, m),
+         "8 @1:1:p='8'"},
+        {"<q><p>1</p></q><z/>", salta("q"), " @3:1:/q"},
+        {"<z/>", salta("q"), " @0:0:r"},
+        {"<u>42</u>",
+         [](zarnfxml_t *r) { return std::to_string(zarnfxml_lee_ulong_opcional(r, "u")); },
+         "42 @1:1:u='42'"},
+        {"<z/>",
+         [](zarnfxml_t *r) {
+             return std::to_string(zarnfxml_lee_ulong_opcional(r, "u")) + " " +
+                    std::to_string(zarnfxml_lee_long_opcional(r, "u", -1)) + " " +
+                    std::to_string(zarnfxml_lee_bool_opcional(r, "u")) + " " +
+                    std::to_string(zarnfxml_lee_double_opcional(r, "u"));
+         },
+         "0 -1 0 0.000000 @0:0:r"},
+        {"<c>uno\ndos</c>",
+         [](zarnfxml_t *r) {
+             std::string t;
+             for (const std::u16string &s : elementos(zarnfxml_lee_arr_cadena_u(r, "c")))
+                 t += utf8(s) + ",";
+             return t;
+         },
+         "uno,dos, @1:1:c='uno\ndos'"},
+        {"",
+         [](zarnfxml_t *r) {
+             return numeros(X(intptr_t{zarnfxml_se_lee_inicio_bloque_desconocido(r, nullptr)}));
+         },
+         "0 @0:0:r"},
+        {"<a><b>1</b></a><q k='1'><p>2</p></q>",
+         [](zarnfxml_t *r) {
+             uint32_t nivel = 9;
+             zarnfxml_salta_hasta_etiqueta_y_lee_inicio_bloque(r, "q", &nivel);
+             return std::to_string(nivel);
+         },
+         "2 @0:1:q{k=1}"},
+        {"<z/>",
+         [](zarnfxml_t *r) {
+             return zarnfxml_lee_campos_bloque_conocido(r, 0, nullptr, nullptr), "";
+         },
+         " @0:0:r"},
+    };
+    for (const auto &c : casos) {
+        Lector r({std::string("<r>") + c.documento + "</r>"});
+        zarnfxml_lee_inicio_bloque(r, "r");
+        const std::string respuesta = c.operacion(r);
+        EXPECT_EQ(respuesta + " @" + r.registro(), c.esperado) << c.documento;
+    }
+}
+#undef LEE
 
 } // namespace

@@ -59,16 +59,6 @@ void i_actualiza_tipo_codificacion(int32_t tipo, const char16_t *nombre,
 
 // ---- Property records ------------------------------------------------------------------------
 
-zarnfxml_propiedad_t *i_crea_propiedad(CADENA *texto_propiedad, CADENA_u *dato_propiedad) {
-    auto *p =
-        static_cast<zarnfxml_propiedad_t *>(i_zarnspy_nousar_malloc(sizeof(zarnfxml_propiedad_t)));
-    p->texto_propiedad = static_cast<CADENA>(
-        i_zarnspy_nousar_asigna_doble_puntero_no_null(reinterpret_cast<void **>(texto_propiedad)));
-    p->dato_propiedad = static_cast<CADENA_u>(
-        i_zarnspy_nousar_asigna_doble_puntero_no_null(reinterpret_cast<void **>(dato_propiedad)));
-    return p;
-}
-
 zarnfxml_propiedad_t *i_crea_propiedad(std::string_view texto, std::u16string_view dato) {
     i_propiedad_propia p(
         static_cast<zarnfxml_propiedad_t *>(i_zarnspy_nousar_malloc(sizeof(zarnfxml_propiedad_t))));
@@ -84,12 +74,6 @@ void i_anade_propiedad(ArrPuntero propiedades, zarnfxml_propiedad_t *propiedad) 
     propia.release();
 }
 
-zarnfxml_propiedad_t *i_copia_propiedad(const zarnfxml_propiedad_t *propiedad) {
-    ZARN_ASSERT_NO_NULL(propiedad, ORIGEN_STREAMING);
-    return i_crea_propiedad(zarn::vista(propiedad->texto_propiedad),
-                            zarn::vista(propiedad->dato_propiedad));
-}
-
 void i_destruye_propiedad(zarnfxml_propiedad_t **propiedad) {
     ZARN_ASSERT_NO_NULL(propiedad, ORIGEN_STREAMING);
     ZARN_ASSERT_NO_NULL(*propiedad, ORIGEN_STREAMING);
@@ -99,20 +83,6 @@ void i_destruye_propiedad(zarnfxml_propiedad_t **propiedad) {
     *propiedad = nullptr;
 }
 
-bool i_es_propiedad(const zarnfxml_propiedad_t *propiedad, const char *texto) {
-    ZARN_ASSERT_NO_NULL(propiedad, ORIGEN_STREAMING);
-    return zarn::iguales_may_o_min(zarn::vista(propiedad->texto_propiedad), zarn::vista(texto));
-}
-
-void *i_copia_propiedad_void(const void *propiedad) {
-    return i_copia_propiedad(static_cast<const zarnfxml_propiedad_t *>(propiedad));
-}
-
 void i_destruye_propiedad_void(void **propiedad) {
     i_destruye_propiedad(reinterpret_cast<zarnfxml_propiedad_t **>(propiedad));
-}
-
-zybool i_es_propiedad_void(const void *propiedad, const void *texto) {
-    return i_es_propiedad(static_cast<const zarnfxml_propiedad_t *>(propiedad),
-                          static_cast<const char *>(texto));
 }

@@ -55,9 +55,7 @@ struct zarnfxml_s {
 };
 
 // Property records (owned by the lists that hold them).
-zarnfxml_propiedad_t *i_crea_propiedad(CADENA *texto_propiedad, CADENA_u *dato_propiedad);
 zarnfxml_propiedad_t *i_crea_propiedad(std::string_view texto, std::u16string_view dato);
-zarnfxml_propiedad_t *i_copia_propiedad(const zarnfxml_propiedad_t *propiedad);
 void i_destruye_propiedad(zarnfxml_propiedad_t **propiedad);
 struct i_libera_propiedad {
     void operator()(zarnfxml_propiedad_t *p) const { i_destruye_propiedad(&p); }
@@ -65,11 +63,8 @@ struct i_libera_propiedad {
 using i_propiedad_propia = std::unique_ptr<zarnfxml_propiedad_t, i_libera_propiedad>;
 // Appends a new record to a list, which owns it from then on; freed if the list cannot grow.
 void i_anade_propiedad(ArrPuntero propiedades, zarnfxml_propiedad_t *propiedad);
-bool i_es_propiedad(const zarnfxml_propiedad_t *propiedad, const char *texto);
-// Adapters for the generic array operations.
-void *i_copia_propiedad_void(const void *propiedad);
+// The adapter for the generic array operations.
 void i_destruye_propiedad_void(void **propiedad);
-zybool i_es_propiedad_void(const void *propiedad, const void *texto);
 
 // How an array goes into lines (see zarnfxml.h).
 enum i_tipo_numeracion_array_t : int32_t {
