@@ -118,10 +118,7 @@ TEST(Fuente, DecodificaConLasTresEntidadesSoloFueraDeIso) {
 
 // The pieces of a text (lines split at '\n'), joined by " | ".
 static std::string trozos(const std::string &texto, bool literal = false) {
-    std::vector<std::string> lineas;
-    for (size_t i = 0, j; i <= texto.size(); i = j + 1)
-        lineas.push_back(texto.substr(i, (j = std::min(texto.find('\n', i), texto.size())) - i));
-    Lineas l(lineas);
+    Lineas l(lineas_de(texto));
     std::string r;
     for (const std::string &p :
          piezas_de(i_crea_para_lectura_de_lineas(l.a, literal ? CIERTO : FALSO).get()))
