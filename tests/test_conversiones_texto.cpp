@@ -3,6 +3,7 @@
 
 #include <zarnxml/zarnbase.h>
 #include <zarnxml/zarnfxml.h>
+#include <zarnxml/zarnmath.h>
 #include <zarnxml/zarnstr.h>
 
 #include <charconv>
@@ -39,6 +40,14 @@ const std::map<std::string, std::string (*)(Args)> CONVERSIONES = {
      [](Args a) { return std::to_string(widestr_nousar_atol(u(a[1]).c_str(), "test", 1)); }},
     {"widestr_nousar_atoi64",
      [](Args a) { return std::to_string(widestr_nousar_atoi64(u(a[1]).c_str(), "test", 1)); }},
+    {"cambtipo_double",
+     [](Args a) {
+         const double v = std::stod(a[1]);
+         return std::to_string(cambtipo_double_a_long(v)) + " " +
+                std::to_string(cambtipo_se_puede_double_a_long(v)) + " " +
+                std::to_string(cambtipo_double_a_ulong(v)) + " " +
+                std::to_string(cambtipo_se_puede_double_a_ulong(v));
+     }},
     {"convers_texto_ex",
      [](Args a) {
          return zarn::utf16_a_utf8(toma(convers_texto_ex(
