@@ -1,13 +1,9 @@
-// Fuzz target: the two checks and the tree builder take any bytes and answer, and every lookup
-// and accessor answers over whatever tree was built. The input is one document. The checks
-// answer alike from the input's lines, from the lines that zarnfxml_lee_lineas_fichero reads back
-// and from the file, with a message "Ln n, Col n..." on no. The tree is loaded from lines (data
-// taken literally) and from a file (data normalised): a bad document gives the check's own
-// message and a blank root, and the tree walk is held to the same tree; a good one gives a tree
-// whose every node answers the questions of the tree's interface with tags of its own children,
-// a few bytes of the input, and the names of its properties, each asked only where the interface
-// allows it (a tag that stands twice among the children is read only with the functions made for
-// repeats).
+// Fuzz target: the checks and the tree builder take one document of any bytes and answer. The
+// checks answer alike from the input's lines, from the file and its lines, with a message "Ln n,
+// Col n..." on no. The tree from lines (data literal) and from the file (data normalised) is
+// blank with the check's own message, or matches the walk and answers every question of its
+// interface with tags of its own children, a few bytes of the input and its property names, each
+// asked only where allowed (a tag that stands twice is read only with the functions for repeats).
 #include "fuzz_comun.hpp"
 
 #include <algorithm>
