@@ -190,13 +190,9 @@ private:
             break;
         }
         case 4:
-            numero(Clase::Long);
-            break;
         case 5:
-            numero(Clase::ULong);
-            break;
         case 6:
-            numero(Clase::Double);
+            numero(op % 9 == 4 ? Clase::Long : op % 9 == 5 ? Clase::ULong : Clase::Double);
             break;
         case 7:
             if (op & 0x80) {
