@@ -49,11 +49,6 @@ struct Elemento {
     std::string bytes;
 };
 
-std::string utf8(std::u16string_view w) {
-    fuzz::Cadena c(unicode_convierte_UNICODE_a_UTF8(std::u16string(w).c_str()));
-    return std::string(c.vista());
-}
-
 class Escritura {
 public:
     Escritura(fuzz::Entrada &e, const Perfil &p, zarnfxml_t *w) : e_(e), p_(p), w_(w) {}
@@ -149,10 +144,11 @@ private:
                         const bool b = e_.byte() & 1;
                         zarnfxml_append_propiedad_bool(w_, nombre.c_str(), b ? CIERTO : FALSO,
                                                        lista);
-                        el.propiedades.emplace_back(nombre, fuzz_u16(b ? p_.verdad : p_.falso));
+                        el.propiedades.emplace_back(nombre,
+                                                    zarn::utf8_a_utf16(b ? p_.verdad : p_.falso));
                     } else {
                         zarnfxml_append_propiedad(lista, nombre.c_str(), v.c_str());
-                        el.propiedades.emplace_back(nombre, fuzz_u16(v));
+                        el.propiedades.emplace_back(nombre, zarn::utf8_a_utf16(v));
                     }
                 }
                 zarnfxml_graba_inicio_bloque_con_propiedades(w_, el.etiqueta.c_str(), &lista);
@@ -168,7 +164,7 @@ private:
             const std::string v = "x" + texto8(op & 0x80);
             Elemento &el = nuevo(etiqueta(), Clase::Texto);
             zarnfxml_graba_cadena(w_, el.etiqueta.c_str(), v.c_str());
-            el.dato = fuzz_u16(v);
+            el.dato = zarn::utf8_a_utf16(v);
             el.plano = (op & 0x80) && es_plano(el.dato);
             break;
         }
@@ -220,12 +216,6 @@ private:
         }
     }
 
-    // An 8-bit text as the library widens it.
-    static std::u16string fuzz_u16(const std::string &s) {
-        fuzz::CadenaU c(unicode_convierte_ANSI_a_UNICODE(s.c_str()));
-        return std::u16string(c.vista());
-    }
-
     fuzz::Entrada &e_;
     const Perfil &p_;
     zarnfxml_t *w_;
@@ -275,7 +265,7 @@ public:
         if (el.clase == Clase::Texto) {
             if (el.plano && d != el.dato)
                 falla("%s: the text of <%s> \"%s\" comes back as \"%s\"", donde_, t,
-                      utf8(el.dato).c_str(), utf8(d).c_str());
+                      zarn::utf16_a_utf8(el.dato).c_str(), zarn::utf16_a_utf8(d).c_str());
             return;
         }
         const double v = el.clase == Clase::Long    ? zarnxml_get_dato_long(n)
@@ -306,7 +296,7 @@ void lee_estricto(zarnfxml_t *r, const std::vector<Elemento> &els, size_t i,
         zarnfxml_lee_inicio_bloque(r, t);
         for (uint32_t j = 0; j < el.propiedades.size(); ++j) {
             fuzz::Cadena v(zarnfxml_get_indice_propiedad_inicio_bloque(r, j));
-            if (v.vista() != utf8(el.propiedades[j].second))
+            if (v.vista() != zarn::utf16_a_utf8(el.propiedades[j].second))
                 falla("strict: property %u of <%s> differs", j, t);
         }
         for (const size_t h : el.hijos)
