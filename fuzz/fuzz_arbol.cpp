@@ -316,14 +316,6 @@ void recorre(Nodo *raiz, const std::string &de_entrada, const std::u16string &se
     }
 }
 
-// The blank root of a bad or empty document.
-void comprueba_en_blanco(Nodo *raiz) {
-    if (zarnxml_hay_datos(raiz) || *zarnxml_get_etiqueta(raiz) != '\0' ||
-        zarnxml_num_nodos_hijos(raiz) != 0 || zarnxml_num_propiedades(raiz) != 0 ||
-        zarnxml_get_dato_cadena_u(raiz) != nullptr)
-        falla("a bad document left a root that is not blank");
-}
-
 // The check's answer, "ok" or its message, after the promises that every answer keeps; over
 // lines, the answer without a place for the message is the same.
 template <typename Fuente>
@@ -372,13 +364,6 @@ void comprueba_de_tres_formas(std::string_view texto, const char16_t *ruta) {
                       r ? r : "(null)");
         }
     }
-}
-
-// A tag from the input: up to 8 of its first bytes, up to a zero byte.
-std::string etiqueta_de_entrada(std::string_view texto) {
-    std::string t(texto.substr(0, 8));
-    t.resize(std::min(t.size(), t.find('\0')));
-    return t;
 }
 
 // ---- The tree walk ------------------------------------------------------------------------
@@ -491,9 +476,11 @@ void prueba_arbol(zarnxml_nodo_t *raiz, zybool hay_error, CADENA m, const std::s
           arbol.find(": More than one root element (") != std::string::npos))
         falla("%s: the tree says \"%s\", the check \"%s\"", que, arbol.c_str(),
               comprobacion.c_str());
-    if (hay_error)
-        comprueba_en_blanco(raiz);
-    else if (describe_arbol(raiz, es_fichero) != r.texto)
+    if (hay_error && (zarnxml_hay_datos(raiz) || *zarnxml_get_etiqueta(raiz) != '\0' ||
+                      zarnxml_num_nodos_hijos(raiz) != 0 || zarnxml_num_propiedades(raiz) != 0 ||
+                      zarnxml_get_dato_cadena_u(raiz) != nullptr))
+        falla("%s: a bad document left a root that is not blank", que);
+    else if (!hay_error && describe_arbol(raiz, es_fichero) != r.texto)
         falla("%s: the walk differs from the tree", que);
     recorre(raiz, de_entrada, separadores);
     zarnxml_destruye(&raiz);
@@ -505,7 +492,8 @@ void prueba_arbol(zarnxml_nodo_t *raiz, zybool hay_error, CADENA m, const std::s
 
 extern "C" int LLVMFuzzerTestOneInput(const uint8_t *datos, size_t tamanyo) {
     const std::string_view texto(reinterpret_cast<const char *>(datos), tamanyo);
-    const std::string de_entrada = etiqueta_de_entrada(texto);
+    // A tag from the input: up to 8 of its first bytes, up to a zero byte.
+    const std::string de_entrada(texto.substr(0, std::min<size_t>(8, texto.find('\0'))));
     std::u16string separadores = u" ,";
     if (tamanyo > 0 && datos[0] != 0)
         separadores.push_back(datos[0]);
