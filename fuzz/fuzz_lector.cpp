@@ -46,18 +46,21 @@ void *lee_elemento_1extra(void *extra, zarnfxml_t *xml) {
     return lee_elemento(xml);
 }
 
-class Programa {
-public:
-    Programa(zarnfxml_t *xml, std::string_view codigo, const std::vector<std::string> &etiquetas,
-             const std::vector<std::string> &propiedades)
-        : xml_(xml), codigo_(codigo), etiquetas_(etiquetas), propiedades_(propiedades) {}
+// The caller's program over a reader, with the tags and property names to choose from.
+struct Programa {
+    zarnfxml_t *xml_;
+    std::string_view codigo_;
+    const std::vector<std::string> &etiquetas_;
+    const std::vector<std::string> &propiedades_;
+    size_t pos_ = 0;
+    std::vector<uint32_t> niveles_;
+    uint8_t variante_ = 0; // three bits beside the operation
 
     void ejecuta() {
         while (pos_ < codigo_.size())
             paso(byte());
     }
 
-private:
     uint8_t byte() { return pos_ < codigo_.size() ? static_cast<uint8_t>(codigo_[pos_++]) : 0; }
 
     // A tag of the document: with the high bit of the argument the first that comes next (the
@@ -260,14 +263,6 @@ private:
         variante_ = op >> 5;
         PASOS[op % 32](*this);
     }
-
-    zarnfxml_t *xml_;
-    std::string_view codigo_;
-    size_t pos_ = 0;
-    const std::vector<std::string> &etiquetas_;
-    const std::vector<std::string> &propiedades_;
-    std::vector<uint32_t> niveles_;
-    uint8_t variante_ = 0; // three bits beside the operation
 };
 
 // The tags that a generic pass over the document meets, in order, each once.
@@ -342,7 +337,7 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t *datos, size_t tamanyo) {
 
     Lector lector{crea()};
     try {
-        Programa(lector.xml, codigo, etiquetas, propiedades).ejecuta();
+        Programa{lector.xml, codigo, etiquetas, propiedades, 0, {}, 0}.ejecuta();
     } catch (const fuzz::ErrorInterno &e) {
         if (e.condicion.empty())
             falla("an internal error without a condition");
