@@ -14,7 +14,7 @@ cd "$(dirname "$0")/.."
 build=${1:?build directory}
 segundos=${2:?seconds}
 runs=${3:-}
-objetivos=${FUZZ_TARGETS:-fuzz_comprobacion fuzz_arbol fuzz_lector fuzz_ida_y_vuelta}
+objetivos=${FUZZ_TARGETS:-fuzz_arbol fuzz_lector fuzz_ida_y_vuelta}
 
 # The short run repeats itself only with the addresses fixed (the depth of the stack is one of
 # libFuzzer's features) and with the same environment; where that cannot be had it runs as is.

@@ -1,15 +1,14 @@
-// Fuzz target: the tree builder takes any bytes and answers with a tree or a message, and every
-// lookup and accessor answers over whatever tree it built. The tree walk is held to the same
-// tree. The input is one document, loaded
-// from lines (data taken literally) and from a file (data normalised). A bad document gives the
-// check's own message and a blank root; a good one gives a tree whose every node answers the
-// questions of the tree's interface with tags of its own children, a few bytes of the input, and
-// the names of its properties, each asked only where the interface allows it (a tag that stands
-// twice among the children is read only with the functions made for repeats).
+// Fuzz target: the checks and the tree builder take one document of any bytes and answer. The
+// checks answer alike from the input's lines, from the file and its lines, with a message "Ln n,
+// Col n..." on no. The tree from lines (data literal) and from the file (data normalised) is
+// blank with the check's own message, or matches the walk and answers every question of its
+// interface with tags of its own children, a few bytes of the input and its property names, each
+// asked only where allowed (a tag that stands twice is read only with the functions for repeats).
 #include "fuzz_comun.hpp"
 
 #include <algorithm>
 #include <string>
+#include <type_traits>
 #include <vector>
 
 namespace {
@@ -87,6 +86,20 @@ void lee_hijo_unico(Nodo *n, const char *t, Nodo *hijo) {
     libera(zarnxml_get_dato_hijo_fichmem(n, t));
 }
 
+// A zarnxml_existe_dato_hijo_* read of the child t: it answers whether the child exists (a bool
+// read may also answer FALSO for a child that is no truth text); what it hands out is freed.
+template <typename T>
+void existe_dato(zybool (*f)(Nodo *, const char *, T *), Nodo *n, const char *t, bool existe) {
+    T v{};
+    const zybool r = f(n, t, &v);
+    if (r != (existe ? CIERTO : FALSO) && !(std::is_same_v<T, zybool> && r == FALSO))
+        falla("zarnxml_existe_dato_hijo_* answers %u for a child that %s", r,
+              existe ? "exists" : "is missing");
+    if constexpr (std::is_same_v<T, ArrDouble> || std::is_same_v<T, ArrULong>)
+        if (v)
+            libera(v);
+}
+
 // The reads for a child that may be missing: etiqueta stands at most once.
 void lee_hijo_opcional(Nodo *n, const char *t, bool existe) {
     Nodo *hijo = nullptr;
@@ -94,35 +107,18 @@ void lee_hijo_opcional(Nodo *n, const char *t, bool existe) {
         falla("zarnxml_existe_nodo disagrees with zarnxml_existen_nodos");
     if (existe)
         lee_hijo_unico(n, t, hijo);
-    const auto comprueba = [&](zybool r, const char *que) {
-        if (r != (existe ? CIERTO : FALSO) && !(std::string_view(que) == "bool" && r == FALSO))
-            falla("zarnxml_existe_dato_hijo_%s answers %u for a child that %s", que, r,
-                  existe ? "exists" : "is missing");
-    };
-    const char16_t *c = nullptr;
-    int32_t l = 0;
-    uint32_t ul = 0;
-    uint16_t us = 0;
-    double d = 0;
-    int64_t f = 0;
-    zybool b = 0;
-    ArrDouble ad = nullptr;
-    ArrULong au = nullptr;
-    comprueba(zarnxml_existe_dato_hijo_cadena(n, t, &c), "cadena");
-    comprueba(zarnxml_existe_dato_hijo_long(n, t, &l), "long");
-    comprueba(zarnxml_existe_dato_hijo_ulong(n, t, &ul), "ulong");
-    comprueba(zarnxml_existe_dato_hijo_ushort(n, t, &us), "ushort");
-    comprueba(zarnxml_existe_dato_hijo_double(n, t, &d), "double");
-    comprueba(zarnxml_existe_dato_hijo_fecha(n, t, &f), "fecha");
-    comprueba(zarnxml_existe_dato_hijo_bool(n, t, &b), "bool");
-    comprueba(zarnxml_existe_dato_hijo_ArrDouble(n, t, &ad), "ArrDouble");
-    comprueba(zarnxml_existe_dato_hijo_ArrULong(n, t, &au), "ArrULong");
-    if (ad)
-        libera(ad);
-    if (au)
-        libera(au);
-    comprueba(zarnxml_existe_dato_hijo_long(n, t, nullptr), "long");
-    comprueba(zarnxml_existe_dato_hijo_ArrDouble(n, t, nullptr), "ArrDouble");
+    existe_dato(zarnxml_existe_dato_hijo_cadena, n, t, existe);
+    existe_dato(zarnxml_existe_dato_hijo_long, n, t, existe);
+    existe_dato(zarnxml_existe_dato_hijo_ulong, n, t, existe);
+    existe_dato(zarnxml_existe_dato_hijo_ushort, n, t, existe);
+    existe_dato(zarnxml_existe_dato_hijo_double, n, t, existe);
+    existe_dato(zarnxml_existe_dato_hijo_fecha, n, t, existe);
+    existe_dato(zarnxml_existe_dato_hijo_bool, n, t, existe);
+    existe_dato(zarnxml_existe_dato_hijo_ArrDouble, n, t, existe);
+    existe_dato(zarnxml_existe_dato_hijo_ArrULong, n, t, existe);
+    if (zarnxml_existe_dato_hijo_long(n, t, nullptr) != (existe ? CIERTO : FALSO) ||
+        zarnxml_existe_dato_hijo_ArrDouble(n, t, nullptr) != (existe ? CIERTO : FALSO))
+        falla("zarnxml_existe_dato_hijo_* answers otherwise without an output");
     (void)zarnxml_get_dato_hijo_long_opcional(n, t, -7);
     (void)zarnxml_get_dato_hijo_ulong_opcional(n, t, 7);
     (void)zarnxml_get_dato_hijo_fecha_opcional(n, t, -7);
@@ -320,43 +316,54 @@ void recorre(Nodo *raiz, const std::string &de_entrada, const std::u16string &se
     }
 }
 
-// The blank root of a bad or empty document.
-void comprueba_en_blanco(Nodo *raiz) {
-    if (zarnxml_hay_datos(raiz) || *zarnxml_get_etiqueta(raiz) != '\0' ||
-        zarnxml_num_nodos_hijos(raiz) != 0 || zarnxml_num_propiedades(raiz) != 0 ||
-        zarnxml_get_dato_cadena_u(raiz) != nullptr)
-        falla("a bad document left a root that is not blank");
+// The check's answer, "ok" or its message, after the promises that every answer keeps; over
+// lines, the answer without a place for the message is the same.
+template <typename Fuente>
+std::string respuesta(zybool (*comprueba)(Fuente, const char *, CADENA *, zybool), Fuente f,
+                      const char *raiz, zybool literal) {
+    CADENA m = nullptr;
+    const zybool correcto = comprueba(f, raiz, &m, literal);
+    fuzz::Cadena mensaje(m);
+    if (correcto != CIERTO && correcto != FALSO)
+        falla("check: the answer is %u", correcto);
+    if (correcto ? m != nullptr : !fuzz::es_mensaje_de_comprobacion(m))
+        falla("check: the answer %u with the message \"%s\"", correcto, m ? m : "(null)");
+    if constexpr (std::is_same_v<Fuente, ArrCADENA>)
+        if (comprueba(f, raiz, nullptr, literal) != correcto)
+            falla("check: another answer without a message");
+    return correcto ? "ok" : m;
 }
 
-// The tree's answer against the check's: the same fault with the same message, or the one
-// fault that only the tree sees.
-void compara_con_comprobacion(zybool hay_error, CADENA mensaje, zybool correcto,
-                              const fuzz::Cadena &mensaje_comprobacion, const char *que) {
-    if (hay_error != CIERTO && hay_error != FALSO)
-        falla("%s: hay_error is %u", que, hay_error);
-    if (!hay_error) {
-        if (mensaje)
-            falla("%s: a message \"%s\" without an error", que, mensaje);
-        if (!correcto)
-            falla("%s: the check refuses the document (\"%s\"), the tree does not", que,
-                  mensaje_comprobacion.p);
-        return;
+constexpr std::string_view FIN_NOMBRE(" \t\r\n=</?>\"'\0", 12);
+
+// The same bytes get the same answer whichever way they come in, with both readings of data,
+// with no root asked for and with the name of the first start tag as the root. A UTF-16 file
+// comes as other bytes than the input's own lines.
+void comprueba_de_tres_formas(std::string_view texto, const char16_t *ruta) {
+    const size_t menor = texto.find('<');
+    const std::string raiz =
+        menor == std::string_view::npos
+            ? "raiz"
+            : std::string(
+                  texto.substr(menor + 1, texto.find_first_of(FIN_NOMBRE, menor + 1) - menor - 1));
+    fuzz::Lineas propias(fuzz::lineas_de(texto)), leidas(zarnfxml_lee_lineas_fichero(ruta));
+    const bool ancho = texto.starts_with("\xFF\xFE") || texto.starts_with("\xFE\xFF");
+    for (const zybool literal : {FALSO, CIERTO}) {
+        for (const char *r : {static_cast<const char *>(nullptr), raiz.c_str()}) {
+            const std::string de_fichero =
+                respuesta(zarnfxml_es_fichero_xml_correcto, ruta, r, literal);
+            const std::string de_leidas =
+                respuesta(zarnfxml_es_lineas_xml_correcto, leidas.p, r, literal);
+            const std::string de_propias =
+                ancho ? de_leidas
+                      : respuesta(zarnfxml_es_lineas_xml_correcto, propias.p, r, literal);
+            if (de_fichero != de_leidas || de_propias != de_leidas)
+                falla("check: the file says \"%s\", its lines \"%s\", the input's lines \"%s\" "
+                      "(literal %u, root %s)",
+                      de_fichero.c_str(), de_leidas.c_str(), de_propias.c_str(), literal,
+                      r ? r : "(null)");
+        }
     }
-    if (!fuzz::es_mensaje_de_comprobacion(mensaje))
-        falla("%s: the message \"%s\" is not of the form \"Ln n, Col n\"", que,
-              mensaje ? mensaje : "(null)");
-    if (!correcto && mensaje_comprobacion.vista() != mensaje)
-        falla("%s: the tree says \"%s\", the check \"%s\"", que, mensaje, mensaje_comprobacion.p);
-    if (correcto &&
-        std::string_view(mensaje).find(": More than one root element (") == std::string_view::npos)
-        falla("%s: the check takes the document, the tree says \"%s\"", que, mensaje);
-}
-
-// A tag from the input: up to 8 of its first bytes, up to a zero byte.
-std::string etiqueta_de_entrada(std::string_view texto) {
-    std::string t(texto.substr(0, 8));
-    t.resize(std::min(t.size(), t.find('\0')));
-    return t;
 }
 
 // ---- The tree walk ------------------------------------------------------------------------
@@ -451,19 +458,29 @@ std::string describe_arbol(Nodo *raiz, bool con_profundidad) {
     return s;
 }
 
-// One form's tree against the check's answer (the message m) and against the walk over the same
-// input; then every question over it, and the tree destroyed.
-void prueba_arbol(zarnxml_nodo_t *raiz, zybool hay_error, CADENA mensaje, zybool correcto, CADENA m,
+// One form's tree against the check's answer (the same fault with the same message, or the one
+// fault that only the tree sees) and against the walk over the same input; then every question
+// over it, and the tree destroyed.
+void prueba_arbol(zarnxml_nodo_t *raiz, zybool hay_error, CADENA m, const std::string &comprobacion,
                   const Recorrido &r, bool es_fichero, const std::string &de_entrada,
                   const std::u16string &separadores) {
     const char *que = es_fichero ? "file" : "lines";
-    fuzz::Cadena propio(mensaje), mensaje_comprobacion(m);
+    fuzz::Cadena mensaje(m);
+    const std::string arbol = hay_error == FALSO && !m   ? "ok"
+                              : hay_error == CIERTO && m ? m
+                                                         : "hay_error " + std::to_string(hay_error);
     if (!raiz)
         falla("%s: no root", que);
-    compara_con_comprobacion(hay_error, mensaje, correcto, mensaje_comprobacion, que);
-    if (hay_error)
-        comprueba_en_blanco(raiz);
-    else if (correcto && describe_arbol(raiz, es_fichero) != r.texto)
+    if (arbol != comprobacion &&
+        !(comprobacion == "ok" && fuzz::es_mensaje_de_comprobacion(m) &&
+          arbol.find(": More than one root element (") != std::string::npos))
+        falla("%s: the tree says \"%s\", the check \"%s\"", que, arbol.c_str(),
+              comprobacion.c_str());
+    if (hay_error && (zarnxml_hay_datos(raiz) || *zarnxml_get_etiqueta(raiz) != '\0' ||
+                      zarnxml_num_nodos_hijos(raiz) != 0 || zarnxml_num_propiedades(raiz) != 0 ||
+                      zarnxml_get_dato_cadena_u(raiz) != nullptr))
+        falla("%s: a bad document left a root that is not blank", que);
+    else if (!hay_error && describe_arbol(raiz, es_fichero) != r.texto)
         falla("%s: the walk differs from the tree", que);
     recorre(raiz, de_entrada, separadores);
     zarnxml_destruye(&raiz);
@@ -475,38 +492,36 @@ void prueba_arbol(zarnxml_nodo_t *raiz, zybool hay_error, CADENA mensaje, zybool
 
 extern "C" int LLVMFuzzerTestOneInput(const uint8_t *datos, size_t tamanyo) {
     const std::string_view texto(reinterpret_cast<const char *>(datos), tamanyo);
-    const std::string de_entrada = etiqueta_de_entrada(texto);
+    // A tag from the input: up to 8 of its first bytes, up to a zero byte.
+    const std::string de_entrada(texto.substr(0, std::min<size_t>(8, texto.find('\0'))));
     std::u16string separadores = u" ,";
     if (tamanyo > 0 && datos[0] != 0)
         separadores.push_back(datos[0]);
 
-    // From lines, data taken literally; the walk over the same lines.
-    {
+    // From lines, data taken literally, and from a file, data normalised; the walk over each.
+    const char16_t *ruta = fichero().escribe(datos, tamanyo);
+    comprueba_de_tres_formas(texto, ruta);
+    for (const bool es_fichero : {false, true}) {
         fuzz::Lineas lineas(fuzz::lineas_de(texto));
-        CADENA m = nullptr, mensaje = nullptr;
-        const zybool correcto = zarnfxml_es_lineas_xml_correcto(lineas.p, nullptr, &m, CIERTO);
+        const std::string comprobacion =
+            es_fichero ? respuesta(zarnfxml_es_fichero_xml_correcto, ruta, nullptr, FALSO)
+                       : respuesta(zarnfxml_es_lineas_xml_correcto, lineas.p, nullptr, CIERTO);
         Recorrido r;
-        if (correcto)
+        const bool correcto = comprobacion == "ok";
+        if (correcto && es_fichero)
+            zarnfxml_nousar_recorre_en_forma_de_arbol(ruta, visita, &r, &inicial, &inicial);
+        else if (correcto)
             zarnfxml_nousar_recorre_en_forma_de_arbol_u(lineas.p, visita_u, &r, &inicial, &inicial,
                                                         CIERTO);
         zybool hay_error = 2;
-        zarnxml_nodo_t *raiz = zarnxml_crea_de_lineas(&lineas.p, "1", "0", &hay_error, &mensaje);
-        if (lineas.p)
-            falla("zarnxml_crea_de_lineas left the lines");
-        prueba_arbol(raiz, hay_error, mensaje, correcto, m, r, false, de_entrada, separadores);
-    }
-    // From a file, data normalised; the walk over the same file.
-    {
-        const char16_t *ruta = fichero().escribe(datos, tamanyo);
-        CADENA m = nullptr, mensaje = nullptr;
-        const zybool correcto = zarnfxml_es_fichero_xml_correcto(ruta, nullptr, &m, FALSO);
-        Recorrido r;
-        if (correcto)
-            zarnfxml_nousar_recorre_en_forma_de_arbol(ruta, visita, &r, &inicial, &inicial);
-        zybool hay_error = 2;
+        CADENA mensaje = nullptr;
         zarnxml_nodo_t *raiz =
-            zarnxml_crea_de_fichero_u(ruta, "true", "false", &hay_error, &mensaje);
-        prueba_arbol(raiz, hay_error, mensaje, correcto, m, r, true, de_entrada, separadores);
+            es_fichero ? zarnxml_crea_de_fichero_u(ruta, "true", "false", &hay_error, &mensaje)
+                       : zarnxml_crea_de_lineas(&lineas.p, "1", "0", &hay_error, &mensaje);
+        if (!es_fichero && lineas.p)
+            falla("zarnxml_crea_de_lineas left the lines");
+        prueba_arbol(raiz, hay_error, mensaje, comprobacion, r, es_fichero, de_entrada,
+                     separadores);
     }
     // Without the optional outputs.
     fuzz::Lineas lineas(fuzz::lineas_de(texto));

@@ -46,18 +46,21 @@ void *lee_elemento_1extra(void *extra, zarnfxml_t *xml) {
     return lee_elemento(xml);
 }
 
-class Programa {
-public:
-    Programa(zarnfxml_t *xml, std::string_view codigo, const std::vector<std::string> &etiquetas,
-             const std::vector<std::string> &propiedades)
-        : xml_(xml), codigo_(codigo), etiquetas_(etiquetas), propiedades_(propiedades) {}
+// The caller's program over a reader, with the tags and property names to choose from.
+struct Programa {
+    zarnfxml_t *xml_;
+    std::string_view codigo_;
+    const std::vector<std::string> &etiquetas_;
+    const std::vector<std::string> &propiedades_;
+    size_t pos_ = 0;
+    std::vector<uint32_t> niveles_;
+    uint8_t variante_ = 0; // three bits beside the operation
 
     void ejecuta() {
         while (pos_ < codigo_.size())
             paso(byte());
     }
 
-private:
     uint8_t byte() { return pos_ < codigo_.size() ? static_cast<uint8_t>(codigo_[pos_++]) : 0; }
 
     // A tag of the document: with the high bit of the argument the first that comes next (the
@@ -89,208 +92,177 @@ private:
         return b & 0x0F;
     }
 
+    // The operations, by the low five bits of the operation byte; the top three bits are the
+    // variant. The order is that of the recorded inputs.
     void paso(uint8_t op) {
-        zarnfxml_t *x = xml_;
-        uint32_t n = 0;
-        CADENA c = nullptr;
-        const uint8_t variante = op >> 5; // three bits beside the operation
-        switch (op % 32) {
-        case 0:
-            zarnfxml_lee_inicio_bloque(x, etiqueta());
-            break;
-        case 1:
-            zarnfxml_lee_inicio_bloque_con_nivel_etiquetado(x, etiqueta(), &n);
-            niveles_.push_back(n);
-            break;
-        case 2:
-            zarnfxml_lee_inicio_bloque_desconocido(x, variante & 1 ? nullptr : &c);
-            std::free(c);
-            break;
-        case 3:
-            (void)zarnfxml_se_lee_inicio_bloque(x, etiqueta());
-            break;
-        case 4:
-            if (zarnfxml_se_lee_inicio_bloque_con_nivel_etiquetado(x, etiqueta(), &n))
-                niveles_.push_back(n);
-            break;
-        case 5:
-            if (zarnfxml_se_lee_inicio_bloque_desconocido(x, &c))
+        using Paso = void (*)(Programa &);
+        static const Paso PASOS[32] = {
+            [](Programa &p) { zarnfxml_lee_inicio_bloque(p.xml_, p.etiqueta()); },
+            [](Programa &p) {
+                uint32_t n = 0;
+                zarnfxml_lee_inicio_bloque_con_nivel_etiquetado(p.xml_, p.etiqueta(), &n);
+                p.niveles_.push_back(n);
+            },
+            [](Programa &p) {
+                CADENA c = nullptr;
+                zarnfxml_lee_inicio_bloque_desconocido(p.xml_, p.variante_ & 1 ? nullptr : &c);
                 std::free(c);
-            break;
-        case 6:
-            (void)zarnfxml_etiqueta_siguiente_es_inicio_bloque(x,
-                                                               variante & 1 ? nullptr : etiqueta());
-            break;
-        case 7:
-            variante & 1 ? zarnfxml_lee_definicion_comentario(x, &c)
-                         : (void)zarnfxml_se_lee_definicion_comentario(x, &c);
-            std::free(c);
-            break;
-        case 8:
-            zarnfxml_lee_fin_bloque(x);
-            break;
-        case 9:
-            zarnfxml_lee_fin_bloque_con_comprobacion(x, etiqueta());
-            break;
-        case 10:
-            zarnfxml_salta_hasta_fin_bloque(x, nivel());
-            break;
-        case 11:
+            },
+            [](Programa &p) { (void)zarnfxml_se_lee_inicio_bloque(p.xml_, p.etiqueta()); },
+            [](Programa &p) {
+                uint32_t n = 0;
+                if (zarnfxml_se_lee_inicio_bloque_con_nivel_etiquetado(p.xml_, p.etiqueta(), &n))
+                    p.niveles_.push_back(n);
+            },
+            [](Programa &p) {
+                CADENA c = nullptr;
+                if (zarnfxml_se_lee_inicio_bloque_desconocido(p.xml_, &c))
+                    std::free(c);
+            },
+            [](Programa &p) {
+                (void)zarnfxml_etiqueta_siguiente_es_inicio_bloque(
+                    p.xml_, p.variante_ & 1 ? nullptr : p.etiqueta());
+            },
+            [](Programa &p) {
+                CADENA c = nullptr;
+                p.variante_ & 1 ? zarnfxml_lee_definicion_comentario(p.xml_, &c)
+                                : (void)zarnfxml_se_lee_definicion_comentario(p.xml_, &c);
+                std::free(c);
+            },
+            [](Programa &p) { zarnfxml_lee_fin_bloque(p.xml_); },
+            [](Programa &p) { zarnfxml_lee_fin_bloque_con_comprobacion(p.xml_, p.etiqueta()); },
+            [](Programa &p) { zarnfxml_salta_hasta_fin_bloque(p.xml_, p.nivel()); },
             // The search of the lines for the end tag, which XML_BLOQUE chooses for a process.
-            i_salta_hasta_fin_bloque(I_LECTOR(x), nivel(), true);
-            break;
-        case 12:
-            variante & 1 ? zarnfxml_salta_etiqueta_si_existe(x, etiqueta())
-                         : zarnfxml_salta_etiqueta(x, etiqueta());
-            break;
-        case 13:
-            zarnfxml_salta_hasta_etiqueta_y_lee_inicio_bloque(x, etiqueta(),
-                                                              variante & 1 ? nullptr : &n);
-            if (!(variante & 1))
-                niveles_.push_back(n);
-            break;
-        case 14: {
-            const char *e = nullptr;
-            uint32_t tipo = 9;
-            if (zarnfxml_lee_siguiente(x, &e, &tipo, &c, &n)) {
-                if (!e || tipo > 2)
-                    falla("zarnfxml_lee_siguiente gave the tag %p and the type %u",
-                          static_cast<const void *>(e), tipo);
-                if (tipo == 0)
-                    niveles_.push_back(n);
-            } else if (c) {
-                falla("zarnfxml_lee_siguiente gave a datum with FALSO");
-            }
-            std::free(c);
-            break;
-        }
-        case 15: {
-            const char *p = propiedad();
-            const char16_t *u = nullptr;
-            const zybool hay = zarnfxml_existe_propiedad_inicio_bloque(x, p, &c);
-            std::free(c);
-            if (zarnfxml_existe_propiedad_inicio_bloque_u(x, p, &u) != hay || (hay && !u))
-                falla("the two property lookups disagree");
-            (void)zarnfxml_existe_propiedad_inicio_bloque_igual(x, p, variante & 1 ? "1" : "");
-            break;
-        }
-        case 16: {
-            const char *p = propiedad();
-            switch (variante % 4) {
-            case 0:
-                std::free(zarnfxml_get_cadena_propiedad_inicio_bloque(x, p));
-                break;
-            case 1:
-                std::free(zarnfxml_get_cadena_propiedad_inicio_bloque_u(x, p));
-                break;
-            case 2:
-                (void)zarnfxml_get_double_propiedad_inicio_bloque(x, p);
-                break;
-            default:
-                (void)zarnfxml_get_ulong_propiedad_inicio_bloque(x, p);
-            }
-            break;
-        }
-        case 17:
-            std::free(zarnfxml_get_indice_propiedad_inicio_bloque(x, byte() % 4));
-            break;
-        case 18: {
-            const uint32_t num = byte() % 4;
-            CADENA etiquetas[4] = {}, datos[4] = {};
-            struct Libera {
-                CADENA *a, *b;
-                ~Libera() {
-                    for (int i = 0; i < 4; ++i)
-                        std::free(a[i]), std::free(b[i]);
+            [](Programa &p) { i_salta_hasta_fin_bloque(I_LECTOR(p.xml_), p.nivel(), true); },
+            [](Programa &p) {
+                p.variante_ & 1 ? zarnfxml_salta_etiqueta_si_existe(p.xml_, p.etiqueta())
+                                : zarnfxml_salta_etiqueta(p.xml_, p.etiqueta());
+            },
+            [](Programa &p) {
+                uint32_t n = 0;
+                zarnfxml_salta_hasta_etiqueta_y_lee_inicio_bloque(p.xml_, p.etiqueta(),
+                                                                  p.variante_ & 1 ? nullptr : &n);
+                if (!(p.variante_ & 1))
+                    p.niveles_.push_back(n);
+            },
+            [](Programa &p) {
+                const char *e = nullptr;
+                uint32_t tipo = 9, n = 0;
+                CADENA c = nullptr;
+                if (zarnfxml_lee_siguiente(p.xml_, &e, &tipo, &c, &n)) {
+                    if (!e || tipo > 2)
+                        falla("zarnfxml_lee_siguiente gave the tag %p and the type %u",
+                              static_cast<const void *>(e), tipo);
+                    if (tipo == 0)
+                        p.niveles_.push_back(n);
+                } else if (c) {
+                    falla("zarnfxml_lee_siguiente gave a datum with FALSO");
                 }
-            } libera_al_salir{etiquetas, datos};
-            zarnfxml_lee_campos_bloque_conocido(x, num, etiquetas, datos);
-            break;
-        }
-        case 19:
-            (void)(variante & 1 ? zarnfxml_lee_bool_opcional(x, etiqueta())
-                                : zarnfxml_lee_bool(x, etiqueta()));
-            break;
-        case 20:
-            (void)(variante & 1 ? zarnfxml_lee_long_opcional(x, etiqueta(), -1)
-                                : zarnfxml_lee_long(x, etiqueta()));
-            break;
-        case 21:
-            switch (variante % 3) {
-            case 0:
-                (void)zarnfxml_lee_ulong(x, etiqueta());
-                break;
-            case 1:
-                (void)zarnfxml_lee_ulong_opcional(x, etiqueta());
-                break;
-            default:
-                (void)zarnfxml_lee_ulong_con_ulong_max_cero(x, etiqueta());
-            }
-            break;
-        case 22:
-            (void)(variante & 1 ? zarnfxml_lee_double_opcional(x, etiqueta())
-                                : zarnfxml_lee_double(x, etiqueta()));
-            break;
-        case 23:
-            variante & 1 ? std::free(zarnfxml_lee_cadena_u(x, etiqueta()))
-                         : std::free(zarnfxml_lee_cadena(x, etiqueta()));
-            break;
-        case 24:
-            variante & 1 ? (void)zarnfxml_lee_fecha(x, etiqueta())
-                         : (void)zarnfxml_salta_registro_campo(x, etiqueta());
-            break;
-        case 25:
-            variante & 1 ? libera(zarnfxml_lee_arr_cadena_u(x, etiqueta()))
-                         : libera(zarnfxml_lee_arr_cadena(x, etiqueta()));
-            break;
-        case 26:
-            variante & 1 ? libera(zarnfxml_lee_arr_puntos2D(x, etiqueta()))
-                         : libera(zarnfxml_lee_arr_double(x, etiqueta()));
-            break;
-        case 27: {
-            const int32_t tipo = byte() % 8;
-            variante & 1 ? libera(zarnfxml_lee_arr_double_numerados(x, etiqueta(), tipo))
-                         : libera(zarnfxml_lee_arr_cadena_numerados(x, etiqueta(), tipo));
-            break;
-        }
-        case 28:
-            switch (variante % 3) {
-            case 0:
-                libera(zarnfxml_nousar_lee_arr_punterosST(x, etiqueta(), lee_elemento));
-                break;
-            case 1:
-                libera(zarnfxml_nousar_lee_arr_punterosST_1extra(x, etiqueta(), lee_elemento_1extra,
-                                                                 &marca));
-                break;
-            default: {
-                const char *t = etiqueta();
-                const char *p = propiedad();
-                libera(zarnfxml_nousar_lee_arr_punterosST_ConPropiedadFija(x, t, p, u"1",
-                                                                           lee_elemento));
-            }
-            }
-            break;
-        case 29:
-            if (void *r = zarnfxml_nousar_lee_estructura_opcional(x, etiqueta(), lee_elemento);
-                r && r != &marca)
-                falla("zarnfxml_nousar_lee_estructura_opcional gave another value");
-            break;
-        case 30:
-            (void)zarnfxml_bool(x, variante & 1 ? u"yes" : u"0");
-            break;
-        default:
-            zarnfxml_nousar_set_item_asociado_lectura(x, &marca);
-            if (zarnfxml_nousar_get_item_asociado_lectura(x) != &marca)
-                falla("the reader lost its associated item");
-        }
+                std::free(c);
+            },
+            [](Programa &p) {
+                const char *nombre = p.propiedad();
+                const char16_t *u = nullptr;
+                CADENA c = nullptr;
+                const zybool hay = zarnfxml_existe_propiedad_inicio_bloque(p.xml_, nombre, &c);
+                std::free(c);
+                if (zarnfxml_existe_propiedad_inicio_bloque_u(p.xml_, nombre, &u) != hay ||
+                    (hay && !u))
+                    falla("the two property lookups disagree");
+                (void)zarnfxml_existe_propiedad_inicio_bloque_igual(p.xml_, nombre,
+                                                                    p.variante_ & 1 ? "1" : "");
+            },
+            [](Programa &p) {
+                const char *nombre = p.propiedad();
+                const uint8_t v = p.variante_ % 4;
+                v == 0   ? std::free(zarnfxml_get_cadena_propiedad_inicio_bloque(p.xml_, nombre))
+                : v == 1 ? std::free(zarnfxml_get_cadena_propiedad_inicio_bloque_u(p.xml_, nombre))
+                : v == 2 ? (void)zarnfxml_get_double_propiedad_inicio_bloque(p.xml_, nombre)
+                         : (void)zarnfxml_get_ulong_propiedad_inicio_bloque(p.xml_, nombre);
+            },
+            [](Programa &p) {
+                std::free(zarnfxml_get_indice_propiedad_inicio_bloque(p.xml_, p.byte() % 4));
+            },
+            [](Programa &p) {
+                const uint32_t num = p.byte() % 4;
+                CADENA etiquetas[4] = {}, datos[4] = {};
+                struct Libera {
+                    CADENA *a, *b;
+                    ~Libera() {
+                        for (int i = 0; i < 4; ++i)
+                            std::free(a[i]), std::free(b[i]);
+                    }
+                } libera_al_salir{etiquetas, datos};
+                zarnfxml_lee_campos_bloque_conocido(p.xml_, num, etiquetas, datos);
+            },
+            [](Programa &p) {
+                (void)(p.variante_ & 1 ? zarnfxml_lee_bool_opcional(p.xml_, p.etiqueta())
+                                       : zarnfxml_lee_bool(p.xml_, p.etiqueta()));
+            },
+            [](Programa &p) {
+                (void)(p.variante_ & 1 ? zarnfxml_lee_long_opcional(p.xml_, p.etiqueta(), -1)
+                                       : zarnfxml_lee_long(p.xml_, p.etiqueta()));
+            },
+            [](Programa &p) {
+                const uint8_t v = p.variante_ % 3;
+                (void)(v == 0   ? zarnfxml_lee_ulong(p.xml_, p.etiqueta())
+                       : v == 1 ? zarnfxml_lee_ulong_opcional(p.xml_, p.etiqueta())
+                                : zarnfxml_lee_ulong_con_ulong_max_cero(p.xml_, p.etiqueta()));
+            },
+            [](Programa &p) {
+                (void)(p.variante_ & 1 ? zarnfxml_lee_double_opcional(p.xml_, p.etiqueta())
+                                       : zarnfxml_lee_double(p.xml_, p.etiqueta()));
+            },
+            [](Programa &p) {
+                p.variante_ & 1 ? std::free(zarnfxml_lee_cadena_u(p.xml_, p.etiqueta()))
+                                : std::free(zarnfxml_lee_cadena(p.xml_, p.etiqueta()));
+            },
+            [](Programa &p) {
+                p.variante_ & 1 ? (void)zarnfxml_lee_fecha(p.xml_, p.etiqueta())
+                                : (void)zarnfxml_salta_registro_campo(p.xml_, p.etiqueta());
+            },
+            [](Programa &p) {
+                p.variante_ & 1 ? libera(zarnfxml_lee_arr_cadena_u(p.xml_, p.etiqueta()))
+                                : libera(zarnfxml_lee_arr_cadena(p.xml_, p.etiqueta()));
+            },
+            [](Programa &p) {
+                p.variante_ & 1 ? libera(zarnfxml_lee_arr_puntos2D(p.xml_, p.etiqueta()))
+                                : libera(zarnfxml_lee_arr_double(p.xml_, p.etiqueta()));
+            },
+            [](Programa &p) {
+                const int32_t tipo = p.byte() % 8;
+                p.variante_ & 1
+                    ? libera(zarnfxml_lee_arr_double_numerados(p.xml_, p.etiqueta(), tipo))
+                    : libera(zarnfxml_lee_arr_cadena_numerados(p.xml_, p.etiqueta(), tipo));
+            },
+            [](Programa &p) {
+                const uint8_t v = p.variante_ % 3;
+                const char *t = p.etiqueta();
+                if (v == 0)
+                    libera(zarnfxml_nousar_lee_arr_punterosST(p.xml_, t, lee_elemento));
+                else if (v == 1)
+                    libera(zarnfxml_nousar_lee_arr_punterosST_1extra(p.xml_, t, lee_elemento_1extra,
+                                                                     &marca));
+                else
+                    libera(zarnfxml_nousar_lee_arr_punterosST_ConPropiedadFija(
+                        p.xml_, t, p.propiedad(), u"1", lee_elemento));
+            },
+            [](Programa &p) {
+                void *r =
+                    zarnfxml_nousar_lee_estructura_opcional(p.xml_, p.etiqueta(), lee_elemento);
+                if (r && r != &marca)
+                    falla("zarnfxml_nousar_lee_estructura_opcional gave another value");
+            },
+            [](Programa &p) { (void)zarnfxml_bool(p.xml_, p.variante_ & 1 ? u"yes" : u"0"); },
+            [](Programa &p) {
+                zarnfxml_nousar_set_item_asociado_lectura(p.xml_, &marca);
+                if (zarnfxml_nousar_get_item_asociado_lectura(p.xml_) != &marca)
+                    falla("the reader lost its associated item");
+            },
+        };
+        variante_ = op >> 5;
+        PASOS[op % 32](*this);
     }
-
-    zarnfxml_t *xml_;
-    std::string_view codigo_;
-    size_t pos_ = 0;
-    const std::vector<std::string> &etiquetas_;
-    const std::vector<std::string> &propiedades_;
-    std::vector<uint32_t> niveles_;
 };
 
 // The tags that a generic pass over the document meets, in order, each once.
@@ -365,7 +337,7 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t *datos, size_t tamanyo) {
 
     Lector lector{crea()};
     try {
-        Programa(lector.xml, codigo, etiquetas, propiedades).ejecuta();
+        Programa{lector.xml, codigo, etiquetas, propiedades, 0, {}, 0}.ejecuta();
     } catch (const fuzz::ErrorInterno &e) {
         if (e.condicion.empty())
             falla("an internal error without a condition");

@@ -7,11 +7,20 @@
 
 #include <zarnxml/zarnfxml.h>
 
+#include <algorithm>
 #include <cstdlib>
 #include <initializer_list>
 #include <memory>
 #include <string>
 #include <vector>
+
+// The lines of a text, split at its line feeds (a text that ends in one ends in an empty line).
+inline std::vector<std::string> lineas_de(const std::string &texto) {
+    std::vector<std::string> r;
+    for (size_t i = 0, j; i <= texto.size(); i = j + 1)
+        r.push_back(texto.substr(i, (j = std::min(texto.find('\n', i), texto.size())) - i));
+    return r;
+}
 
 // An ArrCADENA owned for the life of a test.
 struct Lineas {
@@ -98,13 +107,6 @@ inline std::vector<std::string> piezas_de(i_xml_lectura *xml) {
     }
 }
 
-inline std::vector<std::string> piezas(std::initializer_list<std::string> lineas,
-                                       bool literal = false) {
-    Lineas l(lineas);
-    auto xml = i_crea_para_lectura_de_lineas(l.a, literal ? CIERTO : FALSO);
-    return piezas_de(xml.get());
-}
-
 // Every record up to the end of the document or the first error.
 inline std::vector<std::string> registros_de(i_xml_lectura *xml, bool admite_campo_vacio) {
     std::vector<std::string> r;
@@ -114,13 +116,6 @@ inline std::vector<std::string> registros_de(i_xml_lectura *xml, bool admite_cam
         if (tipo == i_REGISTRO_FIN_FICHERO || tipo == i_REGISTRO_ERROR)
             return r;
     }
-}
-
-inline std::vector<std::string> registros(std::initializer_list<std::string> lineas,
-                                          bool admite_campo_vacio, bool literal = false) {
-    Lineas l(lineas);
-    auto xml = i_crea_para_lectura_de_lineas(l.a, literal ? CIERTO : FALSO);
-    return registros_de(xml.get(), admite_campo_vacio);
 }
 
 // "ok", or the message of the check over the lines.

@@ -16,6 +16,7 @@
 #include <filesystem>
 #include <fstream>
 #include <iterator>
+#include <sstream>
 #include <stdexcept>
 #include <string>
 #include <type_traits>
@@ -113,6 +114,29 @@ inline std::vector<std::pair<std::filesystem::path, std::string>> casos(const ch
                                          extension)));
     std::sort(r.begin(), r.end());
     return r;
+}
+
+// The rows of the table tests/data/<nombre>: a case a line, its fields split by " | ", with the
+// escapes \n, \r, \t, \\ and \xNN; empty lines and lines that begin with '#' are left out.
+inline std::vector<std::vector<std::string>> tabla(const std::string &nombre) {
+    std::vector<std::vector<std::string>> filas;
+    std::istringstream in(dato(nombre));
+    for (std::string l; std::getline(in, l);) {
+        if (l.empty() || l[0] == '#')
+            continue;
+        std::vector<std::string> &f = filas.emplace_back(1);
+        for (size_t i = 0; i < l.size(); ++i) {
+            if (l.compare(i, 3, " | ") == 0)
+                f.emplace_back(), i += 2;
+            else if (l[i] != '\\' || i + 1 == l.size())
+                f.back() += l[i];
+            else if (l[++i] == 'x')
+                f.back() += static_cast<char>(std::stoi(l.substr(i + 1, 2), nullptr, 16)), i += 2;
+            else
+                f.back() += l[i] == 'n' ? '\n' : l[i] == 'r' ? '\r' : l[i] == 't' ? '\t' : l[i];
+        }
+    }
+    return filas;
 }
 
 // A fresh directory under the system's temporary directory, removed at the end of the scope.

@@ -6,7 +6,6 @@
 #include <zarnxml/zarnmem.h>
 #include <zarnxml/zarnstr.h>
 
-#include <cmath>
 #include <cstdlib>
 #include <limits>
 
@@ -21,11 +20,6 @@ std::u16string tokens(const char16_t *s, const char16_t *seps) {
         r += toma(t) + u"|";
     return r;
 }
-std::string numero(double v, uint32_t ancho, uint32_t decimales, zybool sin_decimales) {
-    return zarn::utf16_a_utf8(
-        toma(convers_texto_ex(nullptr, v, ancho, decimales, sin_decimales, FALSO)));
-}
-
 } // namespace
 
 TEST(Cadenas, ReplaceAllInOnePass) {
@@ -175,51 +169,6 @@ TEST(Cadenas, Base64RoundTripsAndDecoderLeniency) {
     EXPECT_EQ(decodifica("Zm9v*YmFy"), "foo");
     EXPECT_EQ(decodifica("Zm8=Zm9v"), "fo");
     EXPECT_EQ(decodifica("Zm9vY"), "foo"); // six dangling bits make no byte
-}
-
-// The writer's fields cover the plain forms ("3", "3.5", "3.500000", "-0" as "0").
-TEST(Cadenas, NumberTexts) {
-    EXPECT_EQ(numero(30.0, 18, 0, CIERTO), "30");
-    EXPECT_EQ(numero(0.1 + 0.2, 18, 6, CIERTO), "0.3");
-    EXPECT_EQ(numero(-2.0000004, 18, 6, CIERTO), "-2");
-    EXPECT_EQ(numero(-0.0, 18, 6, FALSO), "0.000000");
-    EXPECT_EQ(numero(-0.0, 3, 6, FALSO), "0e+00");
-    EXPECT_EQ(numero(-0.0000001, 18, 6, CIERTO), "0");
-    EXPECT_EQ(numero(1e300, 145, 6, CIERTO), "1e+300");
-    EXPECT_EQ(numero(1e17, 18, 6, CIERTO), "100000000000000000");
-    EXPECT_EQ(numero(1e17, 18, 6, FALSO), "1e+17");
-    EXPECT_EQ(numero(0.1, 3, 6, CIERTO), "0.1");
-    EXPECT_EQ(numero(0.1, 2, 6, CIERTO), "1e-01"); // "0.1" is wider than 2
-    EXPECT_EQ(numero(std::nan(""), 18, 6, CIERTO), "NaN");
-    EXPECT_EQ(numero(HUGE_VAL, 18, 6, CIERTO), "inf");
-    EXPECT_EQ(numero(-HUGE_VAL, 18, 6, FALSO), "-inf");
-    EXPECT_EQ(numero(0.5, 2000, 1101, FALSO), "0.5" + std::string(1100, '0')); // 1100 at most
-}
-
-TEST(Cadenas, NumbersFromTextPrefixes) {
-    EXPECT_EQ(cad_atof("  3.5abc"), 3.5);
-    EXPECT_EQ(cad_atof("\t\n+2e3x"), 2000.0);
-    EXPECT_EQ(cad_atof("-.5"), -0.5);
-    EXPECT_EQ(cad_atof("+-1"), 0.0);
-    EXPECT_EQ(cad_atof("-1e309"), -HUGE_VAL);
-    EXPECT_EQ(cad_atof(("1" + std::string(400, '0') + "x").c_str()), HUGE_VAL);
-    EXPECT_EQ(cad_atof(("0." + std::string(400, '0') + "1").c_str()), 0.0);
-    EXPECT_EQ(cad_atof("0.0001e-999"), 0.0);
-    EXPECT_EQ(cad_atof("\f\v\r 00012e+400"), HUGE_VAL);
-    EXPECT_EQ(cad_atof(("-1" + std::string(400, '0') + ".5E-1").c_str()), -HUGE_VAL);
-    EXPECT_EQ(cad_atof("+"), 0.0);
-    EXPECT_EQ(widestr_nousar_atof(u"2,5", O, 1), 2.0);
-    EXPECT_EQ(widestr_nousar_atof(u" 1.5€", O, 1), 1.5);
-    EXPECT_EQ(widestr_nousar_atol(u"  42px", O, 1), 42);
-    EXPECT_EQ(widestr_nousar_atol(u"12.9", O, 1), 12);
-    EXPECT_EQ(widestr_nousar_atol(u"99999999999", O, 1), std::numeric_limits<int32_t>::max());
-    EXPECT_EQ(widestr_nousar_atol(u"-99999999999", O, 1), std::numeric_limits<int32_t>::min());
-    EXPECT_EQ(widestr_nousar_atoi64(u"9223372036854775808", O, 1),
-              std::numeric_limits<int64_t>::max());
-    EXPECT_EQ(widestr_nousar_atoi64(u"-9223372036854775809", O, 1),
-              std::numeric_limits<int64_t>::min());
-    EXPECT_EQ(widestr_nousar_atoi64(u"x1", O, 1), 0);
-    EXPECT_EQ(widestr_nousar_atoi64(u"+-1", O, 1), 0);
 }
 
 TEST(Cadenas, PreconditionsNameTheirCondition) {

@@ -3,6 +3,8 @@
 
 #include <zarnxml/zarnfxml.h>
 
+#include <map>
+
 // data/perfiles/<profile>.xml: the same calls in each profile, with the declaration; the file
 // holds that text and a line feed.
 TEST(EscritorPerfiles, LoQueCambiaDeUnPerfilAOtro) {
@@ -43,34 +45,22 @@ TEST(EscritorPerfiles, LoQueCambiaDeUnPerfilAOtro) {
     }
 }
 
+// data/escritor/texto.txt: text fields, one a line.
 TEST(EscritorTexto, ConversionYEntidades) {
-    const struct {
-        Perfil p;
-        const char *entrada, *salida;
-    } filas[] = {
-        {UTF8, "&amp;", "&amp;amp;"},
-        {UTF8, "a>b<c&", "a&gt;b&lt;c&amp;"},
-        {UTF8, "\"q\" 'a'", "\"q\" 'a'"},
-        {COM, "\"a&b\"", "\"a&amp;b\""},
-        {ISO, "a<b & \"c\" >", "a<b & \"c\" >"},
-        {ISO, "Jos\xE9", "Jos\xE9"},
-        {UTF8, "José", "José"},
-        {UTF8, "Jos\xE9 \x80", "José €"}, // bytes outside UTF-8 read as Windows-1252
-    };
-    for (const auto &f : filas)
-        EXPECT_EQ(escribe(f.p, [&](zarnfxml_t *x) { zarnfxml_graba_cadena(x, "e", f.entrada); }),
-                  std::string("<e>") + f.salida + "</e>");
-    const struct {
-        Perfil p;
-        const char16_t *entrada;
-        const char *salida;
-    } anchas[] = {{UTF8, u"é<€&", "é&lt;€&amp;"},
-                  {ISO, u"é<€&", "\xE9<?&"},
-                  {UTF8, u"\U0001F600", "\xF0\x9F\x98\x80"},
-                  {UTF8, u"a\xD800z", "a\xEF\xBF\xBDz"}};
-    for (const auto &f : anchas)
-        EXPECT_EQ(escribe(f.p, [&](zarnfxml_t *x) { zarnfxml_graba_cadena_u(x, "e", f.entrada); }),
-                  std::string("<e>") + f.salida + "</e>");
+    const std::map<std::string, Perfil> perfiles = {{"ISO", ISO}, {"UTF8", UTF8}, {"COM", COM}};
+    for (const auto &f : tabla("escritor/texto.txt")) {
+        const std::u16string ancho = zarn::utf8_a_utf16(f[2]);
+        EXPECT_EQ(escribe(perfiles.at(f[0]),
+                          [&](zarnfxml_t *x) {
+                              f[1] == "8" ? zarnfxml_graba_cadena(x, "e", f[2].c_str())
+                                          : zarnfxml_graba_cadena_u(x, "e", ancho.c_str());
+                          }),
+                  "<e>" + f[3] + "</e>")
+            << f[2];
+    }
+    // A lone surrogate becomes U+FFFD.
+    EXPECT_EQ(escribe(UTF8, [](zarnfxml_t *x) { zarnfxml_graba_cadena_u(x, "e", u"a\xD800z"); }),
+              "<e>a\xEF\xBF\xBDz</e>");
     // Tags go out byte for byte in every profile.
     for (Perfil p : {ISO, UTF8, AS, COM, Perfil{espacios2}})
         EXPECT_EQ(escribe(p,

@@ -3,6 +3,7 @@
 #include "lector_soporte.hpp"
 
 #include <functional>
+#include <map>
 
 namespace {
 
@@ -23,93 +24,62 @@ void *item_i(zarnfxml_t *x) {
     return &item;
 }
 
+// The reads of data/lector/condiciones.txt, by name.
+const std::map<std::string, Lee> LECTURAS = {
+    {"lee_long_a", LEE(zarnfxml_lee_long(x, "a"))},
+    {"salta_campo_a", LEE(zarnfxml_salta_registro_campo(x, "a"))},
+    {"lee_long_opcional_a", LEE(zarnfxml_lee_long_opcional(x, "a", 0))},
+    {"lee_double_b", LEE(zarnfxml_lee_double(x, "b"))},
+    {"lee_bool_a", LEE(zarnfxml_lee_bool(x, "a"))},
+    {"se_lee_inicio_a", LEE(zarnfxml_se_lee_inicio_bloque(x, "a"))},
+    {"inicio_b", LEE(zarnfxml_lee_inicio_bloque(x, "b"))},
+    {"salta_etiqueta_b", LEE(zarnfxml_salta_etiqueta(x, "b"))},
+    {"se_lee_inicio_con_nivel_nulo",
+     LEE(zarnfxml_se_lee_inicio_bloque_con_nivel_etiquetado(x, "a", nullptr))},
+    {"inicio_a_fin", LEE(zarnfxml_lee_inicio_bloque(x, "a"), zarnfxml_lee_fin_bloque(x))},
+    {"inicio_a_fin_b",
+     LEE(zarnfxml_lee_inicio_bloque(x, "a"), zarnfxml_lee_fin_bloque_con_comprobacion(x, "b"))},
+    {"definicion", LEE(zarnfxml_lee_definicion_comentario(x, nullptr))},
+    {"salta_hasta_fin_1", LEE(zarnfxml_salta_hasta_fin_bloque(x, 1))},
+    {"inicio_a_salta_hasta_fin_0",
+     LEE(zarnfxml_lee_inicio_bloque(x, "a"), zarnfxml_salta_hasta_fin_bloque(x, 0))},
+    {"inicio_a_salta_hasta_fin_2",
+     LEE(zarnfxml_lee_inicio_bloque(x, "a"), zarnfxml_salta_hasta_fin_bloque(x, 2))},
+    {"inicio_a_lee_b_salta_hasta_fin_2",
+     LEE(zarnfxml_lee_inicio_bloque(x, "a"), zarnfxml_lee_long(x, "b"),
+         zarnfxml_salta_hasta_fin_bloque(x, 2))},
+    {"inicio_r_salta_hasta_c",
+     LEE(zarnfxml_lee_inicio_bloque(x, "r"),
+         zarnfxml_salta_hasta_etiqueta_y_lee_inicio_bloque(x, "c", nullptr))},
+    {"inicio_a_propiedad_y",
+     LEE(zarnfxml_lee_inicio_bloque(x, "a"), zarnfxml_get_ulong_propiedad_inicio_bloque(x, "y"))},
+    {"inicio_a_propiedad_1",
+     LEE(zarnfxml_lee_inicio_bloque(x, "a"), zarnfxml_get_indice_propiedad_inicio_bloque(x, 1))},
+    {"inicio_a_fin_propiedad_x", LEE(zarnfxml_lee_inicio_bloque(x, "a"), zarnfxml_lee_fin_bloque(x),
+                                     zarnfxml_existe_propiedad_inicio_bloque(x, "x", nullptr))},
+    {"siguientes", LEE(while (zarnfxml_lee_siguiente(x, nullptr, nullptr, nullptr, nullptr)){})},
+    {"puntos_t", LEE(ArrPunto2D a = zarnfxml_lee_arr_puntos2D(x, "t"); arr_DestruyePunto2D(&a))},
+    {"doubles_t", LEE(zarnfxml_lee_arr_double(x, "t"))},
+    {"doubles_numerados_2", LEE(zarnfxml_lee_arr_double_numerados(x, "t", 2))},
+    {"cadenas_numeradas_8", LEE(zarnfxml_lee_arr_cadena_numerados(x, "t", 8))},
+    {"cadenas_numeradas_1", LEE(zarnfxml_lee_arr_cadena_numerados(x, "t", 1))},
+    {"cadenas_numeradas_7", LEE(zarnfxml_lee_arr_cadena_numerados(x, "t", 7))},
+    {"inicio_r_punteros_i",
+     LEE(zarnfxml_lee_inicio_bloque(x, "r"), zarnfxml_nousar_lee_arr_punterosST(x, "i", item_i))},
+    {"inicio_r_campos_2", LEE(CADENA e[2]; CADENA d[2]; zarnfxml_lee_inicio_bloque(x, "r");
+                              zarnfxml_lee_campos_bloque_conocido(x, 2, e, d))},
+    {"punteros_sin_funcion", LEE(zarnfxml_nousar_lee_arr_punterosST(x, "i", nullptr))},
+    {"punteros_6extra_sin_funcion",
+     LEE(zarnfxml_nousar_lee_arr_punterosST_6extra(x, "i", nullptr, x, x, x, x, x, x))},
+    {"opcional_5extra_sin_funcion",
+     LEE(zarnfxml_nousar_lee_estructura_opcional_5extra(x, "i", nullptr, x, x, x, x, x))},
+    {"apunorde_3extra_sin_funcion",
+     LEE(zarnfxml_nousar_lee_apunorde_3extra(x, "i", nullptr, 0, 0, 0, x, x, x))},
+};
+
 TEST(LecturasErrores, CondicionesDeLasLecturas) {
-    const std::string campo = "tipo_registro == i_REGISTRO_CAMPO";
-    const std::string inicio = "tipo_registro == i_REGISTRO_INICIO_BLOQUE";
-    const std::string fin = "tipo_registro == i_REGISTRO_FIN_BLOQUE";
-    const std::string etiqueta = "es_etiqueta_igual == CIERTO";
-    const std::string nivel = "nivel_etiquetado_lineas_bloque == xml->registro->nivel_etiquetado";
-    const std::string por_defecto; // error_interno_default_error has no condition
-    const struct {
-        std::string documento;
-        Lee lee;
-        std::string condicion;
-    } casos[] = {
-        {"<a></a>", LEE(zarnfxml_lee_long(x, "a")), campo},
-        {"<a/>", LEE(zarnfxml_salta_registro_campo(x, "a")), campo},
-        {"<a><b>1</b></a>", LEE(zarnfxml_lee_long_opcional(x, "a", 0)), campo},
-        {"<a>1</a>", LEE(zarnfxml_lee_double(x, "b")), etiqueta},
-        {"<a>true</a>", LEE(zarnfxml_lee_bool(x, "a")),
-         "widestr_cadenas_iguales_may_o_min(dato, xml->conf->texto_zybool_false) == CIERTO"},
-        {"<a>texto</a>", LEE(zarnfxml_se_lee_inicio_bloque(x, "a")), inicio},
-        {"<a/>", LEE(zarnfxml_lee_inicio_bloque(x, "b")), etiqueta},
-        {"<a/>", LEE(zarnfxml_salta_etiqueta(x, "b")), "se_lee == CIERTO"},
-        {"<a/>", LEE(zarnfxml_se_lee_inicio_bloque_con_nivel_etiquetado(x, "a", nullptr)),
-         "(nivel_etiquetado_lineas_bloque) != NULL"},
-        {"<a><b>1</b></a>", LEE(zarnfxml_lee_inicio_bloque(x, "a"), zarnfxml_lee_fin_bloque(x)),
-         fin},
-        {"<a></a>",
-         LEE(zarnfxml_lee_inicio_bloque(x, "a"), zarnfxml_lee_fin_bloque_con_comprobacion(x, "b")),
-         "i_es_etiqueta_registro_igual(xml, etiqueta) == CIERTO"},
-        {"<a/>", LEE(zarnfxml_lee_definicion_comentario(x, nullptr)),
-         "tipo_registro == i_REGISTRO_DEFINICION_COMENTARIO"},
-        {"<a/>", LEE(zarnfxml_salta_hasta_fin_bloque(x, 1)), "(xml->registro) != NULL"},
-        {"<a/>", LEE(zarnfxml_lee_inicio_bloque(x, "a"), zarnfxml_salta_hasta_fin_bloque(x, 0)),
-         "nivel_etiquetado_lineas_bloque > 0"},
-        {"<a/>", LEE(zarnfxml_lee_inicio_bloque(x, "a"), zarnfxml_salta_hasta_fin_bloque(x, 2)),
-         nivel + " + 1"},
-        {"<a><b>1</b></a>",
-         LEE(zarnfxml_lee_inicio_bloque(x, "a"), zarnfxml_lee_long(x, "b"),
-             zarnfxml_salta_hasta_fin_bloque(x, 2)),
-         nivel},
-        {"<r><a/><b>1</b><c/></r>",
-         LEE(zarnfxml_lee_inicio_bloque(x, "r"),
-             zarnfxml_salta_hasta_etiqueta_y_lee_inicio_bloque(x, "c", nullptr)),
-         inicio},
-        {"<a x='1'/>",
-         LEE(zarnfxml_lee_inicio_bloque(x, "a"),
-             zarnfxml_get_ulong_propiedad_inicio_bloque(x, "y")),
-         "existe_propiedad == CIERTO"},
-        {"<a x='1'/>",
-         LEE(zarnfxml_lee_inicio_bloque(x, "a"), zarnfxml_get_indice_propiedad_inicio_bloque(x, 1)),
-         "(propiedad) != NULL"},
-        {"<a x='1'/>",
-         LEE(zarnfxml_lee_inicio_bloque(x, "a"), zarnfxml_lee_fin_bloque(x),
-             zarnfxml_existe_propiedad_inicio_bloque(x, "x", nullptr)),
-         por_defecto},
-        {"<a>texto<b/></a>",
-         LEE(while (zarnfxml_lee_siguiente(x, nullptr, nullptr, nullptr, nullptr)){}), por_defecto},
-        {"<t>65535:</t>",
-         LEE(ArrPunto2D a = zarnfxml_lee_arr_puntos2D(x, "t"); arr_DestruyePunto2D(&a)),
-         "num_elems < USHRT_MAX"},
-        {"<t><x>1</x></t>", LEE(zarnfxml_lee_arr_double(x, "t")), campo},
-        {"<t>1</t>", LEE(zarnfxml_lee_arr_double_numerados(x, "t", 2)), por_defecto},
-        {"<t>1</t>", LEE(zarnfxml_lee_arr_cadena_numerados(x, "t", 8)), por_defecto},
-        {"<t>x</t>", LEE(zarnfxml_lee_arr_cadena_numerados(x, "t", 1)), inicio},
-        {"<t><t>a</t><u>b</u></t>", LEE(zarnfxml_lee_arr_cadena_numerados(x, "t", 7)), fin},
-        // Arrays half built when the error comes are freed (LeakSanitizer watches).
-        {"<t><t>a</t><t><x/></t></t>", LEE(zarnfxml_lee_arr_cadena_numerados(x, "t", 1)), campo},
-        {"<r><i>1</i><i><x/></i></r>",
-         LEE(zarnfxml_lee_inicio_bloque(x, "r"),
-             zarnfxml_nousar_lee_arr_punterosST(x, "i", item_i)),
-         campo},
-        {"<r><x/><y><z/></y></r>",
-         LEE(CADENA e[2]; CADENA d[2]; zarnfxml_lee_inicio_bloque(x, "r");
-             zarnfxml_lee_campos_bloque_conocido(x, 2, e, d)),
-         campo},
-        // The callback is checked first, even when no element follows.
-        {"<r/>", LEE(zarnfxml_nousar_lee_arr_punterosST(x, "i", nullptr)),
-         "(func_lee_xml_item) != NULL"},
-        {"<r/>", LEE(zarnfxml_nousar_lee_arr_punterosST_6extra(x, "i", nullptr, x, x, x, x, x, x)),
-         "(func_lee_xml_item_6extra) != NULL"},
-        {"<r/>",
-         LEE(zarnfxml_nousar_lee_estructura_opcional_5extra(x, "i", nullptr, x, x, x, x, x)),
-         "(func_lee_xml_item_5extra) != NULL"},
-        {"<r/>", LEE(zarnfxml_nousar_lee_apunorde_3extra(x, "i", nullptr, 0, 0, 0, x, x, x)),
-         "(func_lee_xml_item_3extra) != NULL"},
-    };
-    for (const auto &c : casos)
-        EXPECT_EQ(condicion_al_leer(c.documento, c.lee), c.condicion) << c.documento;
+    for (const auto &f : tabla("lector/condiciones.txt"))
+        EXPECT_EQ(condicion_al_leer(f[0], LECTURAS.at(f[1])), f[2]) << f[0] << " " << f[1];
 
     Lineas l({"<t>65534:</t>"});
     zarnfxml_t *r = zarnfxml_crea_para_lectura_de_lineas(l.a, FALSO);

@@ -54,24 +54,18 @@ TEST(Fuente, LasLineasDeUnFicheroSeCortanComoEnElServicioDeLineas) {
     casos.push_back(largo.substr(1) + "\r\nz");
     casos.push_back(std::string(6 * 1024 * 1024, 'q') + "\nfin");
     casos.push_back(std::string("a\0b\nc", 5));
+    // Lines of random lengths that cross the read blocks.
+    std::mt19937 azar(7);
+    std::string &texto = casos.emplace_back();
+    while (texto.size() < 3 * 1024 * 1024 + 77) {
+        for (size_t i = 0, largo = azar() % 300; i < largo; ++i)
+            texto += "ab\rc<>"[azar() % 6];
+        texto += azar() % 3 ? "\n" : "\r\n";
+    }
     for (size_t i = 0; i < casos.size(); ++i) {
         escribe_fichero(dir / "f", casos[i]);
         EXPECT_EQ(lineas_leidas(dir.u("f")), lineas_de_referencia(dir.u("f"))) << "case " << i;
     }
-}
-
-TEST(Fuente, LineasQueCruzanLosBloquesDeLectura) {
-    DirTemporal dir;
-    std::mt19937 azar(7);
-    std::string texto;
-    while (texto.size() < 3 * 1024 * 1024 + 77) {
-        const size_t largo = azar() % 300;
-        for (size_t i = 0; i < largo; ++i)
-            texto += "ab\rc<>"[azar() % 6];
-        texto += azar() % 3 ? "\n" : "\r\n";
-    }
-    escribe_fichero(dir / "f", texto);
-    EXPECT_EQ(lineas_leidas(dir.u("f")), lineas_de_referencia(dir.u("f")));
 }
 
 TEST(Fuente, UnFicheroUtf16LlegaComoLineasUtf8) {
@@ -118,10 +112,7 @@ TEST(Fuente, DecodificaConLasTresEntidadesSoloFueraDeIso) {
 
 // The pieces of a text (lines split at '\n'), joined by " | ".
 static std::string trozos(const std::string &texto, bool literal = false) {
-    std::vector<std::string> lineas;
-    for (size_t i = 0, j; i <= texto.size(); i = j + 1)
-        lineas.push_back(texto.substr(i, (j = std::min(texto.find('\n', i), texto.size())) - i));
-    Lineas l(lineas);
+    Lineas l(lineas_de(texto));
     std::string r;
     for (const std::string &p :
          piezas_de(i_crea_para_lectura_de_lineas(l.a, literal ? CIERTO : FALSO).get()))

@@ -6,6 +6,7 @@
 #include "services/servicios.hpp"
 
 #include <deque>
+#include <iterator>
 #include <set>
 #include <string>
 #include <vector>
@@ -90,35 +91,14 @@ Registro recorre(const std::string &doc, std::set<std::string> podar = {}) {
 
 using Llamadas = std::vector<std::string>;
 
-TEST(Recorrido, OrdenYLoQueSeCuentaEnCadaLlamada) {
-    EXPECT_EQ(recorre("<a><b>1</b><c/></a>").llamadas,
-              (Llamadas{"||a||#|inicial", "a|a|b||1|a", "a|a|c|||a"}));
-    EXPECT_EQ(recorre("<a x=\"1\" y=\"&amp;2\">\n"
-                      "  <b k=\"v\"><c></c></b>\n"
-                      "</a>")
-                  .llamadas,
-              (Llamadas{"||a|x=1,y=&2|#|inicial", "a|a-x=1-y=&2|b|k=v|#|a", "b|b-k=v|c|||b"}));
-    // A lone element is one field and leaves nothing open.
-    EXPECT_EQ(recorre("<a></a>").llamadas, (Llamadas{"||a|||inicial"}));
-    // Two top elements both hang from the base entry; definitions give no call.
-    EXPECT_EQ(recorre("<?xml version=\"1.0\"?><a/><?x?><b><?y?><c>2</c></b>").llamadas,
-              (Llamadas{"||a|||inicial", "||b||#|inicial", "b|b|c||2|b"}));
-    EXPECT_TRUE(recorre("").llamadas.empty());
-}
-
-TEST(Recorrido, UnBloqueRespondidoFalsoSeSaltaEntero) {
-    const std::string doc = "<r><s><t><u>1</u><v/></t><w/></s><x>2</x><s2><y/></s2></r>";
-    EXPECT_EQ(recorre(doc, {"s"}).llamadas, (Llamadas{"||r||#|inicial", "r|r|s||#|r", "r|r|x||2|r",
-                                                      "r|r|s2||#|r", "s2|s2|y|||s2"}));
-    // The answer for a field changes nothing.
-    EXPECT_EQ(recorre(doc, {"u", "x"}).llamadas.size(), 9u);
-    EXPECT_EQ(recorre(doc, {"r"}).llamadas, (Llamadas{"||r||#|inicial"}));
-}
-
-TEST(Recorrido, UnDocumentoQueAcabaDentroDeUnBloqueOMalFormado) {
-    EXPECT_EQ(recorre("<a><b>1</b><c>").llamadas,
-              (Llamadas{"||a||#|inicial", "a|a|b||1|a", "a|a|c||#|a"}));
-    EXPECT_EQ(recorre("<a><b>1</b></c>").llamadas, (Llamadas{"||a||#|inicial", "a|a|b||1|a"}));
+// data/recorrido/llamadas.txt: the calls of the walk over texts, one a line.
+TEST(Recorrido, LlamadasDeReferencia) {
+    for (const auto &f : tabla("recorrido/llamadas.txt")) {
+        std::istringstream podar(f[0]);
+        EXPECT_EQ(recorre(f[1], {std::istream_iterator<std::string>(podar), {}}).llamadas,
+                  Llamadas(f.begin() + 2, f.end()))
+            << f[1];
+    }
     // A datum beside child elements ends in the default error, which has no condition text.
     EXPECT_EQ(COND(recorre("<a>x<b/></a>")), "");
 }

@@ -2,47 +2,13 @@
 // encodings, how an error travels, and the reader's error state.
 #include "lector_soporte.hpp"
 
-static const std::initializer_list<std::string> CINCO = {
-    R"(<?xml version="1.0" encoding="UTF-8"?>)", R"(<a b="1">)", "  <c>x</c>", "  <d/>", "</a>"};
-
-TEST(Registros, DocumentoDeCincoLineasEnLosDosModos) {
-    EXPECT_EQ(registros(CINCO, false),
-              V({"0:0:a{b=1}", "1:1:c='x'", "0:1:d", "3:1:/d", "3:0:/a", "5:-:"}));
-    EXPECT_EQ(registros(CINCO, true), V({"0:0:a{b=1}", "1:1:c='x'", "1:1:d=''", "3:0:/a", "5:-:"}));
-}
-
-TEST(Registros, ElementosVaciosSegunAdmiteCampoVacio) {
-    const std::vector<std::vector<std::string>> vacios = {
-        {"<a></a>"}, {"<a/>"}, {"<a>   </a>"}, {"<a>", "", "</a>"}};
-    for (const auto &vacio : vacios) {
-        Lineas l(vacio);
-        auto campo = i_crea_para_lectura_de_lineas(l.a, FALSO);
-        EXPECT_EQ(registros_de(campo.get(), true), V({"1:0:a=''", "5:-:"})) << vacio[0];
-        auto bloque = i_crea_para_lectura_de_lineas(l.a, FALSO);
-        EXPECT_EQ(registros_de(bloque.get(), false), V({"0:0:a", "3:0:/a", "5:-:"})) << vacio[0];
+// data/registros.txt: the records of texts, one a line.
+TEST(Registros, TextosDeReferencia) {
+    for (const auto &f : tabla("registros.txt")) {
+        Lineas l(lineas_de(f[1]));
+        auto xml = i_crea_para_lectura_de_lineas(l.a, FALSO);
+        EXPECT_EQ(registros_de(xml.get(), f[0] == "s"), V(f.begin() + 2, f.end())) << f[1];
     }
-    EXPECT_EQ(registros({"<a><![CDATA[]]></a>"}, false), V({"1:0:a=''", "5:-:"}));
-    EXPECT_EQ(registros({R"(<a b="1"/>)"}, true), V({"1:0:a{b=1}=''", "5:-:"}));
-    EXPECT_EQ(registros({R"(<a b="1"></a>)"}, false), V({"0:0:a{b=1}", "3:0:/a", "5:-:"}));
-    EXPECT_EQ(registros({"<a>1</a>"}, false), V({"1:0:a='1'", "5:-:"}));
-}
-
-TEST(Registros, LoQueNoFormaCampoSeDevuelve) {
-    EXPECT_EQ(registros({"<a>x<b>y</b></a>"}, false),
-              V({"0:0:a", "2:1:'x'", "1:1:b='y'", "3:0:/a", "5:-:"}));
-    EXPECT_EQ(registros({"<a>x<!-- c -->y</a>"}, true),
-              V({"0:0:a", "2:1:'x'", "2:1:'y'", "3:0:/a", "5:-:"}));
-    EXPECT_EQ(registros({"x", "<a/>"}, false), V({"2:0:'x'", "0:0:a", "3:0:/a", "5:-:"}));
-    EXPECT_EQ(registros({"<?foo?>", "<a/>"}, true), V({"4:-:foo", "1:0:a=''", "5:-:"}));
-    EXPECT_EQ(registros({R"(<?xml version="1.0"?>)"}, false), V({"5:-:"}));
-}
-
-TEST(Registros, ElErrorLlegaDetrasDeLosRegistrosAnteriores) {
-    EXPECT_EQ(registros({"<a><b>"}, false),
-              V({"0:0:a", "0:1:b", "6:-:Ln 2, Col 1: Unexpected end of file"}));
-    EXPECT_EQ(registros({"<a>x</b>"}, true),
-              V({"0:0:a", "2:1:'x'",
-                 "6:-:Ln 1, Col 8: The end tag does not match the initial tag (a) (b)"}));
 }
 
 TEST(Registros, AlFinalNoSeLeeMas) {
@@ -64,15 +30,6 @@ TEST(Registros, AlFinalNoSeLeeMas) {
 }
 
 TEST(Registros, CodificacionDeLasDeclaraciones) {
-    EXPECT_EQ(
-        registros({"<a>&amp;</a>", R"(<?xml encoding="iso-8859-1"?>)", "<b>&amp;\xe9</b>"}, false),
-        V({"1:0:a='&'", "1:0:b='&amp;\xc3\xa9'", "5:-:"}));
-    EXPECT_EQ(registros({R"(<?xml encoding="UTF-16"?>)", "<a>\xc3\xa9&amp;</a>"}, false),
-              V({"1:0:a='\xc3\xa9&'", "5:-:"}));
-    // A piece lexed before the declaration was handled keeps the encoding of its moment.
-    EXPECT_EQ(registros({"<a>&amp;", R"(<?xml encoding="iso-8859-1"?>)", "&amp;</a>"}, false),
-              V({"0:0:a", "2:1:'&'", "2:1:'&amp;'", "3:0:/a", "5:-:"}));
-
     const auto codificacion = [](const std::string &declaracion) {
         Lineas l{declaracion, "<a/>"};
         auto xml = i_crea_para_lectura_de_lineas(l.a, FALSO);
