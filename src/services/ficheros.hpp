@@ -27,6 +27,8 @@ public:
     size_t largo() const noexcept { return largo_; }
     // Takes up to n of the bytes read and not yet delivered; gives the count taken.
     size_t toma(char *destino, size_t n) noexcept;
+    // Readable bytes behind every line's terminator, for scans that read whole blocks.
+    static constexpr size_t HOLGURA = 64;
 
 private:
     void lee_mas(zarnio_fichero_s &fichero, size_t max);
@@ -38,7 +40,7 @@ private:
         }
     }
 
-    std::unique_ptr<char[]> buf_; // cap_ bytes of data and one for a terminator
+    std::unique_ptr<char[]> buf_; // cap_ bytes of data, one for a terminator, HOLGURA more
     size_t cap_ = 0;
     size_t pos_ = 0;     // start of what has not been delivered
     size_t fin_ = 0;     // end of what has been read

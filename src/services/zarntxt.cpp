@@ -60,7 +60,7 @@ void graba_lineas(ArrCADENA lineas, const char16_t *ruta, const char *modo) {
 namespace zarn {
 
 void CortadorLineas::agranda(size_t nueva) {
-    auto otro = std::make_unique_for_overwrite<char[]>(nueva + 1);
+    auto otro = std::make_unique_for_overwrite<char[]>(nueva + 1 + HOLGURA);
     if (buf_)
         std::memcpy(otro.get(), buf_.get() + pos_, fin_ - pos_);
     fin_ -= pos_;
