@@ -50,7 +50,7 @@ uint32_t i_dato_a_ulong(const i_xml_lectura *xml) {
 
 double i_dato_a_double(const i_xml_lectura *xml) {
     const i_dato_t &d = i_dato(xml);
-    return d.es_ascii_llano() ? i_atof(d.bruto().c_str()) : i_atof_u(d.c_str());
+    return d.es_ascii_llano() ? i_atof_vista(d.bruto()) : i_atof_u(d.c_str());
 }
 
 // A file opened for reading, closed at the end of the scope however the scope ends.
