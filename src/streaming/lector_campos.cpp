@@ -87,7 +87,12 @@ CADENA_u i_lee_cadena_u(zarnfxml_t *xml, const char *etiqueta) {
     i_xml_lectura *x = I_LECTOR(xml);
     i_lee_campo_admite_vacio(x, etiqueta);
     const i_dato_t &d = i_dato(x);
-    return d.es_ascii_llano() ? zarn::dup_utf16(d.bruto()) : zarn::dup_u(d.texto());
+    // Without entities, decoding a UTF-8 text (or an ASCII one in any encoding) is converting it.
+    const std::string &b = d.bruto();
+    const bool sin_entidades = b.find('&') == std::string::npos;
+    if (sin_entidades && (d.tipo_codificacion() != i_CODIFICACION_ISO_8859_1 || d.es_ascii_llano()))
+        return zarn::dup_utf16(b);
+    return zarn::dup_u(d.texto());
 }
 
 double i_lee_double(zarnfxml_t *xml, const char *etiqueta) {
