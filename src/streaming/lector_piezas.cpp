@@ -15,7 +15,7 @@ namespace {
 
 using namespace zarn::escaneo;
 
-// The lines of a file have the slack that the vector scans need; a list's lines have none.
+// The lines of a file have the slack that the block scans need; a list's lines have none.
 static_assert(zarn::CortadorLineas::HOLGURA >= HOLGURA);
 
 constexpr const char *FIN_DEFINICION = "?"; // for strcspn (the zero byte always stops it)
@@ -102,6 +102,8 @@ void Lexico::salta_blancos_lento(bool salta_comentarios, bool salta_saltos_linea
     for (;; linea_en_mano = false) {
         if (!linea_en_mano)
             dame(lin_);
+        // White space between pieces and names are short: byte by byte, which measures faster
+        // there than passing to block scans after CORTAS bytes.
         const char *s = tras_blancos(pos(), nullptr);
         if (s[0] == '\xEF' && s[1] == '\xBB' && s[2] == '\xBF')
             s += 3;
