@@ -1,6 +1,7 @@
 // The character source and the piece lexer: lines and positions, the dialect piece by piece,
 // and every message of the lexer with its exact line and column.
 #include "lector_soporte.hpp"
+#include "streaming/escaneo.hpp"
 
 #include <zarnxml/zarntxt.h>
 
@@ -160,4 +161,29 @@ TEST(Piezas, PiezasDevueltasVuelvenEnSuOrden) {
 TEST(Piezas, MensajeDeError) {
     EXPECT_EQ(i_mensaje_error(nullptr, nullptr, nullptr, 0, 19), "Ln 1, Col 20");
     EXPECT_EQ(i_mensaje_error("T", nullptr, "d2", 4294967294u, 1), "Ln 4294967295, Col 2: T (d2)");
+}
+
+// The block scans stop where the scalar scan does, for every byte at every place of a block,
+// with a line whose slack holds stop bytes that must not count.
+TEST(Escaneo, LasBusquedasEnBloqueParanDondeLaEscalar) {
+    using namespace zarn::escaneo;
+    const uint8_t clases[] = {C_FIN_NOMBRE, C_FIN_DATO, C_FIN_VALOR, C_FIN_VALOR_COMILLAS,
+                              C_FIN_VALOR_APOSTROFOS};
+    for (const Largas *l : {largas_sse2(), largas_avx2(), largas()}) {
+        if (!l)
+            continue;
+        for (int b = 0; b < 256; ++b) {
+            for (const size_t p : {0, 15, 16, 17, 31, 32, 33, 47, 48, 63, 64, 70}) {
+                std::string blancos(72, '\t'), letras(72, 'a');
+                blancos[p] = letras[p] = static_cast<char>(b);
+                blancos += std::string(1, '\0') + std::string(HOLGURA, '<');
+                letras += std::string(1, '\0') + std::string(HOLGURA, ' ');
+                const char *s = blancos.c_str();
+                ASSERT_EQ(tras_blancos(s, l), tras_blancos(s, nullptr)) << b << " " << p;
+                for (const uint8_t c : clases)
+                    ASSERT_EQ(hasta(letras.c_str(), c, l), hasta(letras.c_str(), c, nullptr))
+                        << b << " " << p << " " << int{c};
+            }
+        }
+    }
 }

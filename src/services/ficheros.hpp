@@ -60,6 +60,8 @@ public:
     // and its lines come as UTF-8. Gives whether it is so.
     bool lee_utf16_si_hay_marca(zarnio_fichero_s &fichero);
     bool es_utf16() const noexcept { return utf16_ != nullptr; }
+    // Readable bytes behind every line's terminator, for scans that read whole blocks.
+    static constexpr size_t HOLGURA = 64;
 
 private:
     void lee_mas(zarnio_fichero_s &fichero, size_t max);
@@ -71,7 +73,7 @@ private:
         }
     }
 
-    std::unique_ptr<char[]> buf_; // cap_ bytes of data and one for a terminator
+    std::unique_ptr<char[]> buf_; // cap_ bytes of data, one for a terminator, HOLGURA more
     size_t cap_ = 0;
     size_t pos_ = 0;     // start of what has not been delivered
     size_t fin_ = 0;     // end of what has been read

@@ -113,7 +113,7 @@ size_t DecodificadorUtf16::lee(zarnio_fichero_s &fichero, char *destino, size_t 
 }
 
 void CortadorLineas::agranda(size_t nueva) {
-    auto otro = std::make_unique_for_overwrite<char[]>(nueva + 1);
+    auto otro = std::make_unique_for_overwrite<char[]>(nueva + 1 + HOLGURA);
     if (buf_)
         std::memcpy(otro.get(), buf_.get() + pos_, fin_ - pos_);
     fin_ -= pos_;

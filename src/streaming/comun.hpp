@@ -86,6 +86,7 @@ bool i_con_bloque_numeracion_array(int32_t tipo_numeracion_array);
 // Numbers from texts (lector_conversiones.cpp), behind zarnfxml_atof and its kin: "NaN"
 // anywhere in a text, in any case, gives 0, and a comma is a decimal point.
 double i_atof(const char *texto);
+double i_atof_vista(std::string_view texto); // the same over a text without zero bytes
 double i_atof_u(const char16_t *texto);
 int32_t i_atol(const char *texto);
 int32_t i_atol_u(const char16_t *texto);

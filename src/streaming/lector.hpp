@@ -10,6 +10,7 @@
 #include "services/arrays.hpp"
 #include "services/ficheros.hpp"
 #include "streaming/comun.hpp"
+#include "streaming/escaneo.hpp"
 
 #include <zarnxml/zarntxt.h>
 
@@ -237,6 +238,8 @@ struct i_xml_lectura : zarnfxml_s {
     }
 
     std::string nombre_auxiliar; // scratch of the lexer for names
+    // The lexer's long scans in use (null: the scalar ones), looked up once per reader.
+    const zarn::escaneo::Largas *largas = zarn::escaneo::largas();
 };
 
 // The reader behind a handle: "(xml) != NULL", then the object must be a reader.
@@ -334,7 +337,7 @@ bool i_existe_propiedad_con_dato(const i_propiedades_t &propiedades, const char 
 // when mensaje is given, a new copy of the fault's message there.
 template <typename F>
 bool i_recorre_registros(i_xml_lectura *xml, zybool admite_campo_vacio, F &&f, CADENA *mensaje) {
-    while (!i_lectura_terminada(xml)) {
+    for (;;) {
         const i_tipo_registro_t tipo = i_lee_registro(xml, admite_campo_vacio);
         switch (tipo) {
         case i_REGISTRO_INICIO_BLOQUE:
@@ -348,13 +351,14 @@ bool i_recorre_registros(i_xml_lectura *xml, zybool admite_campo_vacio, F &&f, C
                                                          xml->ind_linea, xml->ind_columna));
             return !i_hay_error_lectura(xml, mensaje);
         case i_REGISTRO_DEFINICION_COMENTARIO:
-        case i_REGISTRO_FIN_FICHERO:
-        case i_REGISTRO_ERROR:
         case i_REGISTRO_NINGUNO:
             break;
+        case i_REGISTRO_FIN_FICHERO:
+        case i_REGISTRO_ERROR:
+            // The record of the piece that ends the reading (i_lectura_terminada).
+            return !i_hay_error_lectura(xml, mensaje);
         }
     }
-    return !i_hay_error_lectura(xml, mensaje);
 }
 
 // The check: the document is good and, when etiqueta_raiz has text, its first block bears that

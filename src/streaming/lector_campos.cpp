@@ -50,7 +50,7 @@ uint32_t i_dato_a_ulong(const i_xml_lectura *xml) {
 
 double i_dato_a_double(const i_xml_lectura *xml) {
     const i_dato_t &d = i_dato(xml);
-    return d.es_ascii_llano() ? i_atof(d.bruto().c_str()) : i_atof_u(d.c_str());
+    return d.es_ascii_llano() ? i_atof_vista(d.bruto()) : i_atof_u(d.c_str());
 }
 
 // A file opened for reading, closed at the end of the scope however the scope ends.
@@ -87,7 +87,12 @@ CADENA_u i_lee_cadena_u(zarnfxml_t *xml, const char *etiqueta) {
     i_xml_lectura *x = I_LECTOR(xml);
     i_lee_campo_admite_vacio(x, etiqueta);
     const i_dato_t &d = i_dato(x);
-    return d.es_ascii_llano() ? zarn::dup_utf16(d.bruto()) : zarn::dup_u(d.texto());
+    // Without entities, decoding a UTF-8 text (or an ASCII one in any encoding) is converting it.
+    const std::string &b = d.bruto();
+    const bool sin_entidades = b.find('&') == std::string::npos;
+    if (sin_entidades && (d.tipo_codificacion() != i_CODIFICACION_ISO_8859_1 || d.es_ascii_llano()))
+        return zarn::dup_utf16(b);
+    return zarn::dup_u(d.texto());
 }
 
 double i_lee_double(zarnfxml_t *xml, const char *etiqueta) {

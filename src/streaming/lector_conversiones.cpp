@@ -17,16 +17,19 @@ bool contiene_nan(std::string_view s) {
 
 } // namespace
 
-double i_atof(const char *texto) {
-    ZARN_ASSERT_NO_NULL(texto, ORIGEN_STREAMING);
-    const std::string_view s(texto);
+double i_atof_vista(std::string_view s) {
     if (contiene_nan(s))
         return 0.0;
     if (s.find(',') == std::string_view::npos)
-        return i_cad_atof(texto);
+        return zarn::texto_a_double(s);
     std::string copia(s);
     std::replace(copia.begin(), copia.end(), ',', '.');
-    return i_cad_atof(copia.c_str());
+    return zarn::texto_a_double(copia);
+}
+
+double i_atof(const char *texto) {
+    ZARN_ASSERT_NO_NULL(texto, ORIGEN_STREAMING);
+    return i_atof_vista(texto);
 }
 
 double i_atof_u(const char16_t *texto) {

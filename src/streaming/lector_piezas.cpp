@@ -3,6 +3,7 @@
 //
 // The lexer walks the current line in place. Each line is terminated by a zero byte, which ends
 // every scan, so that looking a few bytes ahead never leaves the line.
+#include "streaming/escaneo.hpp"
 #include "streaming/lector.hpp"
 
 #include <array>
@@ -12,41 +13,10 @@ using zarn::ORIGEN_STREAMING;
 
 namespace {
 
-// Byte classes of the scans.
-enum : uint8_t {
-    C_BLANCO = 1,     // white space: blank, tab, CR, LF
-    C_FIN_NOMBRE = 2, // ends a name of a tag or property
-    // The stop sets of the texts: a datum, a value without quotes, in "..." and in '...'.
-    C_FIN_DATO = 4,
-    C_FIN_VALOR = 8,
-    C_FIN_VALOR_COMILLAS = 16,   // ' is an ordinary byte here
-    C_FIN_VALOR_APOSTROFOS = 32, // " is an ordinary byte here
-    // Where a skip of white space may have something to do: white space, the end of the line,
-    // a byte order mark, a comment or a line-break tag.
-    C_SALTABLE = 64,
-    // The zero byte that ends every line ends every scan.
-    C_FIN_LINEA = C_FIN_NOMBRE | C_FIN_DATO | C_FIN_VALOR | C_FIN_VALOR_COMILLAS |
-                  C_FIN_VALOR_APOSTROFOS | C_SALTABLE,
-};
+using namespace zarn::escaneo;
 
-constexpr std::array<uint8_t, 256> CLASES = [] {
-    std::array<uint8_t, 256> t{};
-    for (const unsigned char c : {' ', '\t', '\r', '\n'})
-        t[c] |= C_BLANCO | C_FIN_NOMBRE | C_SALTABLE;
-    for (const unsigned char c : {'=', '<', '/', '?', '>', '"', '\''})
-        t[c] |= C_FIN_NOMBRE;
-    t['<'] |= C_FIN_DATO | C_FIN_VALOR | C_FIN_VALOR_COMILLAS | C_FIN_VALOR_APOSTROFOS | C_SALTABLE;
-    t['>'] |= C_FIN_VALOR | C_FIN_VALOR_COMILLAS | C_FIN_VALOR_APOSTROFOS;
-    t['"'] |= C_FIN_VALOR | C_FIN_VALOR_COMILLAS;
-    t['\''] |= C_FIN_VALOR | C_FIN_VALOR_APOSTROFOS;
-    t[0xEF] |= C_SALTABLE;
-    t[0] |= C_FIN_LINEA;
-    return t;
-}();
-
-inline bool es(char c, uint8_t clase) {
-    return (CLASES[static_cast<unsigned char>(c)] & clase) != 0;
-}
+// The lines of a file have the slack that the block scans need; a list's lines have none.
+static_assert(zarn::CortadorLineas::HOLGURA >= HOLGURA);
 
 constexpr const char *FIN_DEFINICION = "?"; // for strcspn (the zero byte always stops it)
 
@@ -55,7 +25,8 @@ constexpr const char *FIN_DEFINICION = "?"; // for strcspn (the zero byte always
 class Lexico {
 public:
     Lexico(i_xml_lectura &xml, int32_t tipo_codificacion)
-        : x_(xml), lin_(xml.ind_linea), col_(xml.ind_columna), tipo_(tipo_codificacion) {}
+        : x_(xml), lin_(xml.ind_linea), col_(xml.ind_columna), tipo_(tipo_codificacion),
+          largas_(xml.fuente.tipo_fuente == i_FUENTE_FICHERO ? xml.largas : nullptr) {}
 
     void lee(i_pieza_t &pieza);
 
@@ -95,7 +66,7 @@ private:
         salta_blancos_lento(salta_comentarios, salta_saltos_linea, num_saltos_linea);
     }
     void salta_blancos_lento(bool salta_comentarios, bool salta_saltos_linea,
-                             uint32_t *num_saltos_linea);
+                             uint32_t *num_saltos_linea, bool linea_en_mano = false);
     bool salta_comentario();
     std::string_view lee_nombre();
     bool lee_texto(std::string &acumulado, uint8_t fin, char union_lineas);
@@ -113,6 +84,8 @@ private:
     uint32_t &lin_;
     uint32_t &col_;
     const int32_t tipo_;
+    // The long scans, when the source's lines have their slack and they are in use.
+    const Largas *const largas_;
     const char *linea_ = nullptr;
     zybool fin_ = FALSO;
 };
@@ -123,13 +96,15 @@ void Lexico::error(i_pieza_t &pieza, const char *texto_error, const char *detall
     pieza.mensaje_error = i_mensaje_error(texto_error, detalle1, detalle2, lin_, col_);
 }
 
+// With linea_en_mano, the line was fetched right before: a second fetch would clear the end mark.
 void Lexico::salta_blancos_lento(bool salta_comentarios, bool salta_saltos_linea,
-                                 uint32_t *num_saltos_linea) {
-    for (;;) {
-        dame(lin_);
-        const char *s = pos();
-        while (es(*s, C_BLANCO))
-            ++s;
+                                 uint32_t *num_saltos_linea, bool linea_en_mano) {
+    for (;; linea_en_mano = false) {
+        if (!linea_en_mano)
+            dame(lin_);
+        // White space between pieces and names are short: byte by byte, which measures faster
+        // there than passing to block scans after CORTAS bytes.
+        const char *s = tras_blancos(pos(), nullptr);
         if (s[0] == '\xEF' && s[1] == '\xBB' && s[2] == '\xBF')
             s += 3;
         col_ = static_cast<uint32_t>(s - linea_);
@@ -175,9 +150,7 @@ bool Lexico::salta_comentario() {
 // A name: the bytes up to the name stop set; possibly empty. The view lives as long as the line.
 std::string_view Lexico::lee_nombre() {
     const char *ini = pos();
-    const char *s = ini;
-    while (!es(*s, C_FIN_NOMBRE))
-        ++s;
+    const char *s = busca<C_FIN_NOMBRE>(ini, nullptr);
     avanza(static_cast<size_t>(s - ini));
     return {ini, static_cast<size_t>(s - ini)};
 }
@@ -191,9 +164,7 @@ bool Lexico::lee_texto(std::string &acumulado, uint8_t fin, char union_lineas) {
     for (;;) {
         bool unido = false;
         const char *trozo = pos();
-        const char *s = trozo;
-        while (!es(*s, fin))
-            ++s;
+        const char *s = hasta(trozo, fin, largas_);
         const auto n = static_cast<size_t>(s - trozo);
         avanza(n);
         if (n > 0) {
@@ -394,8 +365,10 @@ void Lexico::lee_cdata(i_pieza_t &pieza) {
 }
 
 void Lexico::lee(i_pieza_t &pieza) {
-    // The full skip, which fetches the line first: the lexer is new for each piece.
-    salta_blancos_lento(true, false, nullptr);
+    // The lexer is new for each piece: the line first, then the skip, which fetches it no more.
+    dame(lin_);
+    if (es(byte(), C_SALTABLE) && !(byte() == '<' && pos()[1] != '!'))
+        salta_blancos_lento(true, false, nullptr, true);
     const char *s = pos();
     if (s[0] == '\0') {
         if (!x_.etiquetas_abiertas.empty())

@@ -48,6 +48,20 @@ void i_registro_campo(i_xml_lectura *xml, i_pieza_t &inicio, i_pieza_t *dato, bo
     }
 }
 
+// The current record made from the current piece, which nothing will look at again but for its
+// type, level, tag and message: its properties and datum are taken over, not copied.
+void i_registro_tomando_pieza(i_xml_lectura *xml, i_pieza_t &pieza) {
+    i_registro_t &r = xml->registro;
+    r.tipo_registro = i_tipo_registro_de_pieza(pieza.tipo_pieza);
+    r.nivel_etiquetado = pieza.nivel_etiquetado;
+    r.etiqueta.assign(pieza.etiqueta);
+    r.propiedades.intercambia(pieza.propiedades);
+    pieza.propiedades.clear();
+    r.dato.intercambia(pieza.dato);
+    pieza.dato.limpia();
+    r.mensaje_error.assign(pieza.mensaje_error);
+}
+
 } // namespace
 
 i_registro_t &i_registro(i_xml_lectura *xml) {
@@ -105,7 +119,7 @@ i_tipo_registro_t i_lee_registro(i_xml_lectura *xml, zybool admite_campo_vacio) 
         case i_PIEZA_FIN_BLOQUE:
         case i_PIEZA_FIN_FICHERO:
         case i_PIEZA_ERROR:
-            i_registro_de_pieza(xml, pieza);
+            i_registro_tomando_pieza(xml, pieza);
             break;
         case i_PIEZA_INICIO_Y_FIN_BLOQUE:
             // The piece stays current (its end record comes from it): copied, not taken.
@@ -124,13 +138,13 @@ i_tipo_registro_t i_lee_registro(i_xml_lectura *xml, zybool admite_campo_vacio) 
                 } else {
                     i_devuelve_pieza(xml);
                     i_devuelve_pieza(xml);
-                    i_registro_de_pieza(xml, pieza);
+                    i_registro_tomando_pieza(xml, pieza);
                 }
             } else if (admite_campo_vacio && pieza2.tipo_pieza == i_PIEZA_FIN_BLOQUE) {
                 i_registro_campo(xml, pieza, nullptr, true);
             } else {
                 i_devuelve_pieza(xml);
-                i_registro_de_pieza(xml, pieza);
+                i_registro_tomando_pieza(xml, pieza);
             }
             break;
         }
