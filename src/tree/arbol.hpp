@@ -6,6 +6,8 @@
 // Children of a node are one contiguous run of node records; destroying the root frees the
 // arena in one go, whatever the depth. Tags and property names, which repeat, are kept once.
 // Only the root (and the blank nodes that the sequential reader makes) are allocated alone.
+// A node's properties stand in the arena right before what the node points to (its datum or its
+// children), so that a node needs no pointer of its own for them.
 #pragma once
 
 #include "services/arrays.hpp"
@@ -14,6 +16,7 @@
 
 #include <zarnxml/zarnxml.h>
 
+#include <array>
 #include <cstddef>
 #include <deque>
 #include <memory>
@@ -25,10 +28,20 @@
 
 // ---- Arena -----------------------------------------------------------------------------------
 
-// Bump allocation in blocks; nothing is freed before the whole arena.
+// Bump allocation in blocks; nothing is freed before the whole arena. The blocks grow to 2 MiB
+// and from there on are large blocks on huge pages, so that filling the arena of a large tree
+// takes few page faults.
 class i_almacen {
 public:
-    void *reserva(size_t tamanyo, size_t alineacion);
+    void *reserva(size_t tamanyo, size_t alineacion) {
+        auto *p = reinterpret_cast<std::byte *>(
+            (reinterpret_cast<uintptr_t>(pos_) + (alineacion - 1)) & ~uintptr_t(alineacion - 1));
+        if (pos_ && tamanyo <= static_cast<size_t>(fin_ - p)) [[likely]] {
+            pos_ = p + tamanyo;
+            return p;
+        }
+        return reserva_en_bloque_nuevo(tamanyo);
+    }
     template <typename T> T *reserva_de(size_t num) {
         return static_cast<T *>(reserva(num * sizeof(T), alignof(T)));
     }
@@ -38,7 +51,10 @@ public:
     void libera_todo() noexcept;
 
 private:
+    void *reserva_en_bloque_nuevo(size_t tamanyo);
+
     std::vector<std::unique_ptr<std::byte[]>> bloques_;
+    std::vector<zarn::BloqueGrande> bloques_grandes_;
     std::byte *pos_ = nullptr;
     std::byte *fin_ = nullptr;
     size_t tamanyo_bloque_ = 16 * 1024;
@@ -67,29 +83,37 @@ struct zarnxml_configuracion_s {
 
 // A node. Trivially copyable: the builder moves records into their final contiguous place.
 // An element holds either a datum or child elements, never both, so one pointer serves: the
-// children when there are any, otherwise the datum (null for a block without children).
+// children when there are any, otherwise the datum; a block without children has none (its
+// pointer is null, or the end of its properties). The properties, num_propiedades() records in
+// document order, end where contenido points.
 struct zarnxml_nodo_s {
     const char *etiqueta;                   // never null; "" in a blank node
-    const zarnxml_propiedad_t *propiedades; // num_propiedades() records in document order
     const void *contenido;                  // num_hijos children, or the datum
     zarnxml_configuracion_t *configuracion; // the tree's record
     uint32_t num_hijos;
-    uint32_t propiedades_y_marcas; // count << 2 | marks
+    uint32_t propiedades_y_marcas; // count << 3 | marks
 
     static constexpr uint32_t INDEPENDIENTE = 1u;          // allocated alone, freed alone
     static constexpr uint32_t DESTRUYE_CONFIGURACION = 2u; // the root: owns configuracion
+    static constexpr uint32_t SIN_DATO = 4u; // a block: no datum, even without children
+    static constexpr uint32_t MARCAS = 7u;
 
-    // Null for an element with child elements.
+    // Null for an element with child elements and for a block without them.
     const char16_t *dato() const {
-        return num_hijos ? nullptr : static_cast<const char16_t *>(contenido);
+        return num_hijos || tiene(SIN_DATO) ? nullptr : static_cast<const char16_t *>(contenido);
     }
     const zarnxml_nodo_s *hijos() const {
         return num_hijos ? static_cast<const zarnxml_nodo_s *>(contenido) : nullptr;
     }
-    uint32_t num_propiedades() const { return propiedades_y_marcas >> 2; }
+    const zarnxml_propiedad_t *propiedades() const {
+        return reinterpret_cast<const zarnxml_propiedad_t *>(
+                   static_cast<const std::byte *>(contenido)) -
+               num_propiedades();
+    }
+    uint32_t num_propiedades() const { return propiedades_y_marcas >> 3; }
     bool tiene(uint32_t marca) const { return (propiedades_y_marcas & marca) != 0; }
 };
-static_assert(sizeof(zarnxml_nodo_s) == 40);
+static_assert(sizeof(zarnxml_nodo_s) == 32);
 
 // The sequential reader over a tree; its operations live with sequential reading, but lookup
 // and typed access also work on the node where it stands.
@@ -130,7 +154,7 @@ public:
     // children follow until fin_bloque. Answers false, and does nothing, for a second element
     // at the top level.
     bool elemento(std::string_view etiqueta, const i_propiedades_t &propiedades,
-                  const std::u16string *dato);
+                  const i_dato_t *dato);
     void fin_bloque();
     // Closes what is still open and gives back the working memory.
     void termina();
@@ -139,7 +163,12 @@ public:
 
 private:
     zarnxml_nodo_s nodo(std::string_view etiqueta, const i_propiedades_t &propiedades,
-                        const std::u16string *dato);
+                        const i_dato_t *dato);
+    // A name kept once by the tree, through a small cache of the names last met.
+    const char *nombre(std::string_view s);
+    // The wide text of a datum or property value, terminated, in the arena right after `antes`
+    // bytes aligned for properties, which the caller fills.
+    char16_t *texto_tras(size_t antes, const i_dato_t &dato);
 
     zarnxml_nodo_s *raiz_;
     zarnxml_configuracion_t *conf_;
@@ -148,9 +177,24 @@ private:
     // arena when it closes. A deque, so that a long run of siblings is never moved while it
     // grows and its memory serves again for the next run.
     std::deque<zarnxml_nodo_s> pendientes_;
-    // For each open block, where its children begin in pendientes_; the block itself is the
-    // record just before (or the root, for the outermost).
-    std::vector<size_t> inicios_;
+    // The properties of the open blocks, which go to the arena before their children.
+    std::vector<zarnxml_propiedad_t> propiedades_abiertas_;
+    // For each open block, where its children begin in pendientes_ and its properties in
+    // propiedades_abiertas_; the block itself is the record just before (or the root, for the
+    // outermost).
+    struct abierto {
+        size_t hijos;
+        size_t propiedades;
+    };
+    std::vector<abierto> inicios_;
+    // The properties of the element in hand.
+    std::vector<zarnxml_propiedad_t> propiedades_;
+    // Names last met, by a hash of their length and end bytes.
+    struct nombre_visto {
+        const char *texto = nullptr;
+        size_t largo = 0;
+    };
+    std::array<nombre_visto, 64> nombres_vistos_{};
 };
 
 // ---- Lookup ----------------------------------------------------------------------------------

@@ -127,8 +127,8 @@ const zarnxml_propiedad_t *i_busca_propiedad(const zarnxml_nodo_t *nodo,
                                              const char *texto_propiedad) {
     const uint32_t num = nodo->num_propiedades();
     for (uint32_t i = 0; i < num; ++i)
-        if (i_etiqueta_igual(nodo->propiedades[i].texto_propiedad, texto_propiedad))
-            return &nodo->propiedades[i];
+        if (i_etiqueta_igual(nodo->propiedades()[i].texto_propiedad, texto_propiedad))
+            return &nodo->propiedades()[i];
     return nullptr;
 }
 
@@ -227,7 +227,7 @@ ZARN_API uint32_t zarnxml_num_propiedades(const zarnxml_nodo_t *nodo) {
 ZARN_API const zarnxml_propiedad_t *zarnxml_propiedad(const zarnxml_nodo_t *nodo, uint32_t ind) {
     ZARN_ASSERT_NO_NULL(nodo, ORIGEN);
     ZARN_ASSERT_TEXTO(ind < nodo->num_propiedades(), "ind < num_propiedades", ORIGEN);
-    return &nodo->propiedades[ind];
+    return &nodo->propiedades()[ind];
 }
 
 ZARN_API zybool zarnxml_etiqueta_igual(const zarnxml_nodo_t *nodo, const char *etiqueta) {
