@@ -86,6 +86,12 @@ struct zarnxml_configuracion_s {
 // children when there are any, otherwise the datum; a block without children has none (its
 // pointer is null, or the end of its properties). The properties, num_propiedades() records in
 // document order, end where contenido points.
+//
+// Data are kept wide, as the accessors lend them, except the data that typed reads take as
+// numbers (ASCII digits, signs, points, commas, exponents and blanks) of nodes without
+// properties: these are kept as their bytes, half the memory, and read as numbers from there.
+// The first request for such a datum as wide text widens it into the arena, once, and the node
+// points to the wide text from then on (a tree serves one thread at a time).
 struct zarnxml_nodo_s {
     const char *etiqueta;                   // never null; "" in a blank node
     const void *contenido;                  // num_hijos children, or the datum
@@ -93,15 +99,26 @@ struct zarnxml_nodo_s {
     uint32_t num_hijos;
     uint32_t propiedades_y_marcas; // count << 3 | marks
 
-    static constexpr uint32_t INDEPENDIENTE = 1u;          // allocated alone, freed alone
-    static constexpr uint32_t DESTRUYE_CONFIGURACION = 2u; // the root: owns configuracion
+    static constexpr uint32_t INDEPENDIENTE = 1u; // allocated alone, freed alone
+    // With INDEPENDIENTE: the root, which owns configuracion. Without it, on a node of a tree,
+    // the same bit is ESTRECHO: the datum is kept as its ASCII bytes.
+    static constexpr uint32_t DESTRUYE_CONFIGURACION = 2u;
+    static constexpr uint32_t ESTRECHO = 2u;
     static constexpr uint32_t SIN_DATO = 4u; // a block: no datum, even without children
-    static constexpr uint32_t MARCAS = 7u;
 
     // Null for an element with child elements and for a block without them.
     const char16_t *dato() const {
-        return num_hijos || tiene(SIN_DATO) ? nullptr : static_cast<const char16_t *>(contenido);
+        if (num_hijos || tiene(SIN_DATO))
+            return nullptr;
+        if (estrecho()) [[unlikely]]
+            return ensancha();
+        return static_cast<const char16_t *>(contenido);
     }
+    bool estrecho() const {
+        return (propiedades_y_marcas & (INDEPENDIENTE | ESTRECHO)) == ESTRECHO;
+    }
+    // The datum kept as bytes (only when estrecho()).
+    const char *dato_estrecho() const { return static_cast<const char *>(contenido); }
     const zarnxml_nodo_s *hijos() const {
         return num_hijos ? static_cast<const zarnxml_nodo_s *>(contenido) : nullptr;
     }
@@ -112,6 +129,10 @@ struct zarnxml_nodo_s {
     }
     uint32_t num_propiedades() const { return propiedades_y_marcas >> 3; }
     bool tiene(uint32_t marca) const { return (propiedades_y_marcas & marca) != 0; }
+
+private:
+    // Widens a datum kept as bytes into the arena and points the node to it.
+    const char16_t *ensancha() const;
 };
 static_assert(sizeof(zarnxml_nodo_s) == 32);
 
@@ -162,8 +183,9 @@ public:
     void descarta();
 
 private:
+    // en_arbol: the node goes into the tree (not the root, which is allocated alone).
     zarnxml_nodo_s nodo(std::string_view etiqueta, const i_propiedades_t &propiedades,
-                        const i_dato_t *dato);
+                        const i_dato_t *dato, bool en_arbol);
     // A name kept once by the tree, through a small cache of the names last met.
     const char *nombre(std::string_view s);
     // The wide text of a datum or property value, terminated, in the arena right after `antes`
@@ -218,7 +240,27 @@ inline const char16_t *i_dato(const zarnxml_nodo_t *nodo) {
     const char16_t *dato = nodo->dato();
     return dato ? dato : u"";
 }
+// Whether that datum is the empty text (a datum kept as bytes never is).
+inline bool i_dato_vacio(const zarnxml_nodo_t *nodo) {
+    return !nodo->estrecho() && *i_dato(nodo) == u'\0';
+}
+// Numbers from the datum, as zarnfxml_atof_u and its kin read its wide text; a datum kept as
+// bytes is read from them, which gives the same for ASCII.
+inline double i_dato_double(const zarnxml_nodo_t *nodo) {
+    return nodo->estrecho() ? i_atof(nodo->dato_estrecho()) : i_atof_u(i_dato(nodo));
+}
+inline int32_t i_dato_long(const zarnxml_nodo_t *nodo) {
+    return nodo->estrecho() ? i_atol(nodo->dato_estrecho()) : i_atol_u(i_dato(nodo));
+}
+inline uint32_t i_dato_ulong(const zarnxml_nodo_t *nodo) {
+    return nodo->estrecho() ? i_atoul(nodo->dato_estrecho()) : i_atoul_u(i_dato(nodo));
+}
+inline uint16_t i_dato_ushort(const zarnxml_nodo_t *nodo) {
+    return nodo->estrecho() ? i_atous(nodo->dato_estrecho()) : i_atous_u(i_dato(nodo));
+}
 bool i_es_dato_bool(const char16_t *dato, const zarnxml_configuracion_t *conf, zybool *valor);
+// The same for a node's datum, without widening one kept as bytes.
+bool i_es_dato_bool(const zarnxml_nodo_t *nodo, zybool *valor);
 ArrDouble_s *i_lista_double(std::u16string_view texto, std::u16string_view separadores);
 ArrULong_s *i_lista_ulong(std::u16string_view texto, std::u16string_view separadores);
 

@@ -16,6 +16,15 @@ constexpr size_t TAMANYO_BLOQUE_MAXIMO = 4 * zarn::TAMANYO_PAGINA_GRANDE;
 // Past this many different names, names are copied instead of being kept once.
 constexpr size_t NOMBRES_MAXIMOS = 4096;
 
+// Whether typed reads take this datum as a number, or a list of them: ASCII digits, signs,
+// points, commas, exponents and blanks.
+bool es_numerico(std::string_view bytes) {
+    return !bytes.empty() && std::all_of(bytes.begin(), bytes.end(), [](char c) {
+        return (c >= '0' && c <= '9') || c == '-' || c == '+' || c == '.' || c == ',' ||
+               c == 'e' || c == 'E' || c == ' ';
+    });
+}
+
 } // namespace
 
 // ---- Arena -----------------------------------------------------------------------------------
@@ -116,6 +125,17 @@ zarnxml_nodo_t *i_crea_nodo_vacio(zarnxml_configuracion_t *configuracion) {
     return crea_nodo_en_blanco(configuracion, zarnxml_nodo_s::INDEPENDIENTE);
 }
 
+const char16_t *zarnxml_nodo_s::ensancha() const {
+    const std::string_view bytes(dato_estrecho());
+    auto *ancho = configuracion->almacen.reserva_de<char16_t>(bytes.size() + 1);
+    std::copy(bytes.begin(), bytes.end(), ancho);
+    ancho[bytes.size()] = u'\0';
+    auto *nodo = const_cast<zarnxml_nodo_s *>(this);
+    nodo->contenido = ancho;
+    nodo->propiedades_y_marcas &= ~ESTRECHO;
+    return ancho;
+}
+
 bool i_es_nodo_en_blanco(const zarnxml_nodo_t *nodo) {
     return nodo->etiqueta[0] == '\0' && nodo->num_propiedades() == 0 && !nodo->dato() &&
            nodo->num_hijos == 0;
@@ -163,8 +183,8 @@ char16_t *i_constructor_arbol::texto_tras(size_t antes, const i_dato_t &dato) {
 }
 
 zarnxml_nodo_s i_constructor_arbol::nodo(std::string_view etiqueta,
-                                         const i_propiedades_t &propiedades,
-                                         const i_dato_t *dato) {
+                                         const i_propiedades_t &propiedades, const i_dato_t *dato,
+                                         bool en_arbol) {
     zarnxml_nodo_s n{nombre(etiqueta), nullptr, conf_, 0, 0};
     const size_t num = propiedades.size();
     propiedades_.clear();
@@ -184,6 +204,10 @@ zarnxml_nodo_s i_constructor_arbol::nodo(std::string_view etiqueta,
                                      propiedades_.end());
     } else if (num == 0 && dato->bruto().empty()) {
         n.contenido = u"";
+    } else if (num == 0 && en_arbol && es_numerico(dato->bruto())) {
+        // ASCII without entities: the bytes are the text.
+        n.contenido = conf_->almacen.copia(std::string_view(dato->bruto()));
+        n.propiedades_y_marcas |= zarnxml_nodo_s::ESTRECHO;
     } else {
         const size_t antes = num * sizeof(zarnxml_propiedad_t);
         char16_t *texto = texto_tras(antes, *dato);
@@ -203,10 +227,10 @@ bool i_constructor_arbol::elemento(std::string_view etiqueta, const i_propiedade
         raiz_llena_ = true;
         const uint32_t marcas = raiz_->propiedades_y_marcas &
                                 (zarnxml_nodo_s::INDEPENDIENTE | zarnxml_nodo_s::DESTRUYE_CONFIGURACION);
-        *raiz_ = nodo(etiqueta, propiedades, dato);
+        *raiz_ = nodo(etiqueta, propiedades, dato, false);
         raiz_->propiedades_y_marcas |= marcas;
     } else {
-        pendientes_.push_back(nodo(etiqueta, propiedades, dato));
+        pendientes_.push_back(nodo(etiqueta, propiedades, dato, true));
     }
     if (!dato)
         inicios_.push_back({pendientes_.size(), propiedades_abiertas_.size() - propiedades.size()});
