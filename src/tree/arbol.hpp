@@ -18,7 +18,6 @@
 
 #include <array>
 #include <cstddef>
-#include <deque>
 #include <memory>
 #include <string>
 #include <string_view>
@@ -166,6 +165,39 @@ using i_nodo_propio = std::unique_ptr<zarnxml_nodo_t, i_destruye_nodo_t>;
 // Whether the node is blank: the empty tag, no properties, no datum, no children.
 bool i_es_nodo_en_blanco(const zarnxml_nodo_t *nodo);
 
+// The builder's stack of nodes waiting for their block to close, in chunks of fixed size: records
+// never move while the stack grows, and a chunk that empties goes back to the system (one is kept
+// for the next run), so that a long run, moving to the arena, is not held twice.
+class i_pila_nodos {
+public:
+    size_t size() const noexcept { return num_; }
+    zarnxml_nodo_s &operator[](size_t i) noexcept { return tramos_[i / TRAMO][i % TRAMO]; }
+    zarnxml_nodo_s &back() noexcept { return (*this)[num_ - 1]; }
+    void push_back(const zarnxml_nodo_s &nodo) {
+        if (num_ == tramos_.size() * TRAMO)
+            tramos_.push_back(repuesto_ ? std::move(repuesto_)
+                                        : std::make_unique_for_overwrite<zarnxml_nodo_s[]>(TRAMO));
+        (*this)[num_++] = nodo;
+    }
+    void pop_back() noexcept {
+        if (--num_ % TRAMO == 0) {
+            repuesto_ = std::move(tramos_.back());
+            tramos_.pop_back();
+        }
+    }
+    void clear() noexcept {
+        tramos_.clear();
+        repuesto_.reset();
+        num_ = 0;
+    }
+
+private:
+    static constexpr size_t TRAMO = size_t{1} << 14;
+    std::vector<std::unique_ptr<zarnxml_nodo_s[]>> tramos_;
+    std::unique_ptr<zarnxml_nodo_s[]> repuesto_;
+    size_t num_ = 0;
+};
+
 // Builds a tree into a blank root from the elements of a document in document order.
 class i_constructor_arbol {
 public:
@@ -196,9 +228,8 @@ private:
     zarnxml_configuracion_t *conf_;
     bool raiz_llena_ = false;
     // The children of the open blocks, in document order; a block's children move to the
-    // arena when it closes. A deque, so that a long run of siblings is never moved while it
-    // grows and its memory serves again for the next run.
-    std::deque<zarnxml_nodo_s> pendientes_;
+    // arena when it closes.
+    i_pila_nodos pendientes_;
     // The properties of the open blocks, which go to the arena before their children.
     std::vector<zarnxml_propiedad_t> propiedades_abiertas_;
     // For each open block, where its children begin in pendientes_ and its properties in

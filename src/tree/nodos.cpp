@@ -256,9 +256,11 @@ void i_constructor_arbol::fin_bloque() {
         std::memcpy(inicio_bloque, propiedades_abiertas_.data() + inicio.propiedades, antes);
     propiedades_abiertas_.resize(inicio.propiedades);
     auto *hijos = reinterpret_cast<zarnxml_nodo_s *>(inicio_bloque + antes);
-    std::copy(pendientes_.begin() + static_cast<ptrdiff_t>(inicio.hijos), pendientes_.end(),
-              hijos);
-    pendientes_.resize(inicio.hijos);
+    // Moved from the back, so that the stack gives back its memory as the run fills.
+    for (size_t i = num; i-- > 0;) {
+        hijos[i] = pendientes_.back();
+        pendientes_.pop_back();
+    }
     bloque->contenido = hijos;
     bloque->num_hijos = static_cast<uint32_t>(num);
 }
@@ -266,14 +268,14 @@ void i_constructor_arbol::fin_bloque() {
 void i_constructor_arbol::termina() {
     while (!inicios_.empty())
         fin_bloque();
-    pendientes_ = {};
+    pendientes_.clear();
     propiedades_abiertas_ = {};
     inicios_ = {};
     propiedades_ = {};
 }
 
 void i_constructor_arbol::descarta() {
-    pendientes_ = {};
+    pendientes_.clear();
     propiedades_abiertas_ = {};
     inicios_ = {};
     nombres_vistos_ = {};
