@@ -55,7 +55,8 @@ void LiberaBloque::operator()(std::byte *p) const noexcept {
 }
 
 BloqueGrande reserva_bloque_grande(size_t tamanyo) {
-    const size_t n = (tamanyo + TAMANYO_PAGINA_GRANDE - 1) / TAMANYO_PAGINA_GRANDE * TAMANYO_PAGINA_GRANDE;
+    const size_t n =
+        (tamanyo + TAMANYO_PAGINA_GRANDE - 1) / TAMANYO_PAGINA_GRANDE * TAMANYO_PAGINA_GRANDE;
     void *p = std::aligned_alloc(TAMANYO_PAGINA_GRANDE, n ? n : TAMANYO_PAGINA_GRANDE);
     if (!p) [[unlikely]]
         throw std::bad_alloc();

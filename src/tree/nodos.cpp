@@ -20,8 +20,8 @@ constexpr size_t NOMBRES_MAXIMOS = 4096;
 // points, commas, exponents and blanks.
 bool es_numerico(std::string_view bytes) {
     return !bytes.empty() && std::all_of(bytes.begin(), bytes.end(), [](char c) {
-        return (c >= '0' && c <= '9') || c == '-' || c == '+' || c == '.' || c == ',' ||
-               c == 'e' || c == 'E' || c == ' ';
+        return (c >= '0' && c <= '9') || c == '-' || c == '+' || c == '.' || c == ',' || c == 'e' ||
+               c == 'E' || c == ' ';
     });
 }
 
@@ -193,8 +193,8 @@ zarnxml_nodo_s i_constructor_arbol::nodo(std::string_view etiqueta,
         // comes near either bound: each property of the tag in hand is a record of the reader.
         ZARN_ASSERT_TEXTO(num < (1u << 29), "num_propiedades < 0x40000000", ORIGEN);
         for (const i_propiedad_lectura_t &p : propiedades)
-            propiedades_.push_back({const_cast<char *>(nombre(p.texto_propiedad)),
-                                    texto_tras(0, p.dato_propiedad)});
+            propiedades_.push_back(
+                {const_cast<char *>(nombre(p.texto_propiedad)), texto_tras(0, p.dato_propiedad)});
         n.propiedades_y_marcas = static_cast<uint32_t>(num) << 3;
     }
     if (!dato) {
@@ -225,8 +225,9 @@ bool i_constructor_arbol::elemento(std::string_view etiqueta, const i_propiedade
         if (raiz_llena_)
             return false;
         raiz_llena_ = true;
-        const uint32_t marcas = raiz_->propiedades_y_marcas &
-                                (zarnxml_nodo_s::INDEPENDIENTE | zarnxml_nodo_s::DESTRUYE_CONFIGURACION);
+        const uint32_t marcas =
+            raiz_->propiedades_y_marcas &
+            (zarnxml_nodo_s::INDEPENDIENTE | zarnxml_nodo_s::DESTRUYE_CONFIGURACION);
         *raiz_ = nodo(etiqueta, propiedades, dato, false);
         raiz_->propiedades_y_marcas |= marcas;
     } else {
@@ -250,8 +251,8 @@ void i_constructor_arbol::fin_bloque() {
     ZARN_ASSERT_TEXTO(num < 0xFFFFFFFFu, "num_hijos < 0xFFFFFFFF", ORIGEN);
     // The properties, then the children, in one piece.
     const size_t antes = num_propiedades * sizeof(zarnxml_propiedad_t);
-    auto *inicio_bloque = static_cast<std::byte *>(conf_->almacen.reserva(
-        antes + num * sizeof(zarnxml_nodo_s), alignof(zarnxml_nodo_s)));
+    auto *inicio_bloque = static_cast<std::byte *>(
+        conf_->almacen.reserva(antes + num * sizeof(zarnxml_nodo_s), alignof(zarnxml_nodo_s)));
     if (num_propiedades)
         std::memcpy(inicio_bloque, propiedades_abiertas_.data() + inicio.propiedades, antes);
     propiedades_abiertas_.resize(inicio.propiedades);
@@ -279,8 +280,8 @@ void i_constructor_arbol::descarta() {
     propiedades_abiertas_ = {};
     inicios_ = {};
     nombres_vistos_ = {};
-    const uint32_t marcas = raiz_->propiedades_y_marcas &
-                                (zarnxml_nodo_s::INDEPENDIENTE | zarnxml_nodo_s::DESTRUYE_CONFIGURACION);
+    const uint32_t marcas = raiz_->propiedades_y_marcas & (zarnxml_nodo_s::INDEPENDIENTE |
+                                                           zarnxml_nodo_s::DESTRUYE_CONFIGURACION);
     *raiz_ = zarnxml_nodo_s{"", nullptr, conf_, 0, marcas};
     conf_->arrays_hijos.clear();
     conf_->nombres.clear();
