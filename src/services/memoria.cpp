@@ -7,10 +7,6 @@
 #include <cstdlib>
 #include <new>
 
-#if __has_include(<sys/mman.h>)
-#include <sys/mman.h>
-#endif
-
 namespace zarn {
 
 namespace {
@@ -48,22 +44,6 @@ char16_t *dup_u(std::u16string_view s) {
 
 void libera(void *p) noexcept {
     std::free(p);
-}
-
-void LiberaBloque::operator()(std::byte *p) const noexcept {
-    std::free(p);
-}
-
-BloqueGrande reserva_bloque_grande(size_t tamanyo) {
-    const size_t n =
-        (tamanyo + TAMANYO_PAGINA_GRANDE - 1) / TAMANYO_PAGINA_GRANDE * TAMANYO_PAGINA_GRANDE;
-    void *p = std::aligned_alloc(TAMANYO_PAGINA_GRANDE, n ? n : TAMANYO_PAGINA_GRANDE);
-    if (!p) [[unlikely]]
-        throw std::bad_alloc();
-#ifdef MADV_HUGEPAGE
-    madvise(p, n, MADV_HUGEPAGE); // advice only: without huge pages the block works the same
-#endif
-    return BloqueGrande(static_cast<std::byte *>(p));
 }
 
 } // namespace zarn

@@ -8,9 +8,7 @@
 
 #include <cstdarg>
 #include <cstdint>
-#include <cstddef>
 #include <cstring>
-#include <memory>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -69,17 +67,6 @@ char16_t *dup_u(std::u16string_view s);
 char *reserva(size_t n);
 char16_t *reserva_u(size_t n);
 void libera(void *p) noexcept;
-
-// Large blocks for the stores that fill memory from the start and keep it (the tree's arena, the
-// writer's lines): aligned to 2 MiB and marked for huge pages where the system has them, so that
-// filling one costs a page fault or two instead of one every 4 KiB. Never null.
-struct LiberaBloque {
-    void operator()(std::byte *p) const noexcept;
-};
-using BloqueGrande = std::unique_ptr<std::byte[], LiberaBloque>;
-inline constexpr size_t TAMANYO_PAGINA_GRANDE = size_t{2} << 20;
-// A block of `tamanyo` bytes, rounded up to a whole number of 2 MiB pages.
-BloqueGrande reserva_bloque_grande(size_t tamanyo);
 
 inline std::string_view vista(const char *s) {
     return s ? std::string_view(s) : std::string_view();

@@ -10,9 +10,6 @@
 using zarn::ORIGEN_STREAMING;
 
 char *i_almacen_lineas::bloque(size_t n) {
-    if (n >= zarn::TAMANYO_PAGINA_GRANDE)
-        return reinterpret_cast<char *>(
-            bloques_grandes_.emplace_back(zarn::reserva_bloque_grande(n)).get());
     return bloques_.emplace_back(std::make_unique_for_overwrite<char[]>(n)).get();
 }
 
@@ -25,8 +22,7 @@ void i_almacen_lineas::anade(std::string_view linea) {
         tramos_.push_back({destino, n});
     } else {
         if (n > queda_) [[unlikely]] {
-            // The first block is small, for the many small documents; the others are large
-            // blocks on huge pages.
+            // The first block is small, for the many small documents; the others are large.
             const size_t tamanyo = bloques_.empty() ? BLOQUE_INICIAL : BLOQUE_MAXIMO;
             libre_ = bloque(tamanyo);
             queda_ = tamanyo;

@@ -41,7 +41,7 @@ public:
 
 private:
     static constexpr size_t BLOQUE_INICIAL = size_t{256} << 10;
-    static constexpr size_t BLOQUE_MAXIMO = 2 * zarn::TAMANYO_PAGINA_GRANDE;
+    static constexpr size_t BLOQUE_MAXIMO = size_t{4} << 20;
     struct Tramo {
         const char *ini;
         size_t bytes;
@@ -50,7 +50,6 @@ private:
     char *bloque(size_t n);
 
     std::vector<std::unique_ptr<char[]>> bloques_;
-    std::vector<zarn::BloqueGrande> bloques_grandes_;
     std::vector<Tramo> tramos_; // consecutive lines in one block, in output order
     char *libre_ = nullptr;     // the free part of the block in hand
     size_t queda_ = 0;

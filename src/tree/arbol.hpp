@@ -27,9 +27,7 @@
 
 // ---- Arena -----------------------------------------------------------------------------------
 
-// Bump allocation in blocks; nothing is freed before the whole arena. The blocks grow to 2 MiB
-// and from there on are large blocks on huge pages, so that filling the arena of a large tree
-// takes few page faults.
+// Bump allocation in blocks; nothing is freed before the whole arena.
 class i_almacen {
 public:
     void *reserva(size_t tamanyo, size_t alineacion) {
@@ -53,7 +51,6 @@ private:
     void *reserva_en_bloque_nuevo(size_t tamanyo);
 
     std::vector<std::unique_ptr<std::byte[]>> bloques_;
-    std::vector<zarn::BloqueGrande> bloques_grandes_;
     std::byte *pos_ = nullptr;
     std::byte *fin_ = nullptr;
     size_t tamanyo_bloque_ = 16 * 1024;
