@@ -17,7 +17,7 @@ BENCH_SIZES?= 10 100 200
 
 BASE_PKGS  := cmake g++ make pkg-config
 TEST_PKGS  := libgtest-dev
-BENCH_PKGS := libbenchmark-dev libexpat1-dev libxml2-dev libpugixml-dev libtinyxml2-dev
+BENCH_PKGS := libbenchmark-dev libexpat1-dev libxml2-dev libpugixml-dev libtinyxml2-dev gnuplot-nox
 FUZZ_PKGS  := clang libclang-rt-14-dev
 COV_PKGS   := gcovr
 

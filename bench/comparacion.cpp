@@ -25,6 +25,8 @@
 //   comparacion libxml2_escritura OUT REGISTROS  libxml2 xmlTextWriter, tab indentation
 //   comparacion fwrite OUT FILE        the floor: FILE's bytes copied with fwrite in 1 MiB
 //                                      blocks (job_s counts the writing alone)
+//   comparacion fprintf OUT REGISTROS  the writing floor: the same bytes made with one fprintf
+//                                      per line into a FILE*
 #include <zarnxml/zarnxml.h>
 #include <zarnxml/zarnxml.hpp>
 
@@ -153,6 +155,37 @@ int escritura(const char *ruta, long registros) {
     zarnfxml_destruye_xml_escritura(&xml);
     std::printf("escritura: %ld records\n", registros);
     return 0;
+}
+
+// The floor of making the document: one formatted print per line into a FILE*, the numbers
+// formatted as every writer here formats them.
+int con_fprintf(const char *ruta, long registros) {
+    std::FILE *f = std::fopen(ruta, "wb");
+    if (!f) {
+        std::printf("fprintf: cannot create %s\n", ruta);
+        return 1;
+    }
+    std::fprintf(f, "<?xml version=\"1.0\" encoding=\"UTF-8\"?>\n");
+    std::fprintf(f, "<raiz>\n");
+    char buf[64];
+    for (long i = 0; i < registros; ++i) {
+        Registro r;
+        llena(r, i);
+        std::fprintf(f, "\t<registro id=\"%s\" grupo=\"A&amp;B\">\n", r.id);
+        std::fprintf(f, "\t\t<nombre>Cliente &lt;%ld&gt; &amp; \"socios\"</nombre>\n", i);
+        std::fprintf(f, "\t\t<importe>%s</importe>\n", texto_double(r.importe, buf).data());
+        std::fprintf(f, "\t\t<activo>%d</activo>\n", r.activo ? 1 : 0);
+        std::fprintf(f, "\t\t<posicion>\n");
+        std::fprintf(f, "\t\t\t<x>%s</x>\n", texto_double(r.x, buf).data());
+        std::fprintf(f, "\t\t\t<y>%s</y>\n", texto_double(r.y, buf).data());
+        std::fprintf(f, "\t\t</posicion>\n");
+        std::fprintf(f, "\t\t<nota>%s</nota>\n", kNota);
+        std::fprintf(f, "\t</registro>\n");
+    }
+    std::fprintf(f, "</raiz>\n");
+    const bool ok = std::fclose(f) == 0;
+    std::printf("fprintf: %s %ld records\n", ok ? "ok" : "error", registros);
+    return ok ? 0 : 1;
 }
 
 int genera(const char *ruta, long megas) {
@@ -624,6 +657,7 @@ int main(int argc, char **argv) {
     static constexpr std::pair<std::string_view, Escritura> escrituras[] = {
         {"genera", genera},
         {"escritura", escritura},
+        {"fprintf", con_fprintf},
         {"pugixml_escritura", pugixml_escritura},
         {"libxml2_escritura", libxml2_escritura}};
     const std::string_view modo = argc > 1 ? argv[1] : "";

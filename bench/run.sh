@@ -8,7 +8,9 @@
 #   BENCH_SIZES="10 100 200"          document sizes in MB: "SMALL MAIN BIG" (the memory check at
 #                                     SMALL and BIG, every case at MAIN, the scaling at BIG), or
 #                                     a single "MAIN" for the main tables alone
-#   BENCH_REPORT=bench/RESULTS.md     where the report goes
+#   BENCH_REPORT=bench/RESULTS.md     where the report goes; the bar chart goes beside it as
+#                                     resultados.svg (gnuplot), and bench/antes.tsv holds the
+#                                     figures of before, for the table of before and after
 set -euo pipefail
 
 src=$(cd "$(dirname "$0")/.." && pwd)
@@ -18,6 +20,8 @@ data=$build/bench-data
 runs=${BENCH_RUNS:-5}
 read -r -a sizes <<<"${BENCH_SIZES:-10 100 200}"
 report=${BENCH_REPORT:-$src/bench/RESULTS.md}
+grafico=$(dirname "$report")/resultados.svg
+antes=$src/bench/antes.tsv
 raw=$data/raw.txt
 comp=$b/comparacion
 
@@ -70,7 +74,7 @@ documento() {
 mide() {
   local mb=$1 mode=$2 key=$2@$1 out="" line rc i
   shift 2
-  [[ $mode == *escritura || $mode == fwrite ]] && out=$1
+  [[ $mode == *escritura || $mode == fwrite || $mode == fprintf ]] && out=$1
   [[ $mode == nada ]] && set --
   local walls=() jobs=() peak=0
   [[ -n $out ]] && rm -f "$out"
@@ -138,20 +142,20 @@ for m in arbol arbol_cpp pugixml tinyxml2 libxml2_dom; do mide "$main" "$m" "$do
 echo "== $main MB: pull read"
 for m in pull pull_cpp libxml2_pull; do mide "$main" "$m" "$doc"; done
 echo "== $main MB: write"
-for m in escritura pugixml_escritura libxml2_escritura; do
+for m in escritura pugixml_escritura libxml2_escritura fprintf; do
   mide "$main" "$m" "$(out_of "$m")" "${REG[$main]}"
 done
 mide "$main" fwrite "$(out_of fwrite)" "$doc"
 
 # What the writers wrote: ours must be the document itself, and every output well-formed.
 escritos=()
-for m in escritura pugixml_escritura libxml2_escritura fwrite; do
+for m in escritura pugixml_escritura libxml2_escritura fprintf fwrite; do
   f=$(out_of "$m")
   [[ ${ST[$m@$main]:-} == ok && -f $f ]] || continue
   if cmp -s "$f" "$doc"; then same="the same bytes as doc$main.xml"; else same="differs from doc$main.xml"; fi
   wf=$("$comp" expat "$f" 2>/dev/null || true)
   escritos+=("out-$m.xml: $(stat -c %s "$f") bytes, $same; expat: ${wf#expat: }")
-  [[ $m == escritura || $m == fwrite ]] && [[ $same == differs* ]] && odd+=("out-$m.xml differs from doc$main.xml")
+  [[ $m == escritura || $m == fwrite || $m == fprintf ]] && [[ $same == differs* ]] && odd+=("out-$m.xml differs from doc$main.xml")
   [[ $wf == *ok ]] || odd+=("out-$m.xml is not well-formed for expat")
 done
 
@@ -189,6 +193,7 @@ etiqueta() {
   pugixml_escritura) echo "pugixml build the DOM + save_file, tab indent" ;;
   libxml2_escritura) echo "libxml2 xmlTextWriter, tab indent" ;;
   fwrite) echo "floor: fwrite of the same bytes in 1 MiB blocks" ;;
+  fprintf) echo "floor: the same bytes made with one fprintf per line into a FILE*" ;;
   esac
 }
 
@@ -252,6 +257,80 @@ maquina() {
   echo "- Peers (Debian packages): $(IFS=,; echo "${vs[*]}" | sed 's/,/, /g')"
 }
 
+# Figures of before (bench/antes.tsv: mode, median process s, peak MB at the main size).
+declare -A AW AR
+if [[ -f $antes ]]; then
+  while IFS=$'\t' read -r m w r; do
+    [[ $m == \#* || -z $m ]] && continue
+    AW[$m]=$w AR[$m]=$r
+  done <"$antes"
+fi
+
+# Our four jobs against their floors and references, before and after.
+#   fila_resumen JOB MODE REFERENCE-MODE REFERENCE-TEXT RATIO-TEXT
+fila_resumen() {
+  local job=$1 m=$2 ref=$3 reftext=$4 rtext=$5 bytes
+  bytes=$(stat -c %s "$doc")
+  printf '| %s | %s | %s | %s | %s | %s | %s | %s | %s |\n' "$job" \
+    "$(calc %.3f t t="${AW[$m]:-}")" "$(calc %.3f t t="${W[$m@$main]:-}")" \
+    "$reftext" "$(calc %.3f t t="${W[$ref@$main]:-}")" "$rtext" \
+    "$(ratio "$m@$main" "$ref@$main")" \
+    "$(calc %.2f 'r * 1048576 / b' r="${AR[$m]:-}" b="$bytes")" \
+    "$(calc %.2f 'k * 1024 / b' k="${R[$m@$main]:-}" b="$bytes")"
+}
+
+resumen() {
+  echo "| job | before s | after s | reference | reference s | ratio | after / reference | peak / file before | peak / file after |"
+  echo "|---|---:|---:|---|---:|---|---:|---:|---:|"
+  fila_resumen "check from a file" check suelo "floor: read + memchr (\`suelo\`)" "check / floor"
+  fila_resumen "strict typed pull read" pull check "the check (\`check\`)" "pull / check"
+  fila_resumen "tree load + every field visited" arbol pugixml "pugixml load + the same visits" "tree / pugixml"
+  fila_resumen "write $main MB" escritura fprintf "floor: one fprintf a line (\`fprintf\`)" "write / fprintf floor"
+}
+
+# The side-by-side figures as an SVG bar chart: process time and peak memory of every case at the
+# main size, grouped by job; ours, the peers and the floors in three colours.
+dibuja() {
+  local datos=$data/grafico.dat m i=0 k tipo grupo
+  command -v gnuplot >/dev/null || { odd+=("no gnuplot: bench/resultados.svg was not drawn"); return; }
+  : >"$datos"
+  for grupo in "check expat libxml2_walk pugixml_load tinyxml2_load suelo" \
+    "arbol arbol_cpp pugixml tinyxml2 libxml2_dom" "pull pull_cpp libxml2_pull" \
+    "escritura pugixml_escritura libxml2_escritura fprintf fwrite"; do
+    for m in $grupo; do
+      k=$m@$main
+      [[ ${ST[$k]:-} == ok ]] || continue
+      case $m in arbol | check | pull | escritura | *_cpp) tipo=1 ;; suelo | fwrite | fprintf) tipo=3 ;; *) tipo=2 ;; esac
+      echo "$i $m ${W[$k]} $(calc %.1f 'k / 1024' k="${R[$k]}") $tipo" >>"$datos"
+      i=$((i + 1))
+    done
+    i=$((i + 1))
+  done
+  gnuplot 2>/dev/null <<GNUPLOT || odd+=("gnuplot failed: bench/resultados.svg was not drawn")
+set terminal svg size 1000,760 dynamic noenhanced font "sans,11" background "white"
+set output "$grafico"
+set multiplot layout 2,1 title "zarnxml beside its peers, $main MB document (bench/RESULTS.md)"
+set style fill solid 0.85 border -1
+set boxwidth 0.8
+set grid ytics
+set xtics rotate by 90 right nomirror font ",10"
+set key top right
+set lmargin 10
+set bmargin 9
+set ylabel "process time, s"
+plot "$datos" using 1:(\$5 == 1 ? \$3 : 1/0):xtic(2) with boxes lc rgb "#2b6cb0" title "zarnxml", \
+     "" using 1:(\$5 == 2 ? \$3 : 1/0) with boxes lc rgb "#a0aec0" title "peers", \
+     "" using 1:(\$5 == 3 ? \$3 : 1/0) with boxes lc rgb "#38a169" title "floors"
+set ylabel "peak memory, MB (log scale)"
+set logscale y
+plot "$datos" using 1:(\$5 == 1 ? \$4 : 1/0):xtic(2) with boxes lc rgb "#2b6cb0" title "zarnxml", \
+     "" using 1:(\$5 == 2 ? \$4 : 1/0) with boxes lc rgb "#a0aec0" title "peers", \
+     "" using 1:(\$5 == 3 ? \$4 : 1/0) with boxes lc rgb "#38a169" title "floors"
+unset multiplot
+GNUPLOT
+}
+dibuja
+
 {
   echo "# zarnxml beside its peers"
   echo
@@ -288,6 +367,15 @@ maquina() {
   echo "  process time holds the same start and exit: $(calc %.3f t t="${W[nada@0]:-}") s with no work"
   echo "  (\`comparacion nada\`, peak $(calc %.1f 'k / 1024' k="${R[nada@0]:-}") MB)."
   echo
+  echo "## Against the floors, before and after ($main MB)"
+  echo
+  echo "**before** is bench/antes.tsv (the figures before the latest round of speed work), **after**"
+  echo "this run; **ratio** is our process time over the reference's (< 1: we are faster)."
+  echo
+  resumen
+  echo
+  echo "![process time and peak memory of every case](resultados.svg)"
+  echo
   echo "## Check from a file ($main MB)"
   echo
   tabla check "$main" expat libxml2_walk pugixml_load tinyxml2_load suelo
@@ -302,7 +390,7 @@ maquina() {
   echo
   echo "## Write to a file ($main MB of records)"
   echo
-  tabla escritura "$main" pugixml_escritura libxml2_escritura fwrite
+  tabla escritura "$main" pugixml_escritura libxml2_escritura fprintf fwrite
   echo
   for e in "${escritos[@]}"; do echo "- $e"; done
   echo
@@ -349,6 +437,12 @@ maquina() {
     "$(ratio pugixml_escritura@$main escritura@$main)" 1 ""
   fila "write to a file" "at least half of plain fwrite (fwrite time / ours >= 0.5)" \
     "$(ratio fwrite@$main escritura@$main)" 0.5 ""
+  fila "write to a file" "at most 1.2x the fprintf floor (ours / fprintf time <= 1.2)" \
+    "$(ratio escritura@$main fprintf@$main)" "" 1.2
+  fila "tree load and field visits" "at most 0.4x pugixml's time (ours / pugixml time <= 0.4)" \
+    "$(ratio arbol@$main pugixml@$main)" "" 0.4
+  fila "tree load and field visits" "peak memory at most 1.3x the file (peak / file)" \
+    "$(calc %.2f 'k * 1024 / b' k="${R[arbol@$main]:-}" b="$(stat -c %s "$doc")")" "" 1.3
   if [[ -n $big ]]; then
     # "The same peak": within 10% or 1 MiB of each other.
     same=$(calc %.2f 'b / a' a="${R[check@$small]:-}" b="${R[check@$big]:-}")

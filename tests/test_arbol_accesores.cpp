@@ -156,6 +156,11 @@ TEST(ArbolAccesores, ElDatoDelPropioNodo) {
     EXPECT_EQ(zarnxml_get_dato_long(hijo("t")), 12);
     EXPECT_EQ(zarnxml_get_dato_ulong(hijo("t")), 12u);
     EXPECT_EQ(zarnxml_get_dato_long(hijo("nan")), 0);
+    // A number lent as wide text: the same text and address every time, typed reads unchanged.
+    const char16_t *t = zarnxml_get_dato_cadena_u(hijo("t"));
+    EXPECT_EQ(texto(t), "12,75");
+    EXPECT_EQ(zarnxml_get_dato_cadena_u(hijo("t")), t);
+    EXPECT_EQ(zarnxml_get_dato_double(hijo("t")), 12.75);
     EXPECT_EQ(texto(zarnxml_get_dato_cadena(hijo("u"))), "Jos\xc3\xa9");
     // Number tests look at the value, truncated.
     EXPECT_EQ(es(zarnxml_es_dato_long, hijo("neg")), "Y -3");

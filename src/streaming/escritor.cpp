@@ -9,18 +9,23 @@
 
 using zarn::ORIGEN_STREAMING;
 
+char *i_almacen_lineas::bloque(size_t n) {
+    return bloques_.emplace_back(std::make_unique_for_overwrite<char[]>(n)).get();
+}
+
 void i_almacen_lineas::anade(std::string_view linea) {
-    constexpr size_t BLOQUE = size_t{1} << 20;
     const size_t n = linea.size() + 1;
     char *destino;
-    if (n > BLOQUE / 4) {
+    if (n > BLOQUE_MAXIMO / 4) {
         // A long line gets a block of its own; the block in hand goes on being filled after it.
-        destino = bloques_.emplace_back(std::make_unique_for_overwrite<char[]>(n)).get();
+        destino = bloque(n);
         tramos_.push_back({destino, n});
     } else {
-        if (n > queda_) {
-            libre_ = bloques_.emplace_back(std::make_unique_for_overwrite<char[]>(BLOQUE)).get();
-            queda_ = BLOQUE;
+        if (n > queda_) [[unlikely]] {
+            // The first block is small, for the many small documents; the others are large.
+            const size_t tamanyo = bloques_.empty() ? BLOQUE_INICIAL : BLOQUE_MAXIMO;
+            libre_ = bloque(tamanyo);
+            queda_ = tamanyo;
         }
         destino = libre_;
         if (!tramos_.empty() && tramos_.back().ini + tramos_.back().bytes == destino)
@@ -63,32 +68,39 @@ i_xml_escritura *i_escritor(zarnfxml_t *xml, uint32_t linea_fuente) {
 
 namespace {
 
+constexpr bool es_especial(char c) {
+    return c == '&' || c == '<' || c == '>';
+}
+
+const char *entidad(char c) {
+    return c == '&' ? "&amp;" : c == '<' ? "&lt;" : "&gt;";
+}
+
+// Appends text with '&', '<', '>' replaced by their entities, in one pass.
+void i_anade_con_entidades(std::string &out, std::string_view cadena) {
+    const char *p = cadena.data();
+    const char *fin = p + cadena.size();
+    while (p < fin) {
+        const char *q = std::find_if(p, fin, es_especial);
+        out.append(p, q);
+        if (q == fin)
+            return;
+        out += entidad(*q);
+        p = q + 1;
+    }
+}
+
 // Replaces '&', '<', '>' in out[desde..]. One pass gives what the three passes '&', then '<',
 // then '>' give, since the entities that it makes are not looked at again.
 void i_reemplaza_entidades(std::string &out, size_t desde) {
-    const auto es_especial = [](char c) { return c == '&' || c == '<' || c == '>'; };
-    auto primero =
+    const auto primero =
         std::find_if(out.begin() + static_cast<std::ptrdiff_t>(desde), out.end(), es_especial);
     if (primero == out.end())
         return;
     const size_t inicio = static_cast<size_t>(primero - out.begin());
-    std::string cola(out, inicio);
+    const std::string cola(out, inicio);
     out.resize(inicio);
-    for (char c : cola) {
-        switch (c) {
-        case '&':
-            out += "&amp;";
-            break;
-        case '<':
-            out += "&lt;";
-            break;
-        case '>':
-            out += "&gt;";
-            break;
-        default:
-            out += c;
-        }
-    }
+    i_anade_con_entidades(out, cola);
 }
 
 } // namespace
@@ -102,6 +114,13 @@ void i_codifica(std::string &out, std::string_view cadena, int32_t tipo_codifica
     case i_CODIFICACION_UTF_8:
     case i_CODIFICACION_UTF_8_COMILLAS:
     case i_CODIFICACION_UTF_16: {
+        // Valid UTF-8, the usual case, is its own output form: escaped as it is copied. Other
+        // bytes are converted first; conversion leaves ASCII alone, so escaping after it
+        // gives the same.
+        if (!sin_entidades && zarn::es_utf8_valido(cadena)) {
+            i_anade_con_entidades(out, cadena);
+            return;
+        }
         const size_t desde = out.size();
         zarn::ansi_a_utf8(cadena, out);
         if (!sin_entidades)

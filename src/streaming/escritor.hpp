@@ -40,10 +40,15 @@ public:
     ArrCADENA_s *lista();
 
 private:
+    static constexpr size_t BLOQUE_INICIAL = size_t{256} << 10;
+    static constexpr size_t BLOQUE_MAXIMO = size_t{4} << 20;
     struct Tramo {
         const char *ini;
         size_t bytes;
     };
+    // A new block of n bytes.
+    char *bloque(size_t n);
+
     std::vector<std::unique_ptr<char[]>> bloques_;
     std::vector<Tramo> tramos_; // consecutive lines in one block, in output order
     char *libre_ = nullptr;     // the free part of the block in hand

@@ -42,7 +42,7 @@ const zarnxml_nodo_t *hijo_opcional(const zarnxml_nodo_t *nodo, const char *etiq
 
 zybool dato_bool_obligatorio(const zarnxml_nodo_t *nodo) {
     zybool valor = FALSO;
-    const bool es_dato_bool = i_es_dato_bool(i_dato(nodo), conf_de(nodo), &valor);
+    const bool es_dato_bool = i_es_dato_bool(nodo, &valor);
     ZARN_ASSERT_TEXTO(es_dato_bool, "es_dato_bool == CIERTO", ORIGEN);
     return valor;
 }
@@ -80,6 +80,15 @@ fichmem *fichmem_de(const zarnxml_nodo_t *nodo) {
 } // namespace
 
 // ---- Private operations ----------------------------------------------------------------------
+
+bool i_es_dato_bool(const zarnxml_nodo_t *nodo, zybool *valor) {
+    if (!nodo->estrecho())
+        return i_es_dato_bool(i_dato(nodo), conf_de(nodo), valor);
+    // A datum kept as bytes is compared wide without being widened in the tree.
+    const std::string_view bytes(nodo->dato_estrecho());
+    const std::u16string ancho(bytes.begin(), bytes.end());
+    return i_es_dato_bool(ancho.c_str(), conf_de(nodo), valor);
+}
 
 bool i_es_dato_bool(const char16_t *dato, const zarnxml_configuracion_t *conf, zybool *valor) {
     const std::u16string_view d = zarn::vista(dato);
@@ -135,17 +144,17 @@ zybool i_existe_propiedad(const zarnxml_nodo_t *nodo, const char *texto_propieda
 
 double i_get_dato_double(const zarnxml_nodo_t *nodo) {
     ZARN_ASSERT_NO_NULL(nodo, ORIGEN);
-    return i_atof_u(i_dato(nodo));
+    return i_dato_double(nodo);
 }
 
 uint32_t i_get_dato_ulong(const zarnxml_nodo_t *nodo) {
     ZARN_ASSERT_NO_NULL(nodo, ORIGEN);
-    return i_atoul_u(i_dato(nodo));
+    return i_dato_ulong(nodo);
 }
 
 int32_t i_get_dato_long(const zarnxml_nodo_t *nodo) {
     ZARN_ASSERT_NO_NULL(nodo, ORIGEN);
-    return i_atol_u(i_dato(nodo));
+    return i_dato_long(nodo);
 }
 
 zybool i_get_dato_bool(const zarnxml_nodo_t *nodo) {
@@ -191,19 +200,19 @@ bool i_existe_propiedad_bool(const zarnxml_nodo_t *nodo, const char *texto_propi
 
 bool i_existe_dato_hijo_long(const zarnxml_nodo_t *nodo, const char *etiqueta, int32_t *valor) {
     return i_existe_dato_hijo(nodo, etiqueta, valor, [](const zarnxml_nodo_t *hijo) {
-        return *i_dato(hijo) ? i_atol_u(i_dato(hijo)) : LONG_VACIO;
+        return i_dato_vacio(hijo) ? LONG_VACIO : i_dato_long(hijo);
     });
 }
 
 bool i_existe_dato_hijo_ulong(const zarnxml_nodo_t *nodo, const char *etiqueta, uint32_t *valor) {
     return i_existe_dato_hijo(nodo, etiqueta, valor, [](const zarnxml_nodo_t *hijo) {
-        return *i_dato(hijo) ? i_atoul_u(i_dato(hijo)) : ULONG_VACIO;
+        return i_dato_vacio(hijo) ? ULONG_VACIO : i_dato_ulong(hijo);
     });
 }
 
 bool i_existe_dato_hijo_bool(const zarnxml_nodo_t *nodo, const char *etiqueta, zybool *valor) {
     const zarnxml_nodo_t *hijo = hijo_opcional(nodo, etiqueta);
-    return hijo && i_es_dato_bool(i_dato(hijo), conf_de(hijo), valor);
+    return hijo && i_es_dato_bool(hijo, valor);
 }
 
 bool i_existe_dato_hijo_ArrULong(const zarnxml_nodo_t *nodo, const char *etiqueta,
@@ -225,7 +234,7 @@ int32_t i_get_dato_hijo_long_opcional(const zarnxml_nodo_t *nodo, const char *et
 }
 
 int32_t i_get_dato_hijo_long(const zarnxml_nodo_t *nodo, const char *etiqueta) {
-    return i_atol_u(i_dato(hijo_obligatorio(nodo, etiqueta)));
+    return i_dato_long(hijo_obligatorio(nodo, etiqueta));
 }
 
 zybool i_get_dato_hijo_bool_opcional(const zarnxml_nodo_t *nodo, const char *etiqueta,
@@ -303,13 +312,13 @@ ZARN_FRONTERA(ORIGEN)
 
 ZARN_API zybool zarnxml_es_dato_bool(const zarnxml_nodo_t *nodo, zybool *valor) try {
     ZARN_ASSERT_NO_NULL(nodo, ORIGEN);
-    return zarn::zb(i_es_dato_bool(i_dato(nodo), conf_de(nodo), valor));
+    return zarn::zb(i_es_dato_bool(nodo, valor));
 }
 ZARN_FRONTERA(ORIGEN)
 
 ZARN_API zybool zarnxml_es_dato_long(const zarnxml_nodo_t *nodo, int32_t *valor) try {
     ZARN_ASSERT_NO_NULL(nodo, ORIGEN);
-    const double v = i_atof_u(i_dato(nodo));
+    const double v = i_dato_double(nodo);
     if (!i_cambtipo_se_puede_double_a_long(v))
         return FALSO;
     if (valor)
@@ -320,7 +329,7 @@ ZARN_FRONTERA(ORIGEN)
 
 ZARN_API zybool zarnxml_es_dato_ulong(const zarnxml_nodo_t *nodo, uint32_t *valor) try {
     ZARN_ASSERT_NO_NULL(nodo, ORIGEN);
-    const double v = i_atof_u(i_dato(nodo));
+    const double v = i_dato_double(nodo);
     if (!i_cambtipo_se_puede_double_a_ulong(v))
         return FALSO;
     if (valor)
@@ -350,18 +359,18 @@ ZARN_FRONTERA(ORIGEN)
 
 ZARN_API uint32_t zarnxml_get_dato_hijo_ulong(const zarnxml_nodo_t *nodo,
                                               const char *etiqueta) try {
-    return i_atoul_u(i_dato(hijo_obligatorio(nodo, etiqueta)));
+    return i_dato_ulong(hijo_obligatorio(nodo, etiqueta));
 }
 ZARN_FRONTERA(ORIGEN)
 
 ZARN_API uint16_t zarnxml_get_dato_hijo_ushort(const zarnxml_nodo_t *nodo,
                                                const char *etiqueta) try {
-    return i_atous_u(i_dato(hijo_obligatorio(nodo, etiqueta)));
+    return i_dato_ushort(hijo_obligatorio(nodo, etiqueta));
 }
 ZARN_FRONTERA(ORIGEN)
 
 ZARN_API double zarnxml_get_dato_hijo_double(const zarnxml_nodo_t *nodo, const char *etiqueta) try {
-    return i_atof_u(i_dato(hijo_obligatorio(nodo, etiqueta)));
+    return i_dato_double(hijo_obligatorio(nodo, etiqueta));
 }
 ZARN_FRONTERA(ORIGEN)
 
@@ -426,7 +435,7 @@ ZARN_FRONTERA(ORIGEN)
 ZARN_API zybool zarnxml_existe_dato_hijo_ushort(const zarnxml_nodo_t *nodo, const char *etiqueta,
                                                 uint16_t *valor) try {
     return i_existe_dato_hijo(nodo, etiqueta, valor, [](const zarnxml_nodo_t *hijo) {
-        return *i_dato(hijo) ? i_atous_u(i_dato(hijo)) : USHORT_VACIO;
+        return i_dato_vacio(hijo) ? USHORT_VACIO : i_dato_ushort(hijo);
     });
 }
 ZARN_FRONTERA(ORIGEN)
@@ -434,7 +443,7 @@ ZARN_FRONTERA(ORIGEN)
 ZARN_API zybool zarnxml_existe_dato_hijo_double(const zarnxml_nodo_t *nodo, const char *etiqueta,
                                                 double *valor) try {
     return i_existe_dato_hijo(nodo, etiqueta, valor,
-                              [](const zarnxml_nodo_t *hijo) { return i_atof_u(i_dato(hijo)); });
+                              [](const zarnxml_nodo_t *hijo) { return i_dato_double(hijo); });
 }
 ZARN_FRONTERA(ORIGEN)
 

@@ -6,6 +6,8 @@
 // Children of a node are one contiguous run of node records; destroying the root frees the
 // arena in one go, whatever the depth. Tags and property names, which repeat, are kept once.
 // Only the root (and the blank nodes that the sequential reader makes) are allocated alone.
+// A node's properties stand in the arena right before what the node points to (its datum or its
+// children), so that a node needs no pointer of its own for them.
 #pragma once
 
 #include "services/arrays.hpp"
@@ -14,8 +16,8 @@
 
 #include <zarnxml/zarnxml.h>
 
+#include <array>
 #include <cstddef>
-#include <deque>
 #include <memory>
 #include <string>
 #include <string_view>
@@ -28,7 +30,15 @@
 // Bump allocation in blocks; nothing is freed before the whole arena.
 class i_almacen {
 public:
-    void *reserva(size_t tamanyo, size_t alineacion);
+    void *reserva(size_t tamanyo, size_t alineacion) {
+        auto *p = reinterpret_cast<std::byte *>(
+            (reinterpret_cast<uintptr_t>(pos_) + (alineacion - 1)) & ~uintptr_t(alineacion - 1));
+        if (pos_ && tamanyo <= static_cast<size_t>(fin_ - p)) [[likely]] {
+            pos_ = p + tamanyo;
+            return p;
+        }
+        return reserva_en_bloque_nuevo(tamanyo);
+    }
     template <typename T> T *reserva_de(size_t num) {
         return static_cast<T *>(reserva(num * sizeof(T), alignof(T)));
     }
@@ -38,6 +48,8 @@ public:
     void libera_todo() noexcept;
 
 private:
+    void *reserva_en_bloque_nuevo(size_t tamanyo);
+
     std::vector<std::unique_ptr<std::byte[]>> bloques_;
     std::byte *pos_ = nullptr;
     std::byte *fin_ = nullptr;
@@ -67,29 +79,58 @@ struct zarnxml_configuracion_s {
 
 // A node. Trivially copyable: the builder moves records into their final contiguous place.
 // An element holds either a datum or child elements, never both, so one pointer serves: the
-// children when there are any, otherwise the datum (null for a block without children).
+// children when there are any, otherwise the datum; a block without children has none (its
+// pointer is null, or the end of its properties). The properties, num_propiedades() records in
+// document order, end where contenido points.
+//
+// Data are kept wide, as the accessors lend them, except the data that typed reads take as
+// numbers (ASCII digits, signs, points, commas, exponents and blanks) of nodes without
+// properties: these are kept as their bytes, half the memory, and read as numbers from there.
+// The first request for such a datum as wide text widens it into the arena, once, and the node
+// points to the wide text from then on (a tree serves one thread at a time).
 struct zarnxml_nodo_s {
     const char *etiqueta;                   // never null; "" in a blank node
-    const zarnxml_propiedad_t *propiedades; // num_propiedades() records in document order
     const void *contenido;                  // num_hijos children, or the datum
     zarnxml_configuracion_t *configuracion; // the tree's record
     uint32_t num_hijos;
-    uint32_t propiedades_y_marcas; // count << 2 | marks
+    uint32_t propiedades_y_marcas; // count << 3 | marks
 
-    static constexpr uint32_t INDEPENDIENTE = 1u;          // allocated alone, freed alone
-    static constexpr uint32_t DESTRUYE_CONFIGURACION = 2u; // the root: owns configuracion
+    static constexpr uint32_t INDEPENDIENTE = 1u; // allocated alone, freed alone
+    // With INDEPENDIENTE: the root, which owns configuracion. Without it, on a node of a tree,
+    // the same bit is ESTRECHO: the datum is kept as its ASCII bytes.
+    static constexpr uint32_t DESTRUYE_CONFIGURACION = 2u;
+    static constexpr uint32_t ESTRECHO = 2u;
+    static constexpr uint32_t SIN_DATO = 4u; // a block: no datum, even without children
 
-    // Null for an element with child elements.
+    // Null for an element with child elements and for a block without them.
     const char16_t *dato() const {
-        return num_hijos ? nullptr : static_cast<const char16_t *>(contenido);
+        if (num_hijos || tiene(SIN_DATO))
+            return nullptr;
+        if (estrecho()) [[unlikely]]
+            return ensancha();
+        return static_cast<const char16_t *>(contenido);
     }
+    bool estrecho() const {
+        return (propiedades_y_marcas & (INDEPENDIENTE | ESTRECHO)) == ESTRECHO;
+    }
+    // The datum kept as bytes (only when estrecho()).
+    const char *dato_estrecho() const { return static_cast<const char *>(contenido); }
     const zarnxml_nodo_s *hijos() const {
         return num_hijos ? static_cast<const zarnxml_nodo_s *>(contenido) : nullptr;
     }
-    uint32_t num_propiedades() const { return propiedades_y_marcas >> 2; }
+    const zarnxml_propiedad_t *propiedades() const {
+        return reinterpret_cast<const zarnxml_propiedad_t *>(
+                   static_cast<const std::byte *>(contenido)) -
+               num_propiedades();
+    }
+    uint32_t num_propiedades() const { return propiedades_y_marcas >> 3; }
     bool tiene(uint32_t marca) const { return (propiedades_y_marcas & marca) != 0; }
+
+private:
+    // Widens a datum kept as bytes into the arena and points the node to it.
+    const char16_t *ensancha() const;
 };
-static_assert(sizeof(zarnxml_nodo_s) == 40);
+static_assert(sizeof(zarnxml_nodo_s) == 32);
 
 // The sequential reader over a tree; its operations live with sequential reading, but lookup
 // and typed access also work on the node where it stands.
@@ -121,6 +162,39 @@ using i_nodo_propio = std::unique_ptr<zarnxml_nodo_t, i_destruye_nodo_t>;
 // Whether the node is blank: the empty tag, no properties, no datum, no children.
 bool i_es_nodo_en_blanco(const zarnxml_nodo_t *nodo);
 
+// The builder's stack of nodes waiting for their block to close, in chunks of fixed size: records
+// never move while the stack grows, and a chunk that empties goes back to the system (one is kept
+// for the next run), so that a long run, moving to the arena, is not held twice.
+class i_pila_nodos {
+public:
+    size_t size() const noexcept { return num_; }
+    zarnxml_nodo_s &operator[](size_t i) noexcept { return tramos_[i / TRAMO][i % TRAMO]; }
+    zarnxml_nodo_s &back() noexcept { return (*this)[num_ - 1]; }
+    void push_back(const zarnxml_nodo_s &nodo) {
+        if (num_ == tramos_.size() * TRAMO)
+            tramos_.push_back(repuesto_ ? std::move(repuesto_)
+                                        : std::make_unique_for_overwrite<zarnxml_nodo_s[]>(TRAMO));
+        (*this)[num_++] = nodo;
+    }
+    void pop_back() noexcept {
+        if (--num_ % TRAMO == 0) {
+            repuesto_ = std::move(tramos_.back());
+            tramos_.pop_back();
+        }
+    }
+    void clear() noexcept {
+        tramos_.clear();
+        repuesto_.reset();
+        num_ = 0;
+    }
+
+private:
+    static constexpr size_t TRAMO = size_t{1} << 14;
+    std::vector<std::unique_ptr<zarnxml_nodo_s[]>> tramos_;
+    std::unique_ptr<zarnxml_nodo_s[]> repuesto_;
+    size_t num_ = 0;
+};
+
 // Builds a tree into a blank root from the elements of a document in document order.
 class i_constructor_arbol {
 public:
@@ -130,7 +204,7 @@ public:
     // children follow until fin_bloque. Answers false, and does nothing, for a second element
     // at the top level.
     bool elemento(std::string_view etiqueta, const i_propiedades_t &propiedades,
-                  const std::u16string *dato);
+                  const i_dato_t *dato);
     void fin_bloque();
     // Closes what is still open and gives back the working memory.
     void termina();
@@ -138,19 +212,39 @@ public:
     void descarta();
 
 private:
+    // en_arbol: the node goes into the tree (not the root, which is allocated alone).
     zarnxml_nodo_s nodo(std::string_view etiqueta, const i_propiedades_t &propiedades,
-                        const std::u16string *dato);
+                        const i_dato_t *dato, bool en_arbol);
+    // A name kept once by the tree, through a small cache of the names last met.
+    const char *nombre(std::string_view s);
+    // The wide text of a datum or property value, terminated, in the arena right after `antes`
+    // bytes aligned for properties, which the caller fills.
+    char16_t *texto_tras(size_t antes, const i_dato_t &dato);
 
     zarnxml_nodo_s *raiz_;
     zarnxml_configuracion_t *conf_;
     bool raiz_llena_ = false;
     // The children of the open blocks, in document order; a block's children move to the
-    // arena when it closes. A deque, so that a long run of siblings is never moved while it
-    // grows and its memory serves again for the next run.
-    std::deque<zarnxml_nodo_s> pendientes_;
-    // For each open block, where its children begin in pendientes_; the block itself is the
-    // record just before (or the root, for the outermost).
-    std::vector<size_t> inicios_;
+    // arena when it closes.
+    i_pila_nodos pendientes_;
+    // The properties of the open blocks, which go to the arena before their children.
+    std::vector<zarnxml_propiedad_t> propiedades_abiertas_;
+    // For each open block, where its children begin in pendientes_ and its properties in
+    // propiedades_abiertas_; the block itself is the record just before (or the root, for the
+    // outermost).
+    struct abierto {
+        size_t hijos;
+        size_t propiedades;
+    };
+    std::vector<abierto> inicios_;
+    // The properties of the element in hand.
+    std::vector<zarnxml_propiedad_t> propiedades_;
+    // Names last met, by a hash of their length and end bytes.
+    struct nombre_visto {
+        const char *texto = nullptr;
+        size_t largo = 0;
+    };
+    std::array<nombre_visto, 64> nombres_vistos_{};
 };
 
 // ---- Lookup ----------------------------------------------------------------------------------
@@ -174,7 +268,27 @@ inline const char16_t *i_dato(const zarnxml_nodo_t *nodo) {
     const char16_t *dato = nodo->dato();
     return dato ? dato : u"";
 }
+// Whether that datum is the empty text (a datum kept as bytes never is).
+inline bool i_dato_vacio(const zarnxml_nodo_t *nodo) {
+    return !nodo->estrecho() && *i_dato(nodo) == u'\0';
+}
+// Numbers from the datum, as zarnfxml_atof_u and its kin read its wide text; a datum kept as
+// bytes is read from them, which gives the same for ASCII.
+inline double i_dato_double(const zarnxml_nodo_t *nodo) {
+    return nodo->estrecho() ? i_atof(nodo->dato_estrecho()) : i_atof_u(i_dato(nodo));
+}
+inline int32_t i_dato_long(const zarnxml_nodo_t *nodo) {
+    return nodo->estrecho() ? i_atol(nodo->dato_estrecho()) : i_atol_u(i_dato(nodo));
+}
+inline uint32_t i_dato_ulong(const zarnxml_nodo_t *nodo) {
+    return nodo->estrecho() ? i_atoul(nodo->dato_estrecho()) : i_atoul_u(i_dato(nodo));
+}
+inline uint16_t i_dato_ushort(const zarnxml_nodo_t *nodo) {
+    return nodo->estrecho() ? i_atous(nodo->dato_estrecho()) : i_atous_u(i_dato(nodo));
+}
 bool i_es_dato_bool(const char16_t *dato, const zarnxml_configuracion_t *conf, zybool *valor);
+// The same for a node's datum, without widening one kept as bytes.
+bool i_es_dato_bool(const zarnxml_nodo_t *nodo, zybool *valor);
 ArrDouble_s *i_lista_double(std::u16string_view texto, std::u16string_view separadores);
 ArrULong_s *i_lista_ulong(std::u16string_view texto, std::u16string_view separadores);
 

@@ -14,10 +14,19 @@ inline char minuscula_ascii(unsigned char c) {
     return static_cast<char>(c >= 'A' && c <= 'Z' ? c + ('a' - 'A') : c);
 }
 
+// A quick no for most tags that differ, before the full comparison: the first bytes, both
+// ASCII, differ beyond case. Tags are never null in a tree; etiqueta may be.
+inline bool difieren_de_entrada(const char *etiqueta_nodo, const char *etiqueta) {
+    const auto a = static_cast<unsigned char>(*etiqueta_nodo);
+    const auto b = static_cast<unsigned char>(etiqueta ? *etiqueta : '\0');
+    return ((a | b) & 0x80) == 0 && minuscula_ascii(a) != minuscula_ascii(b);
+}
+
 // Whether a child matches a tag and, with a texto_propiedad, a property.
 bool coincide(const zarnxml_nodo_t &hijo, const char *etiqueta, const char *texto_propiedad,
               const char16_t *dato_propiedad) {
-    return i_etiqueta_igual(hijo.etiqueta, etiqueta) &&
+    return !difieren_de_entrada(hijo.etiqueta, etiqueta) &&
+           i_etiqueta_igual(hijo.etiqueta, etiqueta) &&
            (!texto_propiedad || i_tiene_propiedad_con_dato(&hijo, texto_propiedad, dato_propiedad));
 }
 
@@ -111,7 +120,9 @@ bool i_existe_hijo_unico(const zarnxml_nodo_t *nodo, const char *etiqueta,
     ZARN_ASSERT_NO_NULL(nodo, ORIGEN);
     const zarnxml_nodo_t *unico = nullptr;
     for (uint32_t i = 0; i < nodo->num_hijos; ++i) {
-        if (!i_etiqueta_igual(nodo->hijos()[i].etiqueta, etiqueta))
+        const char *etiqueta_hijo = nodo->hijos()[i].etiqueta;
+        if (difieren_de_entrada(etiqueta_hijo, etiqueta) ||
+            !i_etiqueta_igual(etiqueta_hijo, etiqueta))
             continue;
         ZARN_ASSERT_TEXTO(unico == nullptr, "num_nodos_encontrados == 1", ORIGEN);
         unico = &nodo->hijos()[i];
@@ -127,8 +138,8 @@ const zarnxml_propiedad_t *i_busca_propiedad(const zarnxml_nodo_t *nodo,
                                              const char *texto_propiedad) {
     const uint32_t num = nodo->num_propiedades();
     for (uint32_t i = 0; i < num; ++i)
-        if (i_etiqueta_igual(nodo->propiedades[i].texto_propiedad, texto_propiedad))
-            return &nodo->propiedades[i];
+        if (i_etiqueta_igual(nodo->propiedades()[i].texto_propiedad, texto_propiedad))
+            return &nodo->propiedades()[i];
     return nullptr;
 }
 
@@ -234,7 +245,7 @@ ZARN_API const zarnxml_propiedad_t *zarnxml_propiedad(const zarnxml_nodo_t *nodo
                                                       uint32_t ind) try {
     ZARN_ASSERT_NO_NULL(nodo, ORIGEN);
     ZARN_ASSERT_TEXTO(ind < nodo->num_propiedades(), "ind < num_propiedades", ORIGEN);
-    return &nodo->propiedades[ind];
+    return &nodo->propiedades()[ind];
 }
 ZARN_FRONTERA(ORIGEN)
 

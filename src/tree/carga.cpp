@@ -48,7 +48,7 @@ CADENA construye(i_xml_lectura *xml, zarnxml_nodo_t *raiz, liberador_lineas *lib
         } else if (construyendo &&
                    !constructor.elemento(
                        i_etiqueta_registro(&registro), i_propiedades_registro(&registro),
-                       tipo == i_REGISTRO_CAMPO ? &i_dato_registro(&registro).texto() : nullptr)) {
+                       tipo == i_REGISTRO_CAMPO ? &i_dato_registro(&registro) : nullptr)) {
             construyendo = false;
             constructor.descarta();
             mensaje_segundo = i_mensaje_error("More than one root element",
