@@ -189,7 +189,7 @@ zarnxml_nodo_s i_constructor_arbol::nodo(std::string_view etiqueta,
     if (num) {
         // The count shares its word with three marks. No document that a machine can hold
         // comes near either bound: each property of the tag in hand is a record of the reader.
-        ZARN_ASSERT_TEXTO(num < (1u << 29), "num_propiedades < 0x40000000", ORIGEN);
+        ZARN_ASSERT_TEXTO(num < (1u << 29), "num_propiedades < 0x20000000", ORIGEN);
         for (const i_propiedad_lectura_t &p : propiedades)
             propiedades_.push_back(
                 {const_cast<char *>(nombre(p.texto_propiedad)), texto_tras(0, p.dato_propiedad)});
