@@ -110,9 +110,9 @@ std::string fichero_en_memoria(Nodo n, const char *e) {
     fichmem *fm = zarnxml_get_dato_hijo_fichmem(n, e);
     std::string s;
     for (size_t i = 0; i < fm->tamanyo; ++i) {
-        char b[4];
-        std::snprintf(b, sizeof b, "%02x ", static_cast<uint8_t>(fm->buffer[i]));
-        s += b;
+        char b[3];
+        std::snprintf(b, sizeof b, "%02x", fm->buffer[i]);
+        s += (i ? " " : "") + std::string(b);
     }
     fichmem_destruye(&fm);
     return s;

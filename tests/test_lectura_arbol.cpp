@@ -10,6 +10,7 @@
 #include <cstdint>
 #include <functional>
 #include <map>
+#include <optional>
 #include <sstream>
 #include <memory>
 #include <string>
@@ -52,6 +53,10 @@ template <typename T> std::string txt(T v) {
     s << v;
     return s.str();
 }
+// An answer, with the variable afterwards when there is one.
+std::string respuesta(zybool r, const std::optional<std::string> &v = std::nullopt) {
+    return (r ? "Y" : "N") + (v ? "=" + *v : "");
+}
 const std::map<std::string, Llamada> LLAMADAS = {
     {"abre", [](auto x, auto e, auto &) { return zarnxml_lee_inicio_bloque(x, e), ""; }},
     {"cierra", [](auto x, auto, auto &) { return zarnxml_lee_fin_bloque(x), ""; }},
@@ -73,14 +78,43 @@ const std::map<std::string, Llamada> LLAMADAS = {
      [](auto x, auto e, auto &) {
          double v = -1;
          const zybool r = zarnxml_se_lee_double(x, e, &v);
-         return (r ? "Y " : "N ") + txt(v);
+         return respuesta(r, txt(v));
      }},
     {"se_cadena_u",
      [](auto x, auto e, auto &) {
          char16_t marca[] = u"m";
          CADENA_u v = marca;
          const zybool r = zarnxml_se_lee_cadena_u(x, e, &v);
-         return (r ? "Y " : "N ") + toma_u8(v);
+         return respuesta(r, toma_u8(v));
+     }},
+    {"se_double_nulo",
+     [](auto x, auto e, auto &) { return respuesta(zarnxml_se_lee_double(x, e, nullptr)); }},
+    {"se_cadena_u_nulo",
+     [](auto x, auto e, auto &) { return respuesta(zarnxml_se_lee_cadena_u(x, e, nullptr)); }},
+    {"es_raiz",
+     [](auto x, auto e, auto &) { return respuesta(zarnxml_es_etiqueta_nodo_raiz(x, e)); }},
+    {"existe_dato", [](auto x, auto e, auto &) { return respuesta(zarnxml_existe_dato(x, e)); }},
+    {"con_propiedad",
+     [](auto x, auto e, auto &a) {
+         CADENA v = nullptr;
+         const zybool r = zarnxml_existe_etiqueta_con_propiedad_cadena(x, e, a.c_str(), &v);
+         return respuesta(r, toma(v));
+     }},
+    {"in_propiedad_bool",
+     [](auto x, auto e, auto &) {
+         zybool v = FALSO;
+         const zybool r = zarnxml_in_existe_propiedad_bool(x, e, &v);
+         return respuesta(r, txt(v));
+     }},
+    {"in_propiedad_cadena_u",
+     [](auto x, auto e, auto &) {
+         CADENA_u v = nullptr;
+         const zybool r = zarnxml_in_existe_propiedad_cadena_u(x, e, &v);
+         return respuesta(r, toma_u8(v));
+     }},
+    {"in_propiedad_cadena_nulo",
+     [](auto x, auto e, auto &) {
+         return respuesta(zarnxml_in_existe_propiedad_cadena(x, e, nullptr));
      }},
     {"vacio", [](auto x, auto, auto &) { return x->nodo_actual == x->nodo_vacio ? "Y" : "N"; }},
     {"fuera",
@@ -88,12 +122,13 @@ const std::map<std::string, Llamada> LLAMADAS = {
 };
 
 TEST(LecturaArbol, CamposConSusValoresPorDefectoYBloquesQueFaltan) {
+    EXPECT_EQ(COND(zarnxml_existe_dato(nullptr, "d")), "(xml) != NULL");
     Lectura xml;
     for (std::vector<std::string> f : tabla("arbol/lectura.txt")) {
-        if (f[0] == "nuevo" || !xml)
-            xml = lectura(dato("arbol/lectura.xml"));
-        if (f[0] == "nuevo")
+        if (f[0] == "nuevo") {
+            xml = lectura(dato("arbol/" + f[1]));
             continue;
+        }
         f.resize(4);
         const std::string r =
             texto_o_condicion([&] { return LLAMADAS.at(f[0])(xml.get(), f[1].c_str(), f[2]); });
