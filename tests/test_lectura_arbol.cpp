@@ -10,10 +10,10 @@
 #include <cstdint>
 #include <functional>
 #include <map>
-#include <optional>
 #include <sstream>
 #include <memory>
 #include <string>
+#include <type_traits>
 #include <vector>
 
 namespace {
@@ -46,79 +46,72 @@ V items(ArrPuntero arr) {
 }
 
 // Each call of the script data/arbol/lectura.txt by name: (reader, tag, argument) to the text of
-// what it gives.
-using Llamada = std::function<std::string(zarnxml_lectura_t *, const char *, const std::string &)>;
+// what it gives. A se_lee or existe form gives its answer and the variable afterwards.
+using L = zarnxml_lectura_t *;
+using Llamada = std::function<std::string(L, const char *, const std::string &)>;
 template <typename T> std::string txt(T v) {
-    std::ostringstream s;
-    s << v;
-    return s.str();
+    if constexpr (std::is_same_v<T, CADENA>) {
+        return toma(v);
+    } else if constexpr (std::is_same_v<T, CADENA_u>) {
+        return toma_u8(v);
+    } else {
+        std::ostringstream s;
+        s << v;
+        return s.str();
+    }
 }
-// An answer, with the variable afterwards when there is one.
-std::string respuesta(zybool r, const std::optional<std::string> &v = std::nullopt) {
-    return (r ? "Y" : "N") + (v ? "=" + *v : "");
+template <typename X, typename R> Llamada lee(R (*f)(X *, const char *)) {
+    return [f](L x, const char *e, const std::string &) { return txt(f(x, e)); };
 }
+template <typename X, typename T> Llamada se(zybool (*f)(X *, const char *, T *), T inicial) {
+    return [f, inicial](L x, const char *e, const std::string &) {
+        T v = inicial;
+        const zybool r = f(x, e, &v);
+        return (r ? "Y=" : "N=") + txt(v);
+    };
+}
+template <typename X, typename T> Llamada sin_variable(zybool (*f)(X *, const char *, T *)) {
+    return [f](L x, const char *e, const std::string &) { return f(x, e, nullptr) ? "Y" : "N"; };
+}
+template <typename X> Llamada si(zybool (*f)(X *, const char *)) {
+    return [f](L x, const char *e, const std::string &) { return f(x, e) ? "Y" : "N"; };
+}
+char16_t MARCA[] = u"m";
 const std::map<std::string, Llamada> LLAMADAS = {
-    {"abre", [](auto x, auto e, auto &) { return zarnxml_lee_inicio_bloque(x, e), ""; }},
-    {"cierra", [](auto x, auto, auto &) { return zarnxml_lee_fin_bloque(x), ""; }},
-    {"long", [](auto x, auto e, auto &) { return txt(zarnxml_lee_long(x, e)); }},
-    {"long_o",
-     [](auto x, auto e, auto &a) { return txt(zarnxml_lee_long_opcional(x, e, std::stoi(a))); }},
-    {"ulong", [](auto x, auto e, auto &) { return txt(zarnxml_lee_ulong(x, e)); }},
-    {"ulong_max0",
-     [](auto x, auto e, auto &) { return txt(zarnxml_lee_ulong_con_ulong_max_cero(x, e)); }},
-    {"double", [](auto x, auto e, auto &) { return txt(zarnxml_lee_double(x, e)); }},
-    {"bool", [](auto x, auto e, auto &) { return txt(zarnxml_lee_bool(x, e)); }},
+    {"abre", [](L x, const char *e, auto &) { return zarnxml_lee_inicio_bloque(x, e), ""; }},
+    {"cierra", [](L x, const char *, auto &) { return zarnxml_lee_fin_bloque(x), ""; }},
+    {"long", lee(zarnxml_lee_long)},
+    {"long_o", [](L x, const char *e,
+                  auto &a) { return txt(zarnxml_lee_long_opcional(x, e, std::stoi(a))); }},
+    {"ulong", lee(zarnxml_lee_ulong)},
+    {"ulong_max0", lee(zarnxml_lee_ulong_con_ulong_max_cero)},
+    {"double", lee(zarnxml_lee_double)},
+    {"bool", lee(zarnxml_lee_bool)},
     {"bool_o",
-     [](auto x, auto e, auto &a) {
+     [](L x, const char *e, auto &a) {
          return txt(zarnxml_lee_bool_opcional(x, e, static_cast<zybool>(std::stoi(a))));
      }},
-    {"cadena", [](auto x, auto e, auto &) { return toma(zarnxml_lee_cadena(x, e)); }},
-    {"cadena_u", [](auto x, auto e, auto &) { return toma_u8(zarnxml_lee_cadena_u(x, e)); }},
-    {"se_double",
-     [](auto x, auto e, auto &) {
-         double v = -1;
-         const zybool r = zarnxml_se_lee_double(x, e, &v);
-         return respuesta(r, txt(v));
-     }},
-    {"se_cadena_u",
-     [](auto x, auto e, auto &) {
-         char16_t marca[] = u"m";
-         CADENA_u v = marca;
-         const zybool r = zarnxml_se_lee_cadena_u(x, e, &v);
-         return respuesta(r, toma_u8(v));
-     }},
-    {"se_double_nulo",
-     [](auto x, auto e, auto &) { return respuesta(zarnxml_se_lee_double(x, e, nullptr)); }},
-    {"se_cadena_u_nulo",
-     [](auto x, auto e, auto &) { return respuesta(zarnxml_se_lee_cadena_u(x, e, nullptr)); }},
-    {"es_raiz",
-     [](auto x, auto e, auto &) { return respuesta(zarnxml_es_etiqueta_nodo_raiz(x, e)); }},
-    {"existe_dato", [](auto x, auto e, auto &) { return respuesta(zarnxml_existe_dato(x, e)); }},
+    {"cadena", lee(zarnxml_lee_cadena)},
+    {"cadena_u", lee(zarnxml_lee_cadena_u)},
+    {"se_double", se(zarnxml_se_lee_double, -1.0)},
+    {"se_cadena_u", se(zarnxml_se_lee_cadena_u, CADENA_u(MARCA))},
+    {"se_double_nulo", sin_variable(zarnxml_se_lee_double)},
+    {"se_cadena_u_nulo", sin_variable(zarnxml_se_lee_cadena_u)},
+    {"es_raiz", si(zarnxml_es_etiqueta_nodo_raiz)},
+    {"existe_dato", si(zarnxml_existe_dato)},
     {"con_propiedad",
-     [](auto x, auto e, auto &a) {
+     [](L x, const char *e, auto &a) {
          CADENA v = nullptr;
          const zybool r = zarnxml_existe_etiqueta_con_propiedad_cadena(x, e, a.c_str(), &v);
-         return respuesta(r, toma(v));
+         return (r ? "Y=" : "N=") + toma(v);
      }},
-    {"in_propiedad_bool",
-     [](auto x, auto e, auto &) {
-         zybool v = FALSO;
-         const zybool r = zarnxml_in_existe_propiedad_bool(x, e, &v);
-         return respuesta(r, txt(v));
-     }},
-    {"in_propiedad_cadena_u",
-     [](auto x, auto e, auto &) {
-         CADENA_u v = nullptr;
-         const zybool r = zarnxml_in_existe_propiedad_cadena_u(x, e, &v);
-         return respuesta(r, toma_u8(v));
-     }},
-    {"in_propiedad_cadena_nulo",
-     [](auto x, auto e, auto &) {
-         return respuesta(zarnxml_in_existe_propiedad_cadena(x, e, nullptr));
-     }},
-    {"vacio", [](auto x, auto, auto &) { return x->nodo_actual == x->nodo_vacio ? "Y" : "N"; }},
-    {"fuera",
-     [](auto x, auto, auto &) { return !x->nodo_actual && x->pila_nodos.empty() ? "Y" : "N"; }},
+    {"in_propiedad_bool", se(zarnxml_in_existe_propiedad_bool, zybool(FALSO))},
+    {"in_propiedad_cadena_u", se(zarnxml_in_existe_propiedad_cadena_u, CADENA_u(nullptr))},
+    {"in_propiedad_cadena_nulo", sin_variable(zarnxml_in_existe_propiedad_cadena)},
+    {"vacio",
+     [](L x, const char *, auto &) { return x->nodo_actual == x->nodo_vacio ? "Y" : "N"; }},
+    {"fuera", [](L x, const char *,
+                 auto &) { return !x->nodo_actual && x->pila_nodos.empty() ? "Y" : "N"; }},
 };
 
 TEST(LecturaArbol, CamposConSusValoresPorDefectoYBloquesQueFaltan) {
