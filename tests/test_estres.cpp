@@ -307,21 +307,15 @@ void escribe(zarnfxml_t *w) {
     zarnfxml_graba_fin_bloque(w);
 }
 
-// The files that the operations read and write, made before any allocation fails.
+// The documents that the operations read: what escribe writes, the same in UTF-16 with its byte
+// order mark, and a bad one; and a file to write in a folder that does not exist yet.
 struct Entorno {
     DirTemporal dir;
-    std::u16string documento = dir.u("d.xml"), utf16 = dir.u("d16.xml"), malo = dir.u("m.xml"),
+    fs::path documento_ruta = ZARNXML_TEST_DATA "/estres/documento.xml";
+    std::u16string documento = documento_ruta.u16string(),
+                   utf16 = fs::path(ZARNXML_TEST_DATA "/estres/documento_utf16.xml").u16string(),
+                   malo = fs::path(ZARNXML_TEST_DATA "/estres/malo.xml").u16string(),
                    salida = dir.u("sub/s.xml");
-    std::filesystem::path documento_ruta = dir / "d.xml";
-    Entorno() {
-        Escritor w(zarnfxml_crea_para_escritura_UTF_8());
-        escribe(w.p);
-        zarnfxml_genera_fichero_salida(w.p, documento.c_str());
-        escribe_fichero(dir / "m.xml", "<r>\n<a>1</b>\n");
-        std::u16string texto = u"\ufeff" + zarn::utf8_a_utf16(lee_fichero(dir / "d.xml"));
-        escribe_fichero(dir / "d16.xml", std::string(reinterpret_cast<const char *>(texto.data()),
-                                                     texto.size() * 2));
-    }
 };
 
 // Each operation stands for one kind of object of the library.
