@@ -29,12 +29,13 @@ std::string num(double v) {
         s.pop_back();
     return s;
 }
-template <typename A, typename G, typename D> std::string lista(A arr, G get, D destruye) {
+template <typename A, typename N, typename G, typename D>
+std::string lista(A arr, N num_elems, G get, D destruye) {
     if (!arr)
         return "<null>";
     std::string s;
-    for (size_t i = 0; i < arr->v.size(); ++i)
-        s += (i ? " " : "") + num(static_cast<double>(get(arr, static_cast<uint32_t>(i))));
+    for (uint32_t i = 0; i < num_elems(arr); ++i)
+        s += (i ? " " : "") + num(static_cast<double>(get(arr, i)));
     destruye(&arr);
     return s;
 }
@@ -44,9 +45,9 @@ template <typename T> std::string texto(T v) {
     if constexpr (std::is_arithmetic_v<T>) {
         return num(static_cast<double>(v));
     } else if constexpr (std::is_same_v<T, ArrULong>) {
-        return lista(v, arr_GetULong, arr_DestruyeULong);
+        return lista(v, arr_NumElemsULong, arr_GetULong, arr_DestruyeULong);
     } else if constexpr (std::is_same_v<T, ArrDouble>) {
-        return lista(v, arr_GetDouble, arr_DestruyeDouble);
+        return lista(v, arr_NumElemsDouble, arr_GetDouble, arr_DestruyeDouble);
     } else {
         std::string s = u8(v);
         if constexpr (!std::is_const_v<std::remove_pointer_t<T>>)
