@@ -15,6 +15,7 @@
 #include <cstdio>
 #include <filesystem>
 #include <fstream>
+#include <functional>
 #include <iterator>
 #include <sstream>
 #include <stdexcept>
@@ -73,6 +74,20 @@ template <typename C> std::basic_string<C> toma(C *p) {
     std::basic_string<C> s = p ? p : std::basic_string<C>{'<', 'n', 'u', 'l', 'l', '>'};
     zarn::libera(p);
     return s;
+}
+inline std::string toma_u8(char16_t *p) {
+    return zarn::utf16_a_utf8(toma(p));
+}
+
+// What f gives, or "!" and the condition (with " (message)" when there is one) of the internal
+// error that it ends in.
+inline std::string texto_o_condicion(const std::function<std::string()> &f) {
+    ConManejadorQueLanza con;
+    try {
+        return f();
+    } catch (const ErrorInterno &e) {
+        return "!" + e.condicion + (e.mensaje.empty() ? "" : " (" + e.mensaje + ")");
+    }
 }
 
 // The elements of an array handed out by the library, as values (texts as strings); the array
@@ -192,3 +207,7 @@ private:
         mensaje = hay_error == CIERTO ? toma(m) : (zarn::libera(m), "ok");
     }
 };
+
+// The text of what an accessor of the tree gives, asked by name (test_arbol_accesores.cpp):
+// {accessor, node (a child of the root; empty for the root, "-" for no node), tag}.
+std::string consulta_arbol(const zarnxml_nodo_t *raiz, const std::vector<std::string> &fila);

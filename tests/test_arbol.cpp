@@ -125,21 +125,4 @@ TEST(Arbol, CadaElementoEsUnNodoEnOrden) {
     zarnxml_destruye(&vacio);
 }
 
-// An item function that opens the item's own block and returns with it open stands again on the
-// item's node when it returns: the depth of the reader's stack tells the fault.
-void *deja_abierto_su_bloque(zarnxml_lectura_t *x) {
-    zarnxml_lee_inicio_bloque(x, "q");
-    return nullptr;
-}
-
-TEST(Arbol, UnaFuncionDeItemQueDejaAbiertoSuBloqueFalla) {
-    ArrCADENA lineas = cad_obten_lista_lineas("<r><q><n>1</n></q></r>");
-    zarnxml_nodo_t *raiz = zarnxml_crea_de_lineas(&lineas, "1", "0", nullptr, nullptr);
-    zarnxml_lectura_t *x = i_crea_lectura_de_arbol(&raiz);
-    zarnxml_lee_inicio_bloque(x, "r");
-    EXPECT_EQ(COND(zarnxml_nousar_lee_estructura(x, "q", deja_abierto_su_bloque, nullptr, nullptr)),
-              "xml->nodo_actual == nodo");
-    zarnxml_destruye_xml_lectura(&x);
-}
-
 } // namespace

@@ -1,12 +1,16 @@
 // Typed values from a tree: the three treatments of absence side by side, the node's own datum,
-// lists, truth texts and properties.
+// lists, truth texts and properties, each accessor asked by name from the tables of data/arbol.
 #include "tree/arbol.hpp"
 
 #include "soporte.hpp"
 
 #include <zarnxml/zarnxml.h>
 
+#include <cstdio>
+#include <cstring>
 #include <functional>
+#include <map>
+#include <memory>
 #include <string>
 #include <type_traits>
 #include <vector>
@@ -25,12 +29,13 @@ std::string num(double v) {
         s.pop_back();
     return s;
 }
-template <typename A, typename G, typename D> std::string lista(A arr, G get, D destruye) {
+template <typename A, typename N, typename G, typename D>
+std::string lista(A arr, N num_elems, G get, D destruye) {
     if (!arr)
         return "<null>";
     std::string s;
-    for (size_t i = 0; i < arr->v.size(); ++i)
-        s += (i ? " " : "") + num(static_cast<double>(get(arr, static_cast<uint32_t>(i))));
+    for (uint32_t i = 0; i < num_elems(arr); ++i)
+        s += (i ? " " : "") + num(static_cast<double>(get(arr, i)));
     destruye(&arr);
     return s;
 }
@@ -40,9 +45,9 @@ template <typename T> std::string texto(T v) {
     if constexpr (std::is_arithmetic_v<T>) {
         return num(static_cast<double>(v));
     } else if constexpr (std::is_same_v<T, ArrULong>) {
-        return lista(v, arr_GetULong, arr_DestruyeULong);
+        return lista(v, arr_NumElemsULong, arr_GetULong, arr_DestruyeULong);
     } else if constexpr (std::is_same_v<T, ArrDouble>) {
-        return lista(v, arr_GetDouble, arr_DestruyeDouble);
+        return lista(v, arr_NumElemsDouble, arr_GetDouble, arr_DestruyeDouble);
     } else {
         std::string s = u8(v);
         if constexpr (!std::is_const_v<std::remove_pointer_t<T>>)
@@ -51,18 +56,8 @@ template <typename T> std::string texto(T v) {
     }
 }
 
-// What an operation gives, or the internal error that it ends in.
-std::string resultado(const std::function<std::string()> &f) {
-    ConManejadorQueLanza con;
-    try {
-        return f();
-    } catch (const ErrorInterno &e) {
-        return "!" + e.condicion + (e.mensaje.empty() ? "" : " (" + e.mensaje + ")");
-    }
-}
-
-// The three families as functions of (node, tag). An existe form shows its answer and what the
-// variable holds afterwards.
+// Every accessor as a function of (node, tag). An existe form shows its answer and what the
+// variable holds afterwards; a form of the node's own datum asks the node and takes no tag.
 using Forma = std::function<std::string(Nodo, const char *)>;
 template <typename R> Forma get(R (*f)(Nodo, const char *)) {
     return [f](Nodo n, const char *e) { return texto(f(n, e)); };
@@ -74,166 +69,164 @@ template <typename T> Forma existe(zybool (*f)(Nodo, const char *, T *), T inici
     return [f, inicial](Nodo n, const char *e) {
         T v = inicial;
         const zybool r = f(n, e, &v);
-        return zb(r) + " " + texto(v);
+        return zb(r) + "=" + texto(v);
     };
 }
 // An existe form that answers with a truth value but gives no other value.
 template <typename T> Forma existe_sin_valor(zybool (*f)(Nodo, const char *, T *)) {
     return [f](Nodo n, const char *e) { return zb(f(n, e, nullptr)); };
 }
-
-// The truth texts of this tree are "si" and "7", so that the present child is a truth text too.
-const std::string DOC = dato("arbol/accesores.xml");
-
-TEST(ArbolAccesores, LaAusenciaEnSusTresFormas) {
-    Arbol a(DOC, "si", "7");
-    // Per row: present "7", empty, a block, missing, separated by '|'; a repeated child is
-    // always the fault.
-    const zybool SI = CIERTO;
-    const struct {
-        Forma f;
-        std::string esperados;
-    } filas[] = {
-        {get(zarnxml_get_dato_hijo_long), "7|0|0|!existe_nodo == CIERTO (m)"},
-        {opcional(zarnxml_get_dato_hijo_long_opcional, 5), "7|2147483647|2147483647|5"},
-        {existe(zarnxml_existe_dato_hijo_long, 42), "Y 7|Y 2147483647|Y 2147483647|N 42"},
-        {get(zarnxml_get_dato_hijo_ulong), "7|0|0|!existe_nodo == CIERTO (m)"},
-        {opcional(zarnxml_get_dato_hijo_ulong_opcional, 5u), "7|4294967295|4294967295|5"},
-        {existe(zarnxml_existe_dato_hijo_ulong, 42u), "Y 7|Y 4294967295|Y 4294967295|N 42"},
-        {get(zarnxml_get_dato_hijo_ushort), "7|0|0|!existe_nodo == CIERTO (m)"},
-        {existe(zarnxml_existe_dato_hijo_ushort, uint16_t(42)), "Y 7|Y 65535|Y 65535|N 42"},
-        {get(zarnxml_get_dato_hijo_fecha), "7|0|0|!existe_nodo == CIERTO (m)"},
-        // The default goes through 32 bits too.
-        {opcional(zarnxml_get_dato_hijo_fecha_opcional, int64_t(1) << 40),
-         "7|2147483647|2147483647|2147483647"},
-        {existe(zarnxml_existe_dato_hijo_fecha, int64_t(42)), "Y 7|Y 2147483647|Y 2147483647|N 42"},
-        {get(zarnxml_get_dato_hijo_double), "7|0|0|!existe_nodo == CIERTO (m)"},
-        {existe(zarnxml_existe_dato_hijo_double, 42.0), "Y 7|Y 0|Y 0|N 42"},
-        {get(zarnxml_get_dato_hijo_cadena), "7||<null>|!existe_nodo == CIERTO (m)"},
-        {get(zarnxml_get_dato_hijo_cadena_ansi), "7|||!existe_nodo == CIERTO (m)"},
-        {get(zarnxml_get_dato_hijo_cadena_opcional), "7|||"},
-        {existe<const char16_t *>(zarnxml_existe_dato_hijo_cadena, u"x"), "Y 7|Y |Y <null>|N x"},
-        {get(zarnxml_get_dato_hijo_bool),
-         "0|!es_dato_bool == CIERTO|!es_dato_bool == CIERTO|!existe_nodo == CIERTO (m)"},
-        {opcional(zarnxml_get_dato_hijo_bool_opcional, SI), "0|1|1|1"},
-        {opcional(zarnxml_existe_dato_hijo_bool_opcional, SI), "0|1|1|1"},
-        {existe(zarnxml_existe_dato_hijo_bool, zybool(42)), "Y 0|N 42|N 42|N 42"},
-        {existe_sin_valor(zarnxml_existe_dato_hijo_bool), "Y|N|N|N"},
-        {existe_sin_valor(zarnxml_existe_dato_hijo_double), "Y|Y|Y|N"},
-        {existe_sin_valor(zarnxml_existe_dato_hijo_long), "Y|Y|Y|N"},
-        {existe_sin_valor(zarnxml_existe_dato_hijo_ulong), "Y|Y|Y|N"},
-        {existe_sin_valor(zarnxml_existe_dato_hijo_fecha), "Y|Y|Y|N"},
-        {existe_sin_valor(zarnxml_existe_dato_hijo_ArrULong), "Y|Y|Y|N"},
-        {get(zarnxml_get_dato_hijo_ArrULong), "7|||!existe_nodo == CIERTO (m)"},
-        {get(zarnxml_get_dato_hijo_ArrULong_opcional), "7|||"},
-        {existe(zarnxml_existe_dato_hijo_ArrULong, ArrULong(nullptr)), "Y 7|Y |Y |N <null>"},
-        {get(zarnxml_get_dato_hijo_ArrDouble), "7|||!existe_nodo == CIERTO (m)"},
-        {existe(zarnxml_existe_dato_hijo_ArrDouble, ArrDouble(nullptr)), "Y 7|Y |Y |N <null>"},
+template <typename R> Forma propio(R (*f)(Nodo)) {
+    return [f](Nodo n, const char *) { return texto(f(n)); };
+}
+template <typename T> Forma es(zybool (*f)(Nodo, T *)) {
+    return [f](Nodo n, const char *) {
+        T v = T(42);
+        const zybool r = f(n, &v);
+        return zb(r) + "=" + texto(v);
     };
-    for (const auto &fila : filas) {
+}
+// Points, with the separators given after the tag's '/'.
+std::string puntos(Nodo n, const char *e) {
+    const std::string etiqueta(e, std::strchr(e, '/'));
+    const std::u16string separadores = zarn::utf8_a_utf16(std::strchr(e, '/') + 1);
+    ArrPunto2D p =
+        zarnxml_get_dato_ArrPunto2D(zarnxml_dame_nodo(n, etiqueta.c_str()), separadores.c_str());
+    std::string s;
+    for (uint32_t i = 0; i < arr_NumElemsPunto2D(p); ++i) {
+        double x = 0, y = 0;
+        arr_GetPunto2D(p, i, &x, &y);
+        s += "(" + num(x) + "," + num(y) + ")";
+    }
+    arr_DestruyePunto2D(&p);
+    return s;
+}
+std::string datos_hijos(Nodo n, const char *e) {
+    std::string s;
+    for (const std::u16string &d : elementos(zarnxml_get_ArrCadenaU_hijos(n, e)))
+        s += "[" + zarn::utf16_a_utf8(d) + "]";
+    return s;
+}
+std::string fichero_en_memoria(Nodo n, const char *e) {
+    fichmem *fm = zarnxml_get_dato_hijo_fichmem(n, e);
+    std::string s;
+    for (size_t i = 0; i < fm->tamanyo; ++i) {
+        char b[3];
+        std::snprintf(b, sizeof b, "%02x", fm->buffer[i]);
+        s += (i ? " " : "") + std::string(b);
+    }
+    fichmem_destruye(&fm);
+    return s;
+}
+
+// The default of each opcional form is 5, 2^40 for a date (it goes through 32 bits too), and
+// CIERTO for a truth value; the existe forms start at 42, or the null value.
+const zybool SI = CIERTO;
+const std::map<std::string, Forma> FORMAS = {
+    {"get_dato_hijo_long", get(zarnxml_get_dato_hijo_long)},
+    {"get_dato_hijo_long_opcional", opcional(zarnxml_get_dato_hijo_long_opcional, 5)},
+    {"existe_dato_hijo_long", existe(zarnxml_existe_dato_hijo_long, 42)},
+    {"get_dato_hijo_ulong", get(zarnxml_get_dato_hijo_ulong)},
+    {"get_dato_hijo_ulong_opcional", opcional(zarnxml_get_dato_hijo_ulong_opcional, 5u)},
+    {"existe_dato_hijo_ulong", existe(zarnxml_existe_dato_hijo_ulong, 42u)},
+    {"get_dato_hijo_ushort", get(zarnxml_get_dato_hijo_ushort)},
+    {"existe_dato_hijo_ushort", existe(zarnxml_existe_dato_hijo_ushort, uint16_t(42))},
+    {"get_dato_hijo_fecha", get(zarnxml_get_dato_hijo_fecha)},
+    {"get_dato_hijo_fecha_opcional",
+     opcional(zarnxml_get_dato_hijo_fecha_opcional, int64_t(1) << 40)},
+    {"existe_dato_hijo_fecha", existe(zarnxml_existe_dato_hijo_fecha, int64_t(42))},
+    {"get_dato_hijo_fecha_64", get(zarnxml_get_dato_hijo_fecha_64)},
+    {"get_dato_hijo_double", get(zarnxml_get_dato_hijo_double)},
+    {"existe_dato_hijo_double", existe(zarnxml_existe_dato_hijo_double, 42.0)},
+    {"get_dato_hijo_cadena", get(zarnxml_get_dato_hijo_cadena)},
+    {"get_dato_hijo_cadena_ansi", get(zarnxml_get_dato_hijo_cadena_ansi)},
+    {"get_dato_hijo_cadena_opcional", get(zarnxml_get_dato_hijo_cadena_opcional)},
+    {"existe_dato_hijo_cadena", existe<const char16_t *>(zarnxml_existe_dato_hijo_cadena, u"x")},
+    {"get_dato_hijo_bool", get(zarnxml_get_dato_hijo_bool)},
+    {"get_dato_hijo_bool_opcional", opcional(zarnxml_get_dato_hijo_bool_opcional, SI)},
+    {"existe_dato_hijo_bool_opcional", opcional(zarnxml_existe_dato_hijo_bool_opcional, SI)},
+    {"existe_dato_hijo_bool", existe(zarnxml_existe_dato_hijo_bool, zybool(42))},
+    {"existe_dato_hijo_bool sin valor", existe_sin_valor(zarnxml_existe_dato_hijo_bool)},
+    {"existe_dato_hijo_double sin valor", existe_sin_valor(zarnxml_existe_dato_hijo_double)},
+    {"existe_dato_hijo_long sin valor", existe_sin_valor(zarnxml_existe_dato_hijo_long)},
+    {"existe_dato_hijo_ulong sin valor", existe_sin_valor(zarnxml_existe_dato_hijo_ulong)},
+    {"existe_dato_hijo_fecha sin valor", existe_sin_valor(zarnxml_existe_dato_hijo_fecha)},
+    {"existe_dato_hijo_ArrULong sin valor", existe_sin_valor(zarnxml_existe_dato_hijo_ArrULong)},
+    {"get_dato_hijo_ArrULong", get(zarnxml_get_dato_hijo_ArrULong)},
+    {"get_dato_hijo_ArrULong_opcional", get(zarnxml_get_dato_hijo_ArrULong_opcional)},
+    {"existe_dato_hijo_ArrULong", existe(zarnxml_existe_dato_hijo_ArrULong, ArrULong(nullptr))},
+    {"get_dato_hijo_ArrDouble", get(zarnxml_get_dato_hijo_ArrDouble)},
+    {"existe_dato_hijo_ArrDouble", existe(zarnxml_existe_dato_hijo_ArrDouble, ArrDouble(nullptr))},
+    {"get_dato_hijo_fichmem", fichero_en_memoria},
+    {"get_dato_double", propio(zarnxml_get_dato_double)},
+    {"get_dato_long", propio(zarnxml_get_dato_long)},
+    {"get_dato_ulong", propio(zarnxml_get_dato_ulong)},
+    {"get_dato_bool", propio(zarnxml_get_dato_bool)},
+    {"get_dato_cadena", propio(zarnxml_get_dato_cadena)},
+    {"get_dato_cadena_u", propio(zarnxml_get_dato_cadena_u)},
+    {"get_dato_ArrULong", propio(zarnxml_get_dato_ArrULong)},
+    {"get_dato_ArrDouble", propio(zarnxml_get_dato_ArrDouble)},
+    {"get_dato_ArrPunto2D", puntos},
+    {"get_ArrCadenaU_hijos", datos_hijos},
+    {"es_dato_long", es(zarnxml_es_dato_long)},
+    {"es_dato_ulong", es(zarnxml_es_dato_ulong)},
+    {"es_dato_bool", es(zarnxml_es_dato_bool)},
+    {"get_etiqueta", [](Nodo n, const char *) { return u8(zarnxml_get_etiqueta(n)); }},
+    {"num_propiedades", [](Nodo n, const char *) { return num(zarnxml_num_propiedades(n)); }},
+    {"num_nodos_hijos", [](Nodo n, const char *) { return num(zarnxml_num_nodos_hijos(n)); }},
+    {"propiedad",
+     [](Nodo n, const char *e) { return u8(zarnxml_propiedad(n, std::stoi(e))->dato_propiedad); }},
+    {"existe_propiedad_cadena", existe(zarnxml_existe_propiedad_cadena, CADENA(nullptr))},
+    {"existe_propiedad_cadena_u", existe(zarnxml_existe_propiedad_cadena_u, CADENA_u(nullptr))},
+    {"existe_propiedad_cadena_u sin valor", existe_sin_valor(zarnxml_existe_propiedad_cadena_u)},
+    {"existe_propiedad_double", existe(zarnxml_existe_propiedad_double, 42.0)},
+    {"existe_propiedad_ulong", existe(zarnxml_existe_propiedad_ulong, 42u)},
+    {"existe_propiedad_bool", existe(zarnxml_existe_propiedad_bool, zybool(42))},
+};
+
+} // namespace
+
+std::string consulta_arbol(const zarnxml_nodo_t *raiz, const std::vector<std::string> &fila) {
+    return texto_o_condicion([&] {
+        const Nodo n = fila[1] == "-"    ? nullptr
+                       : fila[1].empty() ? raiz
+                                         : zarnxml_dame_nodo(raiz, fila[1].c_str());
+        return FORMAS.at(fila[0])(n, fila[2].c_str());
+    });
+}
+
+namespace {
+
+// data/arbol/ausencia.txt: per accessor, what it gives for the present child "7", an empty
+// one, a block and a missing one; a repeated child is always the fault. The truth texts of this
+// tree are "si" and "7", so that the present child is a truth text too.
+TEST(ArbolAccesores, LaAusenciaEnSusTresFormas) {
+    Arbol a(dato("arbol/accesores.xml"), "si", "7");
+    for (const auto &fila : tabla("arbol/ausencia.txt")) {
         std::string obtenido;
         for (const char *e : {"p", "v", "blq", "m"})
-            obtenido += (*e == 'p' ? "" : "|") + resultado([&] { return fila.f(a.raiz, e); });
-        EXPECT_EQ(obtenido, fila.esperados) << "row " << &fila - filas;
-        EXPECT_EQ(resultado([&] { return fila.f(a.raiz, "d"); }), "!num_nodos_encontrados == 1")
-            << &fila - filas;
+            obtenido += (*e == 'p' ? "" : "|") + consulta_arbol(a, {fila[0], "", e});
+        EXPECT_EQ(obtenido, fila[1]) << fila[0];
+        EXPECT_EQ(consulta_arbol(a, {fila[0], "", "d"}), "!num_nodos_encontrados == 1") << fila[0];
     }
 }
 
-// The tests of a node's own datum: the answer and the variable afterwards (it starts at 42).
-template <typename T> std::string es(zybool (*f)(Nodo, T *), Nodo n) {
-    T v = T(42);
-    const zybool r = f(n, &v);
-    return zb(r) + " " + texto(v);
-}
-
-TEST(ArbolAccesores, ElDatoDelPropioNodo) {
-    Arbol a("<r><t>12,75</t><neg>-3.9</neg><big>1e10</big><nan>nAn</nan><b>NO</b>"
-            "<blq><x/></blq><u>Jos\xc3\xa9</u></r>",
-            "si", "no");
-    auto hijo = [&](const char *e) { return zarnxml_dame_nodo(a.raiz, e); };
-    EXPECT_EQ(zarnxml_get_dato_double(hijo("t")), 12.75);
-    EXPECT_EQ(zarnxml_get_dato_long(hijo("t")), 12);
-    EXPECT_EQ(zarnxml_get_dato_ulong(hijo("t")), 12u);
-    EXPECT_EQ(zarnxml_get_dato_long(hijo("nan")), 0);
-    // A number lent as wide text: the same text and address every time, typed reads unchanged.
-    const char16_t *t = zarnxml_get_dato_cadena_u(hijo("t"));
-    EXPECT_EQ(texto(t), "12,75");
-    EXPECT_EQ(zarnxml_get_dato_cadena_u(hijo("t")), t);
-    EXPECT_EQ(zarnxml_get_dato_double(hijo("t")), 12.75);
-    EXPECT_EQ(texto(zarnxml_get_dato_cadena(hijo("u"))), "Jos\xc3\xa9");
-    // Number tests look at the value, truncated.
-    EXPECT_EQ(es(zarnxml_es_dato_long, hijo("neg")), "Y -3");
-    EXPECT_EQ(es(zarnxml_es_dato_long, hijo("big")), "N 42");
-    EXPECT_EQ(es(zarnxml_es_dato_ulong, hijo("neg")), "N 42");
-    EXPECT_EQ(es(zarnxml_es_dato_ulong, hijo("big")), "N 42");
-    EXPECT_EQ(es(zarnxml_es_dato_ulong, hijo("t")), "Y 12");
-    EXPECT_EQ(es(zarnxml_es_dato_bool, hijo("b")), "Y 0");
-    EXPECT_EQ(es(zarnxml_es_dato_bool, hijo("t")), "N 42");
-    EXPECT_EQ(zarnxml_get_dato_bool(hijo("b")), FALSO);
-    EXPECT_EQ(COND(zarnxml_get_dato_bool(hijo("t"))), "es_dato_bool == CIERTO");
-    // A node with child elements lends no datum and reads as the empty text.
-    EXPECT_EQ(zarnxml_get_dato_cadena_u(hijo("blq")), nullptr);
-    EXPECT_EQ(zarnxml_get_dato_long(hijo("blq")), 0);
-    EXPECT_EQ(texto(zarnxml_get_dato_cadena(hijo("blq"))), "");
-    EXPECT_EQ(COND(zarnxml_get_dato_long(nullptr)), "(nodo) != NULL");
-}
-
-TEST(ArbolAccesores, ListasEnUnDato) {
-    Arbol a("<r><u>1 2  3 </u><v></v><d> 1,5 -2 NaN 4</d><p>1,5 2 3</p><q>1;2,3;;4</q></r>", "1",
-            "0");
-    auto hijo = [&](const char *e) { return zarnxml_dame_nodo(a.raiz, e); };
-    EXPECT_EQ(texto(zarnxml_get_dato_ArrULong(hijo("u"))), "1 2 3");
-    EXPECT_EQ(texto(zarnxml_get_dato_ArrULong(hijo("v"))), "");
-    EXPECT_EQ(texto(zarnxml_get_dato_ArrDouble(hijo("d"))), "1.5 -2 0 4");
-    // Points take the plain number reading (a comma ends the number), and a last coordinate
-    // without its partner is dropped.
-    auto puntos = [&](const char *e, const char16_t *separadores) {
-        ArrPunto2D p = zarnxml_get_dato_ArrPunto2D(hijo(e), separadores);
-        std::string s;
-        for (uint32_t i = 0; i < arr_NumElemsPunto2D(p); ++i) {
-            double x = 0, y = 0;
-            arr_GetPunto2D(p, i, &x, &y);
-            s += "(" + num(x) + "," + num(y) + ")";
+// data/arbol/consultas.txt: documents, each with the accessors asked of it.
+TEST(ArbolAccesores, ConsultasPorNombre) {
+    std::unique_ptr<Arbol> a;
+    for (std::vector<std::string> fila : tabla("arbol/consultas.txt")) {
+        if (fila[0] == "documento") {
+            a = std::make_unique<Arbol>(dato("arbol/" + fila[1]), fila[2].c_str(), fila[3].c_str());
+            ASSERT_EQ(a->mensaje, "ok") << fila[1];
+            continue;
         }
-        arr_DestruyePunto2D(&p);
-        return s;
-    };
-    EXPECT_EQ(puntos("p", u" "), "(1,2)");
-    EXPECT_EQ(puntos("q", u";,"), "(1,2)(3,4)");
-    EXPECT_EQ(puntos("v", u" "), "");
-    ArrCADENA_u datos = zarnxml_get_ArrCadenaU_hijos(a.raiz, "U");
-    ASSERT_EQ(arr_NumElemsCADENA_u(datos), 1u);
-    EXPECT_EQ(u8(arr_GetCADENA_u(datos, 0)), "1 2  3 ");
-    arr_DestruyeCADENA_u(&datos);
-    datos = zarnxml_get_ArrCadenaU_hijos(a.raiz, "Q"); // the last child
-    ASSERT_EQ(arr_NumElemsCADENA_u(datos), 1u);
-    EXPECT_EQ(u8(arr_GetCADENA_u(datos, 0)), "1;2,3;;4");
-    arr_DestruyeCADENA_u(&datos);
-    datos = zarnxml_get_ArrCadenaU_hijos(a.raiz, "z");
-    EXPECT_EQ(arr_NumElemsCADENA_u(datos), 0u);
-    arr_DestruyeCADENA_u(&datos);
-}
-
-TEST(ArbolAccesores, Propiedades) {
-    Arbol a("<r Nombre=\"Pe\xc3\xb1"
-            "a\" vacia=\"\" d=\"2,5\" n=\"17\" b=\"VERDAD\" c=\"otra\" n=\"99\"/>",
-            "verdad", "mentira");
-    const Nodo r = a.raiz;
-    auto prop = [&](auto f, auto inicial, const char *nombre) {
-        return existe(f, inicial)(r, nombre);
-    };
-    EXPECT_EQ(prop(zarnxml_existe_propiedad_cadena, CADENA(nullptr), "NOMBRE"), "Y Pe\xc3\xb1"
-                                                                                "a");
-    EXPECT_EQ(prop(zarnxml_existe_propiedad_cadena_u, CADENA_u(nullptr), "vacia"), "Y ");
-    EXPECT_EQ(prop(zarnxml_existe_propiedad_double, 42.0, "d"), "Y 2.5");
-    EXPECT_EQ(prop(zarnxml_existe_propiedad_ulong, 42u, "N"), "Y 17"); // the first n
-    EXPECT_EQ(prop(zarnxml_existe_propiedad_bool, zybool(42), "b"), "Y 1");
-    EXPECT_EQ(prop(zarnxml_existe_propiedad_bool, zybool(42), "c"), "N 42");
-    EXPECT_EQ(prop(zarnxml_existe_propiedad_double, 42.0, "z"), "N 42");
-    EXPECT_EQ(zarnxml_existe_propiedad_cadena_u(r, "nombre", nullptr), CIERTO);
-    EXPECT_EQ(u8(zarnxml_propiedad(r, 6)->dato_propiedad), "99");
-    EXPECT_EQ(COND(zarnxml_propiedad(r, 7)), "ind < num_propiedades");
+        fila.resize(4);
+        EXPECT_EQ(consulta_arbol(*a, fila), fila[3]) << fila[0] << " " << fila[1] << " " << fila[2];
+    }
+    // A number lent as wide text is widened once: the same address on every call.
+    const Arbol n("<r><t>12,75</t></r>", "si", "no");
+    const zarnxml_nodo_t *t = zarnxml_dame_nodo(n.raiz, "t");
+    EXPECT_EQ(zarnxml_get_dato_cadena_u(t), zarnxml_get_dato_cadena_u(t));
 }
 
 } // namespace

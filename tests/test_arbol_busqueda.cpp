@@ -158,42 +158,4 @@ TEST(ArbolBusqueda, LaBusquedaAFondoSeDetieneEnDiezMilNiveles) {
     EXPECT_TRUE(zarnxml_existe_nodo_recursivamente(zarnxml_nodo_hijo(hondo.raiz, 0), "e", nullptr));
 }
 
-TEST(ArbolBusqueda, ATravesDeUnLectorSecuencial) {
-    Arbol a("<r><c k=\"Pe\xc3\xb1"
-            "a\" s=\"1\">x</c><d/></r>");
-    zarnxml_lectura_s lector{a.raiz, nullptr, {}, a.raiz, CIERTO};
-    EXPECT_TRUE(zarnxml_es_etiqueta_nodo_raiz(&lector, "R"));
-    EXPECT_FALSE(zarnxml_es_etiqueta_nodo_raiz(&lector, "c"));
-    EXPECT_TRUE(zarnxml_existe_dato(&lector, "d"));
-    EXPECT_FALSE(zarnxml_existe_dato(&lector, "e"));
-    EXPECT_EQ(zarnxml_lee_bool_opcional(&lector, "e", CIERTO), CIERTO);
-    EXPECT_EQ(zarnxml_lee_ulong(&lector, "e"), 0u);
-    EXPECT_TRUE(zarnxml_se_lee_double(&lector, "d", nullptr));
-    EXPECT_TRUE(zarnxml_se_lee_cadena_u(&lector, "d", nullptr));
-    CADENA dato = nullptr;
-    EXPECT_TRUE(zarnxml_existe_etiqueta_con_propiedad_cadena(&lector, "C", "K", &dato));
-    EXPECT_STREQ(dato, "Pe\xc3\xb1"
-                       "a");
-    zarn::libera(dato);
-    dato = nullptr;
-    EXPECT_FALSE(zarnxml_existe_etiqueta_con_propiedad_cadena(&lector, "c", "z", &dato));
-    EXPECT_FALSE(zarnxml_existe_etiqueta_con_propiedad_cadena(&lector, "z", "k", &dato));
-    EXPECT_EQ(dato, nullptr);
-
-    lector.nodo_actual = zarnxml_dame_nodo(a.raiz, "c");
-    zybool b = FALSO;
-    EXPECT_TRUE(zarnxml_in_existe_propiedad_bool(&lector, "s", &b));
-    EXPECT_EQ(b, CIERTO);
-    CADENA_u u = nullptr;
-    EXPECT_TRUE(zarnxml_in_existe_propiedad_cadena_u(&lector, "k", &u));
-    EXPECT_EQ(u8(u), "Pe\xc3\xb1"
-                     "a");
-    zarn::libera(u);
-    EXPECT_FALSE(zarnxml_in_existe_propiedad_cadena(&lector, "q", nullptr));
-
-    lector.nodo_actual = nullptr;
-    EXPECT_EQ(COND(zarnxml_existe_dato(&lector, "d")), "(nodo) != NULL");
-    EXPECT_EQ(COND(zarnxml_existe_dato(nullptr, "d")), "(xml) != NULL");
-}
-
 } // namespace

@@ -7,7 +7,6 @@
 #include <zarnxml/zarnxml.hpp>
 
 #include <algorithm>
-#include <charconv>
 #include <cstdio>
 #include <cstdlib>
 #include <functional>
@@ -23,23 +22,32 @@ namespace fs = std::filesystem;
 
 constexpr uint32_t UN_MILLON = 1000000;
 
-// What a UTF-8 writer writes into the file.
-template <typename F> void escribe_con(const fs::path &ruta, F &&graba) {
-    zarnfxml_t *w = zarnfxml_crea_para_escritura_UTF_8();
-    graba(w);
-    zarnfxml_genera_fichero_salida(w, ruta.u16string().c_str());
-    zarnfxml_destruye_xml_escritura(&w);
-}
-
-// A strict reader over a file, destroyed at the end of the scope.
-struct Lector {
-    zarnfxml_t *x;
-    explicit Lector(const fs::path &ruta)
-        : x(zarnfxml_crea_para_lectura_de_fichero_u(ruta.u16string().c_str())) {}
-    Lector(const Lector &) = delete;
-    ~Lector() { zarnfxml_destruye_xml_lectura(&x); }
-    operator zarnfxml_t *() const { return x; }
+// What the library made, destroyed at the end of the scope, or when an internal error passes.
+template <typename T, auto D> struct Propio {
+    T *p;
+    explicit Propio(T *q = nullptr) : p(q) {}
+    Propio(const Propio &) = delete;
+    ~Propio() {
+        if (p)
+            D(&p);
+    }
 };
+void libera_u(CADENA_u *s) {
+    widestr_nousar_destruye(s, __FILE__, __LINE__);
+}
+void libera_propiedades(ArrPuntero *a) {
+    zarnxml::detalle::libera_propiedades{}(std::exchange(*a, nullptr));
+}
+using Escritor = Propio<zarnfxml_t, zarnfxml_destruye_xml_escritura>;
+using LectorC = Propio<zarnfxml_t, zarnfxml_destruye_xml_lectura>;
+using Raiz = Propio<zarnxml_nodo_t, zarnxml_destruye>;
+using Lectura = Propio<zarnxml_lectura_t, zarnxml_destruye_xml_lectura>;
+using Cadena = Propio<char, zarnstr_destruye>;
+using CadenaU = Propio<char16_t, libera_u>;
+using Cadenas = Propio<ArrCADENA_s, arr_DestruyeCADENA>;
+using CadenasU = Propio<ArrCADENA_u_s, arr_DestruyeCADENA_u>;
+using Doubles = Propio<ArrDouble_s, arr_DestruyeDouble>;
+using Punteros = Propio<ArrPuntero_s, arr_DestruyeEstructurasConstConTipo>; // items are numbers
 
 // ---- Depth -----------------------------------------------------------------------------------
 // Each pass over a million elements takes seconds in a sanitized debug build, so every pass
@@ -64,76 +72,71 @@ zybool profundidad_u(const char *, const char *, const char *, ArrCADENA, ArrCAD
     return CIERTO;
 }
 
-// Checked from lines and from a file, and walked.
-TEST(Estres, UnMillonDeNivelesSeCompruebanYSeRecorren) {
+// One document a million and one levels deep, <b> at the bottom: checked from lines and from a
+// file, walked, loaded into a tree, read down and up again by the sequential reader, destroyed.
+TEST(Estres, UnMillonDeNiveles) {
     std::string abre, cierra;
     for (size_t i = 0; i < UN_MILLON; ++i) {
         abre += "<a>";
         cierra += "</a>";
     }
-    Lineas l{abre, "<b>x</b>", cierra};
+    Lineas l{abre, "<b>fondo</b>", cierra};
     EXPECT_EQ(comprueba_lineas(l, "a"), "ok");
     EXPECT_EQ(comprueba({abre}), "Ln 2, Col 1: Unexpected end of file");
     DirTemporal dir;
     escribe_fichero(dir / "p.xml", abre + "\n" + cierra + "\n");
     EXPECT_EQ(comprueba_fichero(dir / "p.xml"), "ok");
 
-    // One call for each element, <b> a million and one levels down.
+    // One call for each element.
     Profundidad p;
     zarnfxml_nousar_recorre_en_forma_de_arbol_u(l.a, profundidad_u, &p, nullptr, nullptr, CIERTO);
     EXPECT_EQ(p.llamadas, UN_MILLON + 1);
     EXPECT_EQ(p.maxima, UN_MILLON + 1);
-}
 
-// Built, read down and up again by the sequential reader, and destroyed.
-TEST(Estres, UnMillonDeNivelesEnUnArbol) {
-    constexpr uint32_t N = UN_MILLON;
-    ArrCADENA lineas = arr_CreaCADENA(0);
-    for (uint32_t i = 0; i < N; ++i)
-        arr_AppendCADENA(lineas, i + 1 < N ? "<e>" : "<e>fondo</e>");
-    for (uint32_t i = 1; i < N; ++i)
-        arr_AppendCADENA(lineas, "</e>");
     zybool hay_error = CIERTO;
-    zarnxml_nodo_t *raiz = zarnxml_crea_de_lineas(&lineas, "1", "0", &hay_error, nullptr);
+    zarnxml_nodo_t *raiz = zarnxml_crea_de_lineas(&l.a, "1", "0", &hay_error, nullptr);
     ASSERT_EQ(hay_error, FALSO);
     const zarnxml_nodo_t *n = raiz;
     uint32_t profundidad = 1;
     for (; zarnxml_num_nodos_hijos(n) == 1; ++profundidad)
         n = zarnxml_nodo_hijo(n, 0);
-    EXPECT_EQ(profundidad, N);
+    EXPECT_EQ(profundidad, UN_MILLON + 1);
     EXPECT_EQ(u8(zarnxml_get_dato_cadena_u(n)), "fondo");
 
     zarnxml_lectura_t *x = i_crea_lectura_de_arbol(&raiz);
-    for (uint32_t i = 1; i < N; ++i)
-        zarnxml_lee_inicio_bloque(x, "E");
-    CADENA fondo = zarnxml_lee_cadena(x, "e");
-    EXPECT_STREQ(fondo, "fondo");
-    zarn::libera(fondo);
-    for (uint32_t i = 1; i < N; ++i)
+    for (uint32_t i = 0; i < UN_MILLON; ++i)
+        zarnxml_lee_inicio_bloque(x, "A");
+    EXPECT_EQ(toma(zarnxml_lee_cadena(x, "b")), "fondo");
+    for (uint32_t i = 0; i < UN_MILLON; ++i)
         zarnxml_lee_fin_bloque(x);
     EXPECT_EQ(COND(zarnxml_lee_fin_bloque(x)), "num_elems > 0");
     // Back where it started: the root opens again.
-    zarnxml_lee_inicio_bloque(x, "e");
-    EXPECT_EQ(zarnxml_existe_dato(x, "e"), CIERTO);
+    zarnxml_lee_inicio_bloque(x, "a");
+    EXPECT_EQ(zarnxml_existe_dato(x, "a"), CIERTO);
     zarnxml_lee_fin_bloque(x);
     zarnxml_destruye_xml_lectura(&x); // with the tree, a million levels deep
 }
 
 // ---- Width -----------------------------------------------------------------------------------
 
-TEST(Estres, CienMilPropiedadesEnUnaEtiqueta) {
+// One element with a hundred thousand properties and a million children, <c> the last.
+TEST(Estres, CienMilPropiedadesYUnMillonDeHijos) {
     constexpr uint32_t N = 100000;
     DirTemporal dir;
-    escribe_con(dir / "p.xml", [](zarnfxml_t *w) {
+    {
+        Escritor w(zarnfxml_crea_para_escritura_UTF_8());
         ArrPuntero propiedades = arr_CreaPunteroConTipo(0);
         for (uint32_t i = 0; i < N; ++i)
             zarnfxml_append_propiedad(propiedades, ("p" + std::to_string(i)).c_str(),
                                       ("v" + std::to_string(i * 7)).c_str());
-        zarnfxml_graba_inicio_bloque_con_propiedades(w, "a", &propiedades);
+        zarnfxml_graba_inicio_bloque_con_propiedades(w.p, "a", &propiedades);
         EXPECT_EQ(propiedades, nullptr);
-        zarnfxml_graba_cadena(w, "b", "x");
-        zarnfxml_graba_fin_bloque(w);
-    });
+        for (uint32_t i = 0; i + 1 < UN_MILLON; ++i)
+            zarnfxml_graba_ulong(w.p, "b", i);
+        zarnfxml_graba_cadena(w.p, "c", "último");
+        zarnfxml_graba_fin_bloque(w.p);
+        zarnfxml_genera_fichero_salida(w.p, dir.u("p.xml").c_str());
+    }
     EXPECT_EQ(comprueba_fichero(dir / "p.xml", "a"), "ok");
     Arbol a(Fichero{dir / "p.xml"});
     ASSERT_EQ(a.mensaje, "ok");
@@ -145,38 +148,21 @@ TEST(Estres, CienMilPropiedadesEnUnaEtiqueta) {
     EXPECT_EQ(propiedad("P0"), "v0");
     EXPECT_EQ(propiedad("p99999"), "v699993");
     EXPECT_EQ(propiedad("p100000"), "-");
-
-    // The strict reader finds the last one too.
-    Lector r(dir / "p.xml");
-    zarnfxml_lee_inicio_bloque(r, "a");
-    CADENA ultima = nullptr;
-    EXPECT_EQ(zarnfxml_existe_propiedad_inicio_bloque(r, "P99999", &ultima), CIERTO);
-    EXPECT_EQ(toma(ultima), "v699993");
-    EXPECT_EQ(toma(zarnfxml_get_indice_propiedad_inicio_bloque(r, N - 1)), "v699993");
-}
-
-TEST(Estres, UnMillonDeHermanos) {
-    constexpr uint32_t N = UN_MILLON;
-    std::string texto = "<a>\n";
-    texto.reserve(size_t{16} * N);
-    for (uint32_t i = 0; i + 1 < N; ++i) {
-        char numero[16];
-        texto.append("\t<b>").append(numero, std::to_chars(numero, numero + 16, i).ptr);
-        texto.append("</b>\n");
-    }
-    texto += "\t<c>último</c>\n</a>\n";
-    DirTemporal dir;
-    escribe_fichero(dir / "h.xml", texto);
-    EXPECT_EQ(comprueba_fichero(dir / "h.xml", "a"), "ok");
-    Arbol a(Fichero{dir / "h.xml"});
-    ASSERT_EQ(a.mensaje, "ok");
-    ASSERT_EQ(zarnxml_num_nodos_hijos(a.raiz), N);
+    ASSERT_EQ(zarnxml_num_nodos_hijos(a.raiz), UN_MILLON);
     const zarnxml_nodo_t *c = nullptr;
     ASSERT_EQ(zarnxml_existe_nodo(a.raiz, "C", &c), CIERTO);
-    EXPECT_EQ(c, zarnxml_nodo_hijo(a.raiz, N - 1));
+    EXPECT_EQ(c, zarnxml_nodo_hijo(a.raiz, UN_MILLON - 1));
     EXPECT_EQ(u8(zarnxml_get_dato_cadena_u(c)), "último");
-    EXPECT_EQ(zarnxml_get_dato_ulong(zarnxml_nodo_hijo(a.raiz, N - 2)), N - 2);
+    EXPECT_EQ(zarnxml_get_dato_ulong(zarnxml_nodo_hijo(a.raiz, UN_MILLON - 2)), UN_MILLON - 2);
     EXPECT_EQ(COND(zarnxml_existe_nodo(a.raiz, "b", nullptr)), "num_nodos_encontrados == 1");
+
+    // The strict reader finds the last property too.
+    LectorC r(zarnfxml_crea_para_lectura_de_fichero_u(dir.u("p.xml").c_str()));
+    zarnfxml_lee_inicio_bloque(r.p, "a");
+    CADENA ultima = nullptr;
+    EXPECT_EQ(zarnfxml_existe_propiedad_inicio_bloque(r.p, "P99999", &ultima), CIERTO);
+    EXPECT_EQ(toma(ultima), "v699993");
+    EXPECT_EQ(toma(zarnfxml_get_indice_propiedad_inicio_bloque(r.p, N - 1)), "v699993");
 }
 
 // ---- Size ------------------------------------------------------------------------------------
@@ -191,18 +177,20 @@ TEST(Estres, DatoDeCincuentaMegas) {
         valor += tramo + "\n";
     valor += "fin"; // a line feed at the very end would be trimmed as an empty last line
     DirTemporal dir;
-    escribe_con(dir / "g.xml", [&](zarnfxml_t *w) {
-        zarnfxml_graba_inicio_bloque(w, "r");
-        zarnfxml_graba_cadena(w, "v", valor.c_str());
-        zarnfxml_graba_fin_bloque(w);
-    });
+    {
+        Escritor w(zarnfxml_crea_para_escritura_UTF_8());
+        zarnfxml_graba_inicio_bloque(w.p, "r");
+        zarnfxml_graba_cadena(w.p, "v", valor.c_str());
+        zarnfxml_graba_fin_bloque(w.p);
+        zarnfxml_genera_fichero_salida(w.p, dir.u("g.xml").c_str());
+    }
     EXPECT_GT(fs::file_size(dir / "g.xml"), uintmax_t{50} << 20);
     EXPECT_EQ(comprueba_fichero(dir / "g.xml", "r"), "ok");
     {
-        Lector r(dir / "g.xml");
-        zarnfxml_lee_inicio_bloque(r, "r");
-        EXPECT_TRUE(toma(zarnfxml_lee_cadena(r, "v")) == valor);
-        zarnfxml_lee_fin_bloque(r);
+        LectorC r(zarnfxml_crea_para_lectura_de_fichero_u(dir.u("g.xml").c_str()));
+        zarnfxml_lee_inicio_bloque(r.p, "r");
+        EXPECT_TRUE(toma(zarnfxml_lee_cadena(r.p, "v")) == valor);
+        zarnfxml_lee_fin_bloque(r.p);
     }
     Arbol a(Fichero{dir / "g.xml"});
     ASSERT_EQ(a.mensaje, "ok");
@@ -248,33 +236,6 @@ void operator delete[](void *p, size_t) noexcept { std::free(p); }
 // clang-format on
 
 namespace {
-
-// What an operation made, destroyed when the operation ends or an internal error passes.
-template <typename T, auto D> struct Propio {
-    T *p;
-    explicit Propio(T *q = nullptr) : p(q) {}
-    Propio(const Propio &) = delete;
-    ~Propio() {
-        if (p)
-            D(&p);
-    }
-};
-void libera_u(CADENA_u *s) {
-    widestr_nousar_destruye(s, __FILE__, __LINE__);
-}
-void libera_propiedades(ArrPuntero *a) {
-    zarnxml::detalle::libera_propiedades{}(std::exchange(*a, nullptr));
-}
-using Escritor = Propio<zarnfxml_t, zarnfxml_destruye_xml_escritura>;
-using LectorC = Propio<zarnfxml_t, zarnfxml_destruye_xml_lectura>;
-using Raiz = Propio<zarnxml_nodo_t, zarnxml_destruye>;
-using Lectura = Propio<zarnxml_lectura_t, zarnxml_destruye_xml_lectura>;
-using Cadena = Propio<char, zarnstr_destruye>;
-using CadenaU = Propio<char16_t, libera_u>;
-using Cadenas = Propio<ArrCADENA_s, arr_DestruyeCADENA>;
-using CadenasU = Propio<ArrCADENA_u_s, arr_DestruyeCADENA_u>;
-using Doubles = Propio<ArrDouble_s, arr_DestruyeDouble>;
-using Punteros = Propio<ArrPuntero_s, arr_DestruyeEstructurasConstConTipo>; // items are numbers
 
 void graba_item(const void *item, zarnfxml_t *w) {
     zarnfxml_graba_inicio_bloque(w, "i");
@@ -331,21 +292,15 @@ void escribe(zarnfxml_t *w) {
     zarnfxml_graba_fin_bloque(w);
 }
 
-// The files that the operations read and write, made before any allocation fails.
+// The documents that the operations read: what escribe writes, the same in UTF-16 with its byte
+// order mark, and a bad one; and a file to write in a folder that does not exist yet.
 struct Entorno {
     DirTemporal dir;
-    std::u16string documento = dir.u("d.xml"), utf16 = dir.u("d16.xml"), malo = dir.u("m.xml"),
+    fs::path documento_ruta = ZARNXML_TEST_DATA "/estres/documento.xml";
+    std::u16string documento = documento_ruta.u16string(),
+                   utf16 = fs::path(ZARNXML_TEST_DATA "/estres/documento_utf16.xml").u16string(),
+                   malo = fs::path(ZARNXML_TEST_DATA "/estres/malo.xml").u16string(),
                    salida = dir.u("sub/s.xml");
-    std::filesystem::path documento_ruta = dir / "d.xml";
-    Entorno() {
-        Escritor w(zarnfxml_crea_para_escritura_UTF_8());
-        escribe(w.p);
-        zarnfxml_genera_fichero_salida(w.p, documento.c_str());
-        escribe_fichero(dir / "m.xml", "<r>\n<a>1</b>\n");
-        std::u16string texto = u"\ufeff" + zarn::utf8_a_utf16(lee_fichero(dir / "d.xml"));
-        escribe_fichero(dir / "d16.xml", std::string(reinterpret_cast<const char *>(texto.data()),
-                                                     texto.size() * 2));
-    }
 };
 
 // Each operation stands for one kind of object of the library.
@@ -354,14 +309,8 @@ const struct Operacion {
     void (*hace)(const Entorno &);
     bool cpp = false; // the C++ interface, whose own allocations fail as std::bad_alloc
 } OPERACIONES[] = {
-    {"escritor a fichero",
+    {"escritor, cada perfil, a memoria y a fichero",
      [](const Entorno &e) {
-         Escritor w(zarnfxml_crea_para_escritura_UTF_8());
-         escribe(w.p);
-         zarnfxml_genera_fichero_salida(w.p, e.salida.c_str());
-     }},
-    {"escritor a memoria, cada perfil",
-     [](const Entorno &) {
          for (auto crea :
               {zarnfxml_crea_para_escritura_UTF_8, zarnfxml_crea_para_escritura_ISO_8859_1,
                zarnfxml_crea_para_escritura_UTF_8_androidstudio,
@@ -373,6 +322,7 @@ const struct Operacion {
          Escritor w(zarnfxml_crea_para_escritura_UTF_8_indenta_con_espacios(2));
          escribe(w.p);
          zarnfxml_lineas(w.p); // lent
+         zarnfxml_genera_fichero_salida(w.p, e.salida.c_str());
      }},
     {"lector estricto",
      [](const Entorno &e) {
@@ -403,7 +353,7 @@ const struct Operacion {
          Doubles dn(zarnfxml_lee_arr_double_numerados(x.p, "dn", 7));
          zarnfxml_lee_fin_bloque(x.p);
      }},
-    {"comprobaciones",
+    {"comprobaciones y lineas de un fichero",
      [](const Entorno &e) {
          Cadena bien, mal, lineas_mal;
          zarnfxml_es_fichero_xml_correcto(e.documento.c_str(), "r", &bien.p, FALSO);
@@ -412,21 +362,15 @@ const struct Operacion {
          arr_AppendCADENA(lineas.p, "<a>");
          arr_AppendCADENA(lineas.p, "<b>1</b>");
          zarnfxml_es_lineas_xml_correcto(lineas.p, "a", &lineas_mal.p, CIERTO);
-     }},
-    {"lineas de un fichero",
-     [](const Entorno &e) {
          Cadenas l8(zarnfxml_lee_lineas_fichero(e.documento.c_str()));
          Cadenas l16(zarnfxml_lee_lineas_fichero(e.utf16.c_str()));
          CadenasU u(lc_LeeFicheroTxt_unicode(e.utf16.c_str()));
      }},
-    {"arbol de un fichero",
+    {"arbol de un fichero y de lineas",
      [](const Entorno &e) {
          Cadena mensaje;
          Raiz bien(zarnxml_crea_de_fichero_u(e.documento.c_str(), "1", "0", nullptr, nullptr));
          Raiz mal(zarnxml_crea_de_fichero_u(e.malo.c_str(), "1", "0", nullptr, &mensaje.p));
-     }},
-    {"arbol de lineas",
-     [](const Entorno &) {
          Cadenas lineas(arr_CreaCADENA(0));
          for (const char *l : {"<r k=\"v\">", "<a>1</a>", "<b>x</b>", "</r>"})
              arr_AppendCADENA(lineas.p, l);
