@@ -148,4 +148,19 @@ inline std::string comprueba_fichero(const std::filesystem::path &ruta, const ch
     return r;
 }
 
+// A public reader over lines, owned for the life of a test.
+struct LectorLineas {
+    Lineas l;
+    zarnfxml_t *x;
+    LectorLineas(std::initializer_list<std::string> lineas)
+        : l(lineas), x(zarnfxml_crea_para_lectura_de_lineas(l.a, FALSO)) {}
+    ~LectorLineas() { zarnfxml_destruye_xml_lectura(&x); }
+    operator zarnfxml_t *() const { return x; }
+    i_xml_lectura *in() const { return static_cast<i_xml_lectura *>(x); }
+    std::string registro() const {
+        return in()->registro.tipo_registro == i_REGISTRO_NINGUNO ? "none"
+                                                                  : describe(in()->registro);
+    }
+};
+
 using V = std::vector<std::string>;

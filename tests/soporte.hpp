@@ -6,6 +6,8 @@
 #include "services/arrays.hpp"
 #include "services/servicios.hpp"
 
+#include <zarnxml/zarnio.h>
+#include <zarnxml/zarntxt.h>
 #include <zarnxml/zarnxml.h>
 #include <zarnxml/zyassert.h>
 
@@ -211,3 +213,24 @@ private:
 // The text of what an accessor of the tree gives, asked by name (test_arbol_accesores.cpp):
 // {accessor, node (a child of the root; empty for the root, "-" for no node), tag}.
 std::string consulta_arbol(const zarnxml_nodo_t *raiz, const std::vector<std::string> &fila);
+
+// The lines that ztxt_lee_linea gives for a file, pieces of at most max bytes.
+inline std::vector<std::string> lineas_ztxt(const std::filesystem::path &ruta,
+                                            uint32_t max = ZTXT_MAX_LINEA) {
+    std::vector<std::string> r;
+    zarnio_fichero_t *f = f_lc_fopen_u(ruta.u16string().c_str(), u"rt", "test", 1);
+    std::vector<char> buffer(size_t{max} + 1);
+    while (const char *l = ztxt_lee_linea(f, buffer.data(), max))
+        r.emplace_back(l);
+    lc_fclose(&f);
+    EXPECT_EQ(f, nullptr);
+    return r;
+}
+
+// The bytes of a UTF-16 text, little-endian or big-endian.
+inline std::string utf16_bytes(std::u16string_view s, bool grande = false) {
+    std::string b;
+    for (char16_t c : s)
+        b += grande ? std::string{char(c >> 8), char(c)} : std::string{char(c), char(c >> 8)};
+    return b;
+}

@@ -17,8 +17,6 @@
 namespace fs = std::filesystem;
 
 TEST(Comprobacion, MensajeSoloCuandoHayFalta) {
-    EXPECT_EQ(comprueba({}), "ok");
-    EXPECT_EQ(comprueba({"", "  \t", ""}), "ok");
     Lineas bueno{"<a/>"};
     Lineas malo{"<a>"};
     CADENA mensaje = zarn::dup("previo");
@@ -69,25 +67,6 @@ TEST(Robustez, LineaDeSeisMegas) {
     EXPECT_EQ(comprueba_fichero(dir / "l.xml"), "Ln 2, Col 1: ()");
 }
 
-TEST(Robustez, FicherosExtremos) {
-    DirTemporal dir;
-    escribe_fichero(dir / "vacio.xml", "");
-    EXPECT_EQ(comprueba_fichero(dir / "vacio.xml"), "ok");
-    escribe_fichero(dir / "nul.xml", std::string("<a>\0\0</b>\n</a>\0x", 15));
-    EXPECT_EQ(comprueba_fichero(dir / "nul.xml"), "ok");
-    std::string todos;
-    for (int i = 0; i < 256; ++i)
-        todos += static_cast<char>(i);
-    escribe_fichero(dir / "todos.xml", todos);
-    // The zero byte hides the rest of the first line; the second starts at byte 11.
-    EXPECT_EQ(comprueba_fichero(dir / "todos.xml"), "Ln 2, Col 50: Unexpected word");
-    escribe_fichero(dir / "todos.xml", "<a>" + todos.substr(1) + "</a>");
-    EXPECT_EQ(comprueba_fichero(dir / "todos.xml").substr(0, 3), "Ln ");
-    EXPECT_EQ(comprueba_fichero(dir / "todos.xml", nullptr, true).substr(0, 3), "Ln ");
-    escribe_fichero(dir / "u.xml", "<a>\xff\xfe\xc3</a>");
-    EXPECT_EQ(comprueba_fichero(dir / "u.xml"), "ok");
-}
-
 // Random documents made of pieces of the dialect and stray bytes: every one gives an answer.
 TEST(Robustez, DocumentosAlAzar) {
     // The pieces, separated by '|'; the zero byte cannot be written inside the list.
@@ -127,9 +106,7 @@ TEST(Robustez, UnaTuberiaDaLoMismoQueUnFichero) {
     std::string largo = "<raiz>\n";
     for (int i = 0; i < 20000; ++i)
         largo += "\t<e n=\"" + std::to_string(i) + "\">texto</e>\n";
-    std::string utf16 = "\xFF\xFE";
-    for (const char c : largo)
-        utf16 += {c, '\0'};
+    const std::string utf16 = "\xFF\xFE" + utf16_bytes(zarn::utf8_a_utf16(largo));
     const std::function<std::string(const fs::path &)> operaciones[] = {
         [](const fs::path &p) { return comprueba_fichero(p); },
         [](const fs::path &p) {

@@ -36,6 +36,9 @@ TEST(EscritorPerfiles, LoQueCambiaDeUnPerfilAOtro) {
         zarnfxml_graba_cadena_xml(x, "k", "a&b");
         zarnfxml_graba_cadena_xml(x, "k", "\xE9<");
         zarnfxml_graba_cadena_xml(x, "k", nullptr);
+        zarnfxml_graba_cadena(x, "\xE9t", "v"); // tags go out byte for byte
+        zarnfxml_graba_inicio_bloque(x, "\xC3\xA9");
+        zarnfxml_graba_fin_bloque(x);
         zarnfxml_graba_fin_bloque(x);
         const std::string esperado =
             lee_fichero(std::string(ZARNXML_TEST_DATA "/perfiles/") + nombre + ".xml");
@@ -61,15 +64,6 @@ TEST(EscritorTexto, ConversionYEntidades) {
     // A lone surrogate becomes U+FFFD.
     EXPECT_EQ(escribe(UTF8, [](zarnfxml_t *x) { zarnfxml_graba_cadena_u(x, "e", u"a\xD800z"); }),
               "<e>a\xEF\xBF\xBDz</e>");
-    // Tags go out byte for byte in every profile.
-    for (Perfil p : {ISO, UTF8, AS, COM, Perfil{espacios2}})
-        EXPECT_EQ(escribe(p,
-                          [](zarnfxml_t *x) {
-                              zarnfxml_graba_cadena(x, "\xE9t", "v");
-                              zarnfxml_graba_inicio_bloque(x, "\xC3\xA9");
-                              zarnfxml_graba_fin_bloque(x);
-                          }),
-                  "<\xE9t>v</\xE9t>\n<\xC3\xA9>\n</\xC3\xA9>");
 }
 
 TEST(EscritorIndentacion, EspaciosYSaltosDentroDeUnValor) {

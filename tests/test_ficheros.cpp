@@ -22,17 +22,11 @@ namespace {
 using Lineas = std::vector<std::string>;
 using Lineas_u = std::vector<std::u16string>;
 
+// The lines that ztxt_lee_linea gives for a file of the text.
 Lineas lee_lineas(const DirTemporal &d, const std::string &contenido,
                   uint32_t max = ZTXT_MAX_LINEA) {
     escribe_fichero(d / "l.txt", contenido);
-    std::vector<char> buffer(size_t{max} + 1);
-    zarnio_fichero_t *f = f_lc_fopen_u(d.u("l.txt").c_str(), u"rt", "test", 1);
-    Lineas lineas;
-    while (ztxt_lee_linea(f, buffer.data(), max))
-        lineas.emplace_back(buffer.data());
-    lc_fclose(&f);
-    EXPECT_EQ(f, nullptr);
-    return lineas;
+    return lineas_ztxt(d / "l.txt", max);
 }
 
 ArrCADENA arr(std::initializer_list<const char *> elems) {
@@ -42,39 +36,34 @@ ArrCADENA arr(std::initializer_list<const char *> elems) {
     return a;
 }
 
-std::string utf16_bytes(std::u16string_view s, bool grande) {
-    std::string b;
-    for (char16_t c : s)
-        b += grande ? std::string{char(c >> 8), char(c)} : std::string{char(c), char(c >> 8)};
-    return b;
-}
-
 } // namespace
 
-// Line ends; a line of exactly max bytes takes its line end with it, a longer one comes in
-// pieces.
-TEST(LeeLinea, FinesDeLineaYCorteEnElMaximo) {
+// data/lineas.txt: lines read from a file, the lines of a text, lines joined.
+TEST(Lineas, DeFicherosYTextosYUnion) {
     DirTemporal d;
-    const struct {
-        const char *contenido;
-        uint32_t max;
-        Lineas esperadas;
-    } casos[] = {
-        {"a\nb\n", ZTXT_MAX_LINEA, {"a", "b"}},
-        {"a\r\nb\r\n", ZTXT_MAX_LINEA, {"a", "b"}},
-        {"a\rb\n", ZTXT_MAX_LINEA, {"a\rb"}},
-        {"a\r\r\n", ZTXT_MAX_LINEA, {"a\r"}},
-        {"a\nsin fin", ZTXT_MAX_LINEA, {"a", "sin fin"}},
-        {"", ZTXT_MAX_LINEA, {}},
-        {"\n\r\n\n", ZTXT_MAX_LINEA, {"", "", ""}},
-        {"abcd\nx", 4, {"abcd", "x"}},
-        {"abcd\r\nx", 4, {"abcd", "x"}},
-        {"abc\r\nx", 4, {"abc", "x"}},
-        {"abcdefghij\n", 4, {"abcd", "efgh", "ij"}},
-        {"abcdefgh", 4, {"abcd", "efgh"}},
+    const auto une = [](const auto &lineas) {
+        std::string r;
+        for (const auto &l : lineas)
+            r += u8(l.c_str()) + ";";
+        return r;
     };
-    for (const auto &c : casos)
-        EXPECT_EQ(lee_lineas(d, c.contenido, c.max), c.esperadas) << c.contenido;
+    for (const auto &f : tabla("lineas.txt")) {
+        std::string r;
+        if (f[0].starts_with("lee"))
+            r = une(lee_lineas(d, f[1], f[0] == "lee4" ? 4 : ZTXT_MAX_LINEA));
+        else if (f[0] == "texto")
+            r = une(elementos(cad_obten_lista_lineas(f[1].c_str())));
+        else if (f[0] == "texto_u")
+            r = une(elementos(cad_obten_lista_lineas_u(zarn::utf8_a_utf16(f[1]).c_str())));
+        else {
+            ArrCADENA a = arr_CreaCADENA(0);
+            for (size_t i = 0, j; (j = f[1].find(';', i)) != std::string::npos; i = j + 1)
+                arr_AppendCADENA(a, f[1].substr(i, j - i).c_str());
+            r = toma(arraystr_union_de_textos_separados_por_salto_de_linea(a));
+            arr_DestruyeCADENA(&a);
+        }
+        EXPECT_EQ(r, f[2]) << f[0] << " " << f[1];
+    }
 }
 
 // A line is terminated behind its last byte, NUL bytes passed as they are; block reads after
@@ -216,8 +205,9 @@ TEST(Escritura, SalidaGrandeYLineaLarga) {
     ArrCADENA a = arr({larga.c_str()});
     Lineas leidas{larga.substr(0, 5'120'000), larga.substr(5'120'000)};
     for (int i = 0; i < 50'000; ++i) {
-        const std::string linea = i % 5000 == 1 ? std::string(300'000 + size_t(i), char('a' + i % 26))
-                                                : std::string(size_t(i % 97), char('!' + i % 90));
+        const std::string linea = i % 5000 == 1
+                                      ? std::string(300'000 + size_t(i), char('a' + i % 26))
+                                      : std::string(size_t(i % 97), char('!' + i % 90));
         arr_AppendCADENA(a, (linea + (i % 2 ? "\r" : "")).c_str());
         leidas.push_back(linea);
         esperado += linea + (i % 2 ? "\r\n" : "\n");
@@ -226,27 +216,4 @@ TEST(Escritura, SalidaGrandeYLineaLarga) {
     arr_DestruyeCADENA(&a);
     EXPECT_TRUE(lee_fichero(d / "g.xml") == larga + "\n" + esperado);
     EXPECT_TRUE(lee_lineas(d, larga + "\n" + esperado) == leidas);
-}
-
-TEST(Lineas, DeUnTextoYUnion) {
-    const auto lineas = [](const char *t) { return elementos(cad_obten_lista_lineas(t)); };
-    EXPECT_EQ(lineas("a\nb\n"), (Lineas{"a", "b"}));
-    EXPECT_EQ(lineas("a\r\nb"), (Lineas{"a", "b"}));
-    EXPECT_EQ(lineas("a\n\n\rb\r"), (Lineas{"a", "", "\rb\r"}));
-    EXPECT_EQ(lineas(""), Lineas{""});
-    EXPECT_EQ(elementos(cad_obten_lista_lineas_u(u"\U0001F600\r\n\nb\n")),
-              (Lineas_u{u"\U0001F600", u"", u"b"}));
-    EXPECT_EQ(elementos(cad_obten_lista_lineas_u(u"")), Lineas_u{u""});
-
-    const auto une = [](std::initializer_list<const char *> elems) {
-        ArrCADENA a = arr(elems);
-        char *t = arraystr_union_de_textos_separados_por_salto_de_linea(a);
-        std::string s = t;
-        std::free(t);
-        arr_DestruyeCADENA(&a);
-        return s;
-    };
-    EXPECT_EQ(une({}), "");
-    EXPECT_EQ(une({"a"}), "a");
-    EXPECT_EQ(une({"a", "", "b\r"}), "a\n\nb\r");
 }

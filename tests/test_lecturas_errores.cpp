@@ -11,11 +11,8 @@ using Lee = std::function<void(zarnfxml_t *)>;
 #define LEE(...) [](zarnfxml_t *x) { __VA_ARGS__; }
 
 std::string condicion_al_leer(const std::string &documento, const Lee &lee) {
-    Lineas l({documento});
-    zarnfxml_t *x = zarnfxml_crea_para_lectura_de_lineas(l.a, FALSO);
-    const std::string condicion = COND(lee(x));
-    zarnfxml_destruye_xml_lectura(&x);
-    return condicion;
+    LectorLineas x({documento});
+    return COND(lee(x));
 }
 
 void *item_i(zarnfxml_t *x) {
@@ -81,12 +78,10 @@ TEST(LecturasErrores, CondicionesDeLasLecturas) {
     for (const auto &f : tabla("lector/condiciones.txt"))
         EXPECT_EQ(condicion_al_leer(f[0], LECTURAS.at(f[1])), f[2]) << f[0] << " " << f[1];
 
-    Lineas l({"<t>65534:</t>"});
-    zarnfxml_t *r = zarnfxml_crea_para_lectura_de_lineas(l.a, FALSO);
+    LectorLineas r({"<t>65534:</t>"});
     ArrPunto2D puntos = zarnfxml_lee_arr_puntos2D(r, "t");
     EXPECT_EQ(arr_NumElemsPunto2D(puntos), 65534u);
     arr_DestruyePunto2D(&puntos);
-    zarnfxml_destruye_xml_lectura(&r);
 }
 
 TEST(LecturasErrores, SinLector) {

@@ -5,30 +5,15 @@
 
 #include <cstdlib>
 #include <functional>
-#include <sstream>
+#include <map>
 
 namespace {
 
 // The line path must not be chosen by the environment here; that is tested on its own.
 [[maybe_unused]] const int sin_xml_bloque = unsetenv("XML_BLOQUE");
 
-// A reader over lines, owned for the life of a test.
-struct Lector {
-    Lineas l;
-    zarnfxml_t *x;
-    Lector(std::initializer_list<std::string> lineas)
-        : l(lineas), x(zarnfxml_crea_para_lectura_de_lineas(l.a, FALSO)) {}
-    ~Lector() { zarnfxml_destruye_xml_lectura(&x); }
-    operator zarnfxml_t *() const { return x; }
-    i_xml_lectura *in() const { return static_cast<i_xml_lectura *>(x); }
-    std::string registro() const {
-        return in()->registro.tipo_registro == i_REGISTRO_NINGUNO ? "none"
-                                                                  : describe(in()->registro);
-    }
-};
-
 TEST(Navegacion, EjemploLlamadaALlamada) {
-    Lector r({R"(<a x="1"><b>2</b><c><d>3</d></c><e/></a>)"});
+    LectorLineas r({R"(<a x="1"><b>2</b><c><d>3</d></c><e/></a>)"});
     uint32_t nivel = 0;
     V pasos;
     const auto paso = [&](long respuesta) {
@@ -55,8 +40,8 @@ TEST(Navegacion, SaltoDesdeCualquierSitioDelBloque) {
         {"", {2}},   {"b", {2}},   {"bC", {3, 2}},  {"bCDf", {3, 2}},
         {"bc", {2}}, {"bce", {2}}, {"bcef", {2, 2}}};
     for (const auto &[pasos, saltos] : casos) {
-        Lector r({"<r>", "<a k='v'>", "<b>1</b>", "<c><d/></c>", "<e>2</e>", "</a>", "<z>9</z>",
-                  "</r>"});
+        LectorLineas r({"<r>", "<a k='v'>", "<b>1</b>", "<c><d/></c>", "<e>2</e>", "</a>",
+                        "<z>9</z>", "</r>"});
         zarnfxml_lee_inicio_bloque(r, "r"), zarnfxml_lee_inicio_bloque(r, "a");
         for (const char p : pasos) {
             if (p == 'b' || p == 'e')
@@ -71,18 +56,18 @@ TEST(Navegacion, SaltoDesdeCualquierSitioDelBloque) {
         EXPECT_EQ(r.registro(), "3:1:/a") << pasos;
         EXPECT_EQ(zarnfxml_lee_long(r, "z"), 9) << pasos;
     }
-    Lector vacio({"<r><a/><z>9</z></r>"});
+    LectorLineas vacio({"<r><a/><z>9</z></r>"});
     zarnfxml_lee_inicio_bloque(vacio, "r"), zarnfxml_lee_inicio_bloque(vacio, "a");
     zarnfxml_salta_hasta_fin_bloque(vacio, 2);
     EXPECT_EQ(vacio.registro(), "3:1:/a");
-    Lector roto({"<r><a><b></a></r>"});
+    LectorLineas roto({"<r><a><b></a></r>"});
     zarnfxml_salta_etiqueta(roto, "r");
     EXPECT_EQ(roto.registro(),
               "6:-:Ln 1, Col 13: The end tag does not match the initial tag (b) (a)");
 }
 
 TEST(Navegacion, PasoGenerico) {
-    Lector r({"<a><b/><?p q?><c>1</c></a>"});
+    LectorLineas r({"<a><b/><?p q?><c>1</c></a>"});
     V pasos;
     const char *etiqueta = nullptr;
     uint32_t tipo = 9, nivel = 9;
@@ -95,15 +80,15 @@ TEST(Navegacion, PasoGenerico) {
     EXPECT_EQ(pasos, (V{"a 0 - 1", "b 1 '' 4294967295", "c 1 '1' 4294967295", "a 2 - 4294967295"}));
     EXPECT_FALSE(zarnfxml_lee_siguiente(r, nullptr, nullptr, nullptr, nullptr));
 
-    Lector s({"<a><b><c>1</c></b><d>2</d></a>"});
+    LectorLineas s({"<a><b><c>1</c></b><d>2</d></a>"});
     ASSERT_TRUE(zarnfxml_lee_siguiente(s, nullptr, nullptr, nullptr, &nivel));
     zarnfxml_salta_hasta_fin_bloque(s, nivel);
     EXPECT_EQ(s.registro(), "3:0:/a");
 }
 
 TEST(Navegacion, MirarAdelante) {
-    Lector r({R"(<?xml version="1.0" encoding="UTF-8"?>)", "<?p x?>", "<A><b/>", "<c>1</c>",
-              "<?q?><d>2</d>", "</A>"});
+    LectorLineas r({R"(<?xml version="1.0" encoding="UTF-8"?>)", "<?p x?>", "<A><b/>", "<c>1</c>",
+                    "<?q?><d>2</d>", "</A>"});
     CADENA t = nullptr;
     EXPECT_FALSE(zarnfxml_etiqueta_siguiente_es_inicio_bloque(r, nullptr)); // <?p x?> is next
     EXPECT_FALSE(zarnfxml_se_lee_definicion_comentario(r, &t));             // the declaration is
@@ -123,7 +108,7 @@ TEST(Navegacion, MirarAdelante) {
     zarnfxml_lee_fin_bloque_con_comprobacion(r, "a");
     for (int i = 0; i < 2; ++i)
         EXPECT_FALSE(zarnfxml_etiqueta_siguiente_es_inicio_bloque(r, nullptr));
-    Lector mal({"<r><a>1</a><b x></b></r>"});
+    LectorLineas mal({"<r><a>1</a><b x></b></r>"});
     zarnfxml_lee_inicio_bloque(mal, "r");
     EXPECT_EQ(zarnfxml_lee_long(mal, "a"), 1);
     for (int i = 0; i < 2; ++i)
@@ -131,7 +116,7 @@ TEST(Navegacion, MirarAdelante) {
 }
 
 TEST(Navegacion, PropiedadesYLecturaEnBruto) {
-    Lector r({R"(<a x="1" Y='Dos 😀' x="3"/>)"});
+    LectorLineas r({R"(<a x="1" Y='Dos 😀' x="3"/>)"});
     zarnfxml_lee_inicio_bloque(r, "a");
     const char16_t *u = nullptr;
     EXPECT_TRUE(zarnfxml_existe_propiedad_inicio_bloque_u(r, "y", &u));
@@ -144,7 +129,7 @@ TEST(Navegacion, PropiedadesYLecturaEnBruto) {
     zarn::libera(c);
 
     const auto en_bruto = [](std::initializer_list<std::string> lineas) {
-        Lector b(lineas);
+        LectorLineas b(lineas);
         zarnfxml_lee_inicio_bloque(b, "r");
         CADENA etiquetas[2], datos[2];
         zarnfxml_lee_campos_bloque_conocido(b, 2, etiquetas, datos);
@@ -178,61 +163,26 @@ V tras_saltar(const Lineas &l, int k, bool por_lineas) {
     return r;
 }
 
-// The two paths as one text each: the records after the skip, joined by " | ".
+// The two paths as one text each: the records after the skip, joined by " ; ".
 std::pair<std::string, std::string> caminos(const std::vector<std::string> &lineas, int k) {
     Lineas l(lineas);
     std::string r[2];
     for (const bool por_lineas : {true, false})
         for (const std::string &s : tras_saltar(l, k, por_lineas))
-            r[por_lineas] += (r[por_lineas].empty() ? "" : " | ") + s;
+            r[por_lineas] += (r[por_lineas].empty() ? "" : " ; ") + s;
     return {r[1], r[0]};
 }
 
-TEST(Navegacion, CaminoDeLineasIgualEnDocumentosDelEscritor) {
-    // As the writer lays a document out: one element or end tag per line, tab indentation.
-    std::istringstream texto("<?xml version=\"1.0\" encoding=\"UTF-8\"?>\n<raiz>\n\t<a k=\"v\">\n"
-                             "\t\t<vacio p=\"1\" />\n\t\t<s>x&lt;/a&gt; &amp; z</s>\n\t\t<b>\n"
-                             "\t\t\t<t>uno\ndos</t>\n\t\t</b>\n\t</a>\n\t<c>\n\t\t<d>\n\t\t\t<d2>\n"
-                             "\t\t\t</d2>\n\t\t</d>\n\t</c>\n\t<!-- nota -->\n</raiz>");
-    std::vector<std::string> doc;
-    for (std::string l; std::getline(texto, l);)
-        doc.push_back(l);
+// As the writer lays a document out (one element or end tag per line, tab indentation), the two
+// paths agree; data/lector/caminos.txt: where they differ.
+TEST(Navegacion, DondeDifierenLosDosCaminos) {
+    const std::vector<std::string> doc = lineas_de(dato("lector/como_el_escritor.xml"));
     int k = 0;
     for (std::pair<std::string, std::string> r; !(r = caminos(doc, k)).first.empty(); ++k)
         EXPECT_EQ(r.first, r.second) << k;
     EXPECT_EQ(k, 7);
-}
-
-TEST(Navegacion, DondeDifierenLosDosCaminos) {
-    const std::string desajuste =
-        "6:-:Ln 2, Col 8: The end tag does not match the initial tag (b) (c)";
-    const struct {
-        std::vector<std::string> lineas;
-        int k;
-        std::string por_lineas, ordinario;
-    } casos[] = {
-        // A block nested in one of its own tag; the end text inside a comment.
-        {{"<a>", "<a>", "<b>1</b>", "</a>", "<c>2</c>", "</a>"},
-         0,
-         "3:0:/a | 1:0:c='2' | 6:-:Ln 6, Col 4: No open tags (a)",
-         "3:0:/a | 5:-:"},
-        {{"<a>", "<b>1</b>", "<!-- </a> -->", "<c>2</c>", "</a>"},
-         0,
-         "3:0:/a | 1:0:c='2' | 6:-:Ln 5, Col 4: No open tags (a)",
-         "3:0:/a | 5:-:"},
-        // Text behind the end tag; bad XML or the end of the text inside the block.
-        {{"<r>", "<a>", "<b>1</b>", "</a><z>9</z>", "</r>"},
-         1,
-         "3:1:/a | 3:0:/r | 5:-:",
-         "3:1:/a | 1:1:z='9' | 3:0:/r | 5:-:"},
-        {{"<a>", "<b>1</c>"}, 0, "3:0:/a | 5:-:", desajuste + " | " + desajuste},
-        {{"<a>", "<b>1</b>"},
-         0,
-         "3:0:/a | 5:-:",
-         "6:-:Ln 3, Col 1: Unexpected end of file | 6:-:Ln 3, Col 1: Unexpected end of file"},
-    };
-    for (const auto &c : casos)
-        EXPECT_EQ(caminos(c.lineas, c.k), std::pair(c.por_lineas, c.ordinario)) << c.lineas[1];
+    for (const auto &f : tabla("lector/caminos.txt"))
+        EXPECT_EQ(caminos(lineas_de(f[1]), std::stoi(f[0])), std::pair(f[2], f[3])) << f[1];
 }
 
 // Items of the structure readers: the number in <p>, or -1 when an extra is not the marker.
@@ -254,83 +204,60 @@ std::string numeros(ArrPuntero a) {
 // A structure reader over the <p> children, with its item reader and extras.
 #define LEE(lector, ...) [&](zarnfxml_t *r) { return numeros(lector(r, "p", __VA_ARGS__)); }
 
-// One operation over the children of <r>: its answer, then the record where the cursor stands.
+// data/lector/operaciones.txt: one operation over the children of <r>.
 TEST(Navegacion, OperacionesSueltas) {
     using X = void *;
     X m = &marca;
-    using F = std::function<std::string(zarnfxml_t *)>;
-    const auto salta = [](const char *e) -> F {
-        return [e](zarnfxml_t *r) { return zarnfxml_salta_etiqueta_si_existe(r, e), ""; };
-    };
-    const struct {
-        const char *documento;
-        F operacion;
-        const char *esperado;
-    } casos[] = {
-        {"<p>1</p><p>2</p><z/>", LEE(zarnfxml_nousar_lee_arr_punterosST_2extra, item<X, X>, m, m),
-         "1,2, @1:1:p='2'"},
-        {"<p>3</p>", LEE(zarnfxml_nousar_lee_arr_punterosST_3extra, item<X, X, X>, m, m, m),
-         "3, @1:1:p='3'"},
-        {"<p>4</p>", LEE(zarnfxml_nousar_lee_arr_punterosST_4extra, item<X, X, X, X>, m, m, m, m),
-         "4, @1:1:p='4'"},
-        {"<p>5</p>",
-         LEE(zarnfxml_nousar_lee_arr_punterosST_5extra, item<X, X, X, X, X>, m, m, m, m, m),
-         "5, @1:1:p='5'"},
-        {"<p>6</p>",
-         LEE(zarnfxml_nousar_lee_arr_punterosST_6extra, item<X, X, X, X, X, X>, m, m, m, m, m, m),
-         "6, @1:1:p='6'"},
-        {"<p>7</p>",
-         LEE(zarnfxml_nousar_lee_estructura_opcional_4extra, item<X, X, X, X>, m, m, m, m),
-         "7 @1:1:p='7'"},
-        {"<z/>", LEE(zarnfxml_nousar_lee_estructura_opcional_4extra, item<X, X, X, X>, m, m, m, m),
-         "0 @0:0:r"},
-        {"<p>8</p>",
-         LEE(zarnfxml_nousar_lee_estructura_opcional_5extra, item<X, X, X, X, X>, m, m, m, m, m),
-         "8 @1:1:p='8'"},
-        {"<q><p>1</p></q><z/>", salta("q"), " @3:1:/q"},
-        {"<z/>", salta("q"), " @0:0:r"},
-        {"<u>42</u>",
-         [](zarnfxml_t *r) { return std::to_string(zarnfxml_lee_ulong_opcional(r, "u")); },
-         "42 @1:1:u='42'"},
-        {"<z/>",
+    const std::map<std::string, std::function<std::string(zarnfxml_t *)>> operaciones = {
+        {"punteros_2extra", LEE(zarnfxml_nousar_lee_arr_punterosST_2extra, item<X, X>, m, m)},
+        {"punteros_3extra", LEE(zarnfxml_nousar_lee_arr_punterosST_3extra, item<X, X, X>, m, m, m)},
+        {"punteros_4extra",
+         LEE(zarnfxml_nousar_lee_arr_punterosST_4extra, item<X, X, X, X>, m, m, m, m)},
+        {"punteros_5extra",
+         LEE(zarnfxml_nousar_lee_arr_punterosST_5extra, item<X, X, X, X, X>, m, m, m, m, m)},
+        {"punteros_6extra",
+         LEE(zarnfxml_nousar_lee_arr_punterosST_6extra, item<X, X, X, X, X, X>, m, m, m, m, m, m)},
+        {"opcional_4extra",
+         LEE(zarnfxml_nousar_lee_estructura_opcional_4extra, item<X, X, X, X>, m, m, m, m)},
+        {"opcional_5extra",
+         LEE(zarnfxml_nousar_lee_estructura_opcional_5extra, item<X, X, X, X, X>, m, m, m, m, m)},
+        {"salta_q", [](zarnfxml_t *r) { return zarnfxml_salta_etiqueta_si_existe(r, "q"), ""; }},
+        {"ulong_opcional",
+         [](zarnfxml_t *r) { return std::to_string(zarnfxml_lee_ulong_opcional(r, "u")); }},
+        {"opcionales",
          [](zarnfxml_t *r) {
              return std::to_string(zarnfxml_lee_ulong_opcional(r, "u")) + " " +
                     std::to_string(zarnfxml_lee_long_opcional(r, "u", -1)) + " " +
                     std::to_string(zarnfxml_lee_bool_opcional(r, "u")) + " " +
                     std::to_string(zarnfxml_lee_double_opcional(r, "u"));
-         },
-         "0 -1 0 0.000000 @0:0:r"},
-        {"<c>uno\ndos</c>",
+         }},
+        {"cadenas_u",
          [](zarnfxml_t *r) {
              std::string t;
              for (const std::u16string &s : elementos(zarnfxml_lee_arr_cadena_u(r, "c")))
                  t += utf8(s) + ",";
              return t;
-         },
-         "uno,dos, @1:1:c='uno\ndos'"},
-        {"",
+         }},
+        {"desconocido",
          [](zarnfxml_t *r) {
              return numeros(X(intptr_t{zarnfxml_se_lee_inicio_bloque_desconocido(r, nullptr)}));
-         },
-         "0 @0:0:r"},
-        {"<a><b>1</b></a><q k='1'><p>2</p></q>",
+         }},
+        {"hasta_q",
          [](zarnfxml_t *r) {
              uint32_t nivel = 9;
              zarnfxml_salta_hasta_etiqueta_y_lee_inicio_bloque(r, "q", &nivel);
              return std::to_string(nivel);
-         },
-         "2 @0:1:q{k=1}"},
-        {"<z/>",
+         }},
+        {"campos_0",
          [](zarnfxml_t *r) {
              return zarnfxml_lee_campos_bloque_conocido(r, 0, nullptr, nullptr), "";
-         },
-         " @0:0:r"},
+         }},
     };
-    for (const auto &c : casos) {
-        Lector r({std::string("<r>") + c.documento + "</r>"});
+    for (const auto &f : tabla("lector/operaciones.txt")) {
+        LectorLineas r({"<r>" + f[1] + "</r>"});
         zarnfxml_lee_inicio_bloque(r, "r");
-        const std::string respuesta = c.operacion(r);
-        EXPECT_EQ(respuesta + " @" + r.registro(), c.esperado) << c.documento;
+        const std::string respuesta = operaciones.at(f[0])(r);
+        EXPECT_EQ(respuesta + " @" + r.registro(), f[2]) << f[1];
     }
 }
 #undef LEE

@@ -8,8 +8,7 @@ namespace {
 
 TEST(NavegacionXmlBloque, ElSaltoBuscaLaEtiquetaFinalLineaALinea) {
     const ConXmlBloque bloque("");
-    Lineas l({"<r>", "<a>", "<b>1</b>", "</a><z>9</z>", "<y>2</y>", "</r>"});
-    zarnfxml_t *r = zarnfxml_crea_para_lectura_de_lineas(l.a, FALSO);
+    LectorLineas r({"<r>", "<a>", "<b>1</b>", "</a><z>9</z>", "<y>2</y>", "</r>"});
     zarnfxml_lee_inicio_bloque(r, "r");
     zarnfxml_salta_etiqueta(r, "a");
     EXPECT_TRUE(i_uso_xml_bloque());
@@ -17,7 +16,6 @@ TEST(NavegacionXmlBloque, ElSaltoBuscaLaEtiquetaFinalLineaALinea) {
     EXPECT_FALSE(zarnfxml_etiqueta_siguiente_es_inicio_bloque(r, "z"));
     EXPECT_EQ(zarnfxml_lee_long(r, "y"), 2);
     zarnfxml_lee_fin_bloque_con_comprobacion(r, "r");
-    zarnfxml_destruye_xml_lectura(&r);
     unsetenv("XML_BLOQUE");
     EXPECT_TRUE(i_uso_xml_bloque()); // the answer is kept for the life of the process
 }

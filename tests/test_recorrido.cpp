@@ -80,11 +80,8 @@ zybool proceso_fichero(ArrCADENA ruta, const char *padre, const char *padre_con_
 Registro recorre(const std::string &doc, std::set<std::string> podar = {}) {
     Registro r;
     r.podar = std::move(podar);
-    struct Lineas {
-        ArrCADENA a;
-        ~Lineas() { arr_DestruyeCADENA(&a); }
-    } lineas{cad_obten_lista_lineas(doc.c_str())};
-    zarnfxml_nousar_recorre_en_forma_de_arbol_u(lineas.a, proceso_u, &r, &inicial, &inicial,
+    const zarn::ArrPropio<ArrCADENA_s> lineas(cad_obten_lista_lineas(doc.c_str()));
+    zarnfxml_nousar_recorre_en_forma_de_arbol_u(lineas.get(), proceso_u, &r, &inicial, &inicial,
                                                 CIERTO);
     return r;
 }
