@@ -10,7 +10,6 @@
 #include <csignal>
 #include <filesystem>
 #include <functional>
-#include <random>
 #include <sstream>
 #include <thread>
 
@@ -18,15 +17,10 @@ namespace fs = std::filesystem;
 
 TEST(Comprobacion, MensajeSoloCuandoHayFalta) {
     Lineas bueno{"<a/>"};
-    Lineas malo{"<a>"};
     CADENA mensaje = zarn::dup("previo");
     EXPECT_EQ(zarnfxml_es_lineas_xml_correcto(bueno.a, nullptr, &mensaje, FALSO), CIERTO);
     EXPECT_STREQ(mensaje, "previo");
     zarn::libera(mensaje);
-    EXPECT_EQ(zarnfxml_es_lineas_xml_correcto(malo.a, nullptr, nullptr, FALSO), FALSO);
-    // The lines stay the caller's and can be checked again.
-    EXPECT_EQ(comprueba_lineas(malo), "Ln 2, Col 1: Unexpected end of file");
-    EXPECT_EQ(comprueba_lineas(malo), "Ln 2, Col 1: Unexpected end of file");
 }
 
 // The corpus: each NAME.xml has its exact message, or "ok", in NAME.msg, after an optional first
@@ -65,37 +59,6 @@ TEST(Robustez, LineaDeSeisMegas) {
     // The cut falls inside an end tag: what follows it is a line of its own.
     escribe_fichero(dir / "l.xml", "<a>" + std::string(ZTXT_MAX_LINEA - 5, ' ') + "</a>");
     EXPECT_EQ(comprueba_fichero(dir / "l.xml"), "Ln 2, Col 1: ()");
-}
-
-// Random documents made of pieces of the dialect and stray bytes: every one gives an answer.
-TEST(Robustez, DocumentosAlAzar) {
-    // The pieces, separated by '|'; the zero byte cannot be written inside the list.
-    std::vector<std::string> trozos{std::string(1, '\0')};
-    std::istringstream lista("<a>|</a>|<b x='1'>|</b>|<c/>|text| |\n|\r\n|<!--|-->|<![CDATA[|]]>|"
-                             "<?xml encoding=\"iso-8859-1\"?>|<?p|?>|<br/>|=|\"|'|<|>|/|&amp;|"
-                             "\xef\xbb\xbf|\xff|\t");
-    for (std::string t; std::getline(lista, t, '|');)
-        trozos.push_back(t);
-    std::mt19937 azar(12345);
-    DirTemporal dir;
-    for (int i = 0; i < 3000; ++i) {
-        std::string doc;
-        const size_t n = azar() % 40;
-        for (size_t k = 0; k < n; ++k)
-            doc += trozos[azar() % trozos.size()];
-        const bool literal = azar() % 2;
-        escribe_fichero(dir / "d.xml", doc);
-        const std::string r = comprueba_fichero(dir / "d.xml", azar() % 4 ? nullptr : "a", literal);
-        ASSERT_TRUE(r == "ok" || r.rfind("Ln ", 0) == 0) << r;
-        ArrCADENA l = zarnfxml_lee_lineas_fichero((dir / "d.xml").u16string().c_str());
-        CADENA mensaje = nullptr;
-        const zybool bien = zarnfxml_es_lineas_xml_correcto(l, nullptr, &mensaje, literal);
-        arr_DestruyeCADENA(&l);
-        if (!bien) {
-            ASSERT_NE(mensaje, nullptr);
-        }
-        zarn::libera(mensaje);
-    }
 }
 
 // A document that comes through a FIFO gives what the same bytes give from a regular file, in
