@@ -221,8 +221,13 @@ TEST(EscritorDocumento, TextoFicherosYDatos) {
     EXPECT_EQ(zarnfxml_tiene_datos(salto), CIERTO);
 }
 
-TEST(EscritorErrores, ArraysEstructurasYDocumento) {
+TEST(EscritorErrores, ValoresArraysEstructurasYDocumento) {
     Escritor e, abierto;
+    EXPECT_EQ(COND(zarnfxml_graba_bool(e, "b", 2)), "valor == FALSO");
+    EXPECT_EQ(COND(zarnfxml_graba_fichmem(e, nullptr)), "(fichmem) != NULL");
+    EXPECT_EQ(COND(zarnfxml_graba_inicio_bloque_con_propiedades(e, "t", nullptr)),
+              "(propiedades) != NULL");
+    EXPECT_EQ(COND(zarnfxml_append_propiedad(nullptr, "p", "v")), "(propiedades) != NULL");
     zarnfxml_graba_inicio_bloque(abierto, "a");
     const auto a = punteros({"uno", nullptr});
     for (int32_t valor : {8, -1}) { // a default error carries no condition

@@ -143,13 +143,3 @@ TEST(EscritorEscalares, LineasCdataYBase64) {
     EXPECT_EQ(cdata({"a]]>b"}, mayusculas, CIERTO), "3:<r>\n\t<![CDATA[\nA]]>B\n]]>\n</r>");
     EXPECT_EQ(cdata({}, nullptr, CIERTO), "2:<r>\n</r>");
 }
-
-TEST(EscritorErrores, ValoresYPropiedades) {
-    Escritor e;
-    EXPECT_EQ(COND(zarnfxml_graba_bool(e, "b", 2)), "valor == FALSO");
-    EXPECT_EQ(COND(zarnfxml_graba_fichmem(e, nullptr)), "(fichmem) != NULL");
-    EXPECT_EQ(COND(zarnfxml_graba_inicio_bloque_con_propiedades(e, "t", nullptr)),
-              "(propiedades) != NULL");
-    EXPECT_EQ(COND(zarnfxml_append_propiedad(nullptr, "p", "v")), "(propiedades) != NULL");
-    EXPECT_EQ(texto_de(e), "");
-}

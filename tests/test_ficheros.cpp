@@ -69,7 +69,7 @@ TEST(Lineas, DeFicherosYTextosYUnion) {
 // A line is terminated behind its last byte, NUL bytes passed as they are; block reads after
 // line reads continue where the lines stopped; the size does not move the position; a short
 // read zeroes the rest.
-TEST(Fichero, BytesNulosBloquesTrasLineasYTamanyo) {
+TEST(Fichero, BytesNulosBloquesTrasLineasTamanyoYFallos) {
     DirTemporal d;
     escribe_fichero(d / "b.txt", std::string("u\0o\ndos\r\ntres", 13));
     zarnio_fichero_t *f = f_lc_fopen_u(d.u("b.txt").c_str(), u"rt", "test", 1);
@@ -89,11 +89,8 @@ TEST(Fichero, BytesNulosBloquesTrasLineasYTamanyo) {
     EXPECT_EQ(buffer, nullptr);
     fichmem_destruye(&fm);
     fichmem_destruye(&fm);
-}
 
-// A file that does not open names its path in UTF-8; a write that fails is "fichero escrito".
-TEST(Fichero, FallosConLaRutaEnUtf8) {
-    DirTemporal d;
+    // A file that does not open names its path in UTF-8; a write that fails is "fichero escrito".
     escribe_fichero(d / "fichero", "x");
     ArrCADENA a = arr({"x"});
     const auto falla = [](const fs::path &p, const char *condicion, auto &&abre) {

@@ -21,7 +21,7 @@ template <typename X> V pide(const X &xml, std::initializer_list<uint32_t> indic
     return r;
 }
 
-TEST(Fuente, LineasYLuegoElFinalSoloLaPrimeraVez) {
+TEST(Fuente, LineasYLuegoElFinalSoloLaPrimeraVezYErroresInternos) {
     Lineas l{};
     EXPECT_EQ(pide(i_crea_para_lectura_de_lineas(l.a, FALSO), {0, 0, 1}), V({"$", "", "$"}));
     DirTemporal dir;
@@ -29,6 +29,13 @@ TEST(Fuente, LineasYLuegoElFinalSoloLaPrimeraVez) {
     EXPECT_EQ(pide(i_crea_para_lectura_de_fichero_u(dir.u("f.xml").c_str(), FALSO),
                    {0, 1, 2, 3, 4, 4, 5}),
               V({"uno", "dos", "", "tres", "$", "", "$"}));
+    // A file that does not open, and a writer destroyed as a reader, are internal errors.
+    EXPECT_EQ(COND(i_crea_para_lectura_de_fichero_u(dir.u("no").c_str(), FALSO)),
+              "fichero abierto");
+    EXPECT_EQ(COND(zarnfxml_lee_lineas_fichero(dir.u("no").c_str())), "fichero abierto");
+    zarnfxml_t *escritor = zarnfxml_crea_para_escritura_UTF_8();
+    EXPECT_EQ(COND(zarnfxml_destruye_xml_lectura(&escritor)), "es_xml_lectura == CIERTO");
+    zarnfxml_destruye_xml_escritura(&escritor);
 }
 
 static std::vector<std::string> lineas_leidas(const std::u16string &ruta) {
@@ -70,17 +77,6 @@ TEST(Fuente, UnFicheroUtf16LlegaComoLineasUtf8) {
         zarnfxml_crea_para_lectura_de_fichero((dir.ruta.string() + "/\u00f1\u20ac.xml").c_str());
     EXPECT_EQ(toma(zarnfxml_lee_cadena(r, "a")), "\u00e9\u20ac");
     zarnfxml_destruye_xml_lectura(&r);
-}
-
-// A file that does not open, and a writer destroyed as a reader, are internal errors.
-TEST(Fuente, ErroresInternos) {
-    DirTemporal dir;
-    EXPECT_EQ(COND(i_crea_para_lectura_de_fichero_u(dir.u("no").c_str(), FALSO)),
-              "fichero abierto");
-    EXPECT_EQ(COND(zarnfxml_lee_lineas_fichero(dir.u("no").c_str())), "fichero abierto");
-    zarnfxml_t *escritor = zarnfxml_crea_para_escritura_UTF_8();
-    EXPECT_EQ(COND(zarnfxml_destruye_xml_lectura(&escritor)), "es_xml_lectura == CIERTO");
-    zarnfxml_destruye_xml_escritura(&escritor);
 }
 
 TEST(Fuente, DecodificaConLasTresEntidadesSoloFueraDeIso) {
