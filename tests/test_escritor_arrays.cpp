@@ -3,8 +3,6 @@
 
 #include <zarnxml/zarnfxml.h>
 
-#include <cstdlib>
-#include <memory>
 #include <utility>
 #include <vector>
 

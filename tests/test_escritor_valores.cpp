@@ -4,9 +4,7 @@
 #include <zarnxml/zarnfxml.h>
 
 #include <cctype>
-#include <cstdlib>
 #include <cstring>
-#include <memory>
 #include <vector>
 
 namespace {
