@@ -18,44 +18,6 @@
 namespace {
 
 using Nodo = const zarnxml_nodo_t *;
-// A truth value: Y or N.
-std::string zb(zybool b) {
-    return b ? "Y" : "N";
-}
-std::string num(double v) {
-    std::string s = std::to_string(v);
-    s.erase(s.find_last_not_of('0') + 1);
-    if (s.back() == '.')
-        s.pop_back();
-    return s;
-}
-template <typename A, typename N, typename G, typename D>
-std::string lista(A arr, N num_elems, G get, D destruye) {
-    if (!arr)
-        return "<null>";
-    std::string s;
-    for (uint32_t i = 0; i < num_elems(arr); ++i)
-        s += (i ? " " : "") + num(static_cast<double>(get(arr, i)));
-    destruye(&arr);
-    return s;
-}
-
-// Any value that an accessor gives, as text; what belongs to the caller is freed.
-template <typename T> std::string texto(T v) {
-    if constexpr (std::is_arithmetic_v<T>) {
-        return num(static_cast<double>(v));
-    } else if constexpr (std::is_same_v<T, ArrULong>) {
-        return lista(v, arr_NumElemsULong, arr_GetULong, arr_DestruyeULong);
-    } else if constexpr (std::is_same_v<T, ArrDouble>) {
-        return lista(v, arr_NumElemsDouble, arr_GetDouble, arr_DestruyeDouble);
-    } else {
-        std::string s = u8(v);
-        if constexpr (!std::is_const_v<std::remove_pointer_t<T>>)
-            zarn::libera(v);
-        return s;
-    }
-}
-
 // Every accessor as a function of (node, tag). An existe form shows its answer and what the
 // variable holds afterwards; a form of the node's own datum asks the node and takes no tag.
 using Forma = std::function<std::string(Nodo, const char *)>;
