@@ -140,6 +140,23 @@ template <typename T> std::string texto(T v) {
     }
 }
 
+// A call of the library as a function of (object, tag) that gives text; any further arguments
+// are the caller's. An existe form shows its answer and what the variable holds afterwards.
+template <typename X, typename R> auto get(R (*f)(X *, const char *)) {
+    return [f](X *x, const char *e, auto &&...) { return texto(f(x, e)); };
+}
+template <typename X, typename T> auto existe(zybool (*f)(X *, const char *, T *), T inicial) {
+    return [f, inicial](X *x, const char *e, auto &&...) {
+        T v = inicial;
+        const zybool r = f(x, e, &v);
+        return zb(r) + "=" + texto(v);
+    };
+}
+// An existe form with no variable: its answer alone.
+template <typename X, typename T> auto existe_sin_valor(zybool (*f)(X *, const char *, T *)) {
+    return [f](X *x, const char *e, auto &&...) { return zb(f(x, e, nullptr)); };
+}
+
 inline std::string lee_fichero(const std::filesystem::path &p) {
     std::ifstream in(p, std::ios::binary);
     return std::string(std::istreambuf_iterator<char>(in), std::istreambuf_iterator<char>());

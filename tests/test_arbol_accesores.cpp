@@ -18,25 +18,11 @@
 namespace {
 
 using Nodo = const zarnxml_nodo_t *;
-// Every accessor as a function of (node, tag). An existe form shows its answer and what the
-// variable holds afterwards; a form of the node's own datum asks the node and takes no tag.
+// Every accessor as a function of (node, tag); a form of the node's own datum asks the node and
+// takes no tag.
 using Forma = std::function<std::string(Nodo, const char *)>;
-template <typename R> Forma get(R (*f)(Nodo, const char *)) {
-    return [f](Nodo n, const char *e) { return texto(f(n, e)); };
-}
 template <typename R, typename D> Forma opcional(R (*f)(Nodo, const char *, D), D defecto) {
     return [f, defecto](Nodo n, const char *e) { return texto(f(n, e, defecto)); };
-}
-template <typename T> Forma existe(zybool (*f)(Nodo, const char *, T *), T inicial) {
-    return [f, inicial](Nodo n, const char *e) {
-        T v = inicial;
-        const zybool r = f(n, e, &v);
-        return zb(r) + "=" + texto(v);
-    };
-}
-// An existe form that answers with a truth value but gives no other value.
-template <typename T> Forma existe_sin_valor(zybool (*f)(Nodo, const char *, T *)) {
-    return [f](Nodo n, const char *e) { return zb(f(n, e, nullptr)); };
 }
 template <typename R> Forma propio(R (*f)(Nodo)) {
     return [f](Nodo n, const char *) { return texto(f(n)); };
@@ -103,7 +89,8 @@ const std::map<std::string, Forma> FORMAS = {
     {"get_dato_hijo_cadena", get(zarnxml_get_dato_hijo_cadena)},
     {"get_dato_hijo_cadena_ansi", get(zarnxml_get_dato_hijo_cadena_ansi)},
     {"get_dato_hijo_cadena_opcional", get(zarnxml_get_dato_hijo_cadena_opcional)},
-    {"existe_dato_hijo_cadena", existe<const char16_t *>(zarnxml_existe_dato_hijo_cadena, u"x")},
+    {"existe_dato_hijo_cadena",
+     existe(zarnxml_existe_dato_hijo_cadena, static_cast<const char16_t *>(u"x"))},
     {"get_dato_hijo_bool", get(zarnxml_get_dato_hijo_bool)},
     {"get_dato_hijo_bool_opcional", opcional(zarnxml_get_dato_hijo_bool_opcional, SI)},
     {"existe_dato_hijo_bool_opcional", opcional(zarnxml_existe_dato_hijo_bool_opcional, SI)},
