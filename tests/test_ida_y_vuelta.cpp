@@ -7,6 +7,7 @@
 #include <cfloat>
 #include <cmath>
 #include <cstring>
+#include <deque>
 #include <functional>
 
 namespace {
@@ -71,7 +72,7 @@ TEST(IdaYVuelta, CadenasEnCadaPerfil) {
     EXPECT_EQ(toma(zarnfxml_lee_cadena_u(literal, "c")), u"uno\n   dos\n\ntres  ");
 }
 
-TEST(IdaYVuelta, Numeros) {
+TEST(IdaYVuelta, NumerosYVerdades) {
     const int32_t longs[] = {INT32_MIN, -1, 0, INT32_MAX};
     const uint32_t ulongs[] = {0u, UINT32_MAX - 1, UINT32_MAX};
     const double doubles[] = {0.1,     0.1 + 0.2, 1.0 / 3,      -2.5, 1e300,    1e-300, DBL_MAX,
@@ -107,6 +108,20 @@ TEST(IdaYVuelta, Numeros) {
         EXPECT_EQ(con_17, std::isnan(v) || std::fabs(v) < 1e-17 ? 0.0 : v) << v;
     }
     EXPECT_EQ(zarnfxml_lee_double(d, "t"), 0.1);
+
+    // Only the truth texts 1 and 0 have a strict reading twin; the others pass zarnfxml_bool.
+    for (const Crea crea : perfiles) {
+        Documento b(crea, [](zarnfxml_t *w) {
+            zarnfxml_graba_bool(w, "v", CIERTO), zarnfxml_graba_bool(w, "f", FALSO);
+        });
+        if (crea != android && crea != comillas) {
+            EXPECT_EQ(zarnfxml_lee_bool(b, "v"), CIERTO);
+            EXPECT_EQ(zarnfxml_lee_bool_opcional(b, "f"), FALSO);
+        } else {
+            EXPECT_EQ(zarnfxml_bool(b, toma(zarnfxml_lee_cadena_u(b, "v")).c_str()), CIERTO);
+            EXPECT_EQ(zarnfxml_bool(b, toma(zarnfxml_lee_cadena_u(b, "f")).c_str()), FALSO);
+        }
+    }
 }
 
 TEST(IdaYVuelta, ArraysDeUnCampo) {
@@ -133,6 +148,72 @@ TEST(IdaYVuelta, ArraysDeUnCampo) {
     EXPECT_TRUE(elementos(zarnfxml_lee_arr_puntos2D(d, "q")).empty());
     arr_DestruyeCADENA(&cadenas), arr_DestruyeCADENA(&vacia), arr_DestruyeDouble(&sin_valores);
     arr_DestruyePunto2D(&puntos), arr_DestruyePunto2D(&sin_puntos);
+}
+
+// The caller's structures: an id, written as a field in a block of the caller's tag, read into
+// a store that the reader's context pointer reaches.
+void graba_id(const void *item, zarnfxml_t *w) {
+    zarnfxml_graba_long(w, "id", *static_cast<const int32_t *>(item));
+}
+void graba_o(const void *item, zarnfxml_t *w) {
+    zarnfxml_nousar_graba_estructura_opcional_con_etiqueta(w, "o", item, graba_id);
+}
+void *lee_id(zarnfxml_t *r) {
+    auto *almacen =
+        static_cast<std::deque<std::string> *>(zarnfxml_nousar_get_item_asociado_lectura(r));
+    CADENA etiqueta = nullptr, tipo = nullptr;
+    zarnfxml_lee_inicio_bloque_desconocido(r, &etiqueta);
+    zarnfxml_existe_propiedad_inicio_bloque(r, "tipo", &tipo);
+    almacen->push_back(std::to_string(zarnfxml_lee_long(r, "id")) + (tipo ? toma(tipo) : ""));
+    zarnfxml_lee_fin_bloque_con_comprobacion(r, etiqueta);
+    zarn::libera(etiqueta);
+    return &almacen->back();
+}
+void *lee_id_1extra(void *extra, zarnfxml_t *r) {
+    EXPECT_EQ(extra, r);
+    return lee_id(r);
+}
+void *lee_id_3extra(void *e1, void *e2, void *e3, zarnfxml_t *r) {
+    EXPECT_EQ(std::vector<void *>({e1, e2, e3}), std::vector<void *>({r, r, r}));
+    return lee_id(r);
+}
+
+TEST(IdaYVuelta, Estructuras) {
+    int32_t ids[] = {1, 2, 3};
+    ArrPuntero arr = arr_CreaPunteroConTipo(0);
+    for (int32_t &i : ids)
+        arr_AppendPunteroConTipo(arr, &i);
+    ApunOrde orde = apunorde_nousar_crea(0, 0, 0);
+    apunorde_nousar_inserta_original(orde, &ids[2], 0);
+    Documento d(utf8_, [&](zarnfxml_t *w) {
+        zarnfxml_nousar_graba_arr_punterosST_con_etiqueta(w, "p", arr, graba_id);
+        zarnfxml_nousar_graba_arr_punterosST_con_etiqueta_y_propiedad1(w, "q", "tipo", "x", arr,
+                                                                       graba_id);
+        zarnfxml_nousar_graba_estructura_opcional_con_etiqueta_y_propiedad1(w, "q", "tipo", "y",
+                                                                            &ids[0], graba_id);
+        zarnfxml_nousar_graba_arr_punterosST_con_etiqueta(w, "p", arr, graba_id);
+        zarnfxml_nousar_graba_apunorde(w, orde, graba_o);
+    });
+    std::deque<std::string> almacen;
+    EXPECT_EQ(zarnfxml_nousar_get_item_asociado_lectura(d), nullptr);
+    zarnfxml_nousar_set_item_asociado_lectura(d, &almacen);
+    const auto cuenta = [](ArrPuntero a) { return elementos(a).size(); };
+    EXPECT_EQ(cuenta(zarnfxml_nousar_lee_arr_punterosST(d, "p", lee_id)), 3u);
+    EXPECT_EQ(
+        cuenta(zarnfxml_nousar_lee_arr_punterosST_ConPropiedadFija(d, "q", "TIPO", u"X", lee_id)),
+        3u);
+    const func_lee_xml_item falla = [](zarnfxml_t *) -> void * { return ADD_FAILURE(), nullptr; };
+    EXPECT_EQ(zarnfxml_nousar_lee_estructura_opcional(d, "z", falla), nullptr);
+    void *opcional = zarnfxml_nousar_lee_estructura_opcional(d, "q", lee_id);
+    EXPECT_EQ(opcional, &almacen.back());
+    EXPECT_EQ(cuenta(zarnfxml_nousar_lee_arr_punterosST_1extra(d, "p", lee_id_1extra, d.r)), 3u);
+    ApunOrde leidos =
+        zarnfxml_nousar_lee_apunorde_3extra(d, "o", lee_id_3extra, 1, 2, 3, d.r, d.r, d.r);
+    EXPECT_EQ(apunorde_nousar_numelems(leidos), 1u);
+    apunorde_destruye(&leidos, nullptr);
+    EXPECT_EQ(std::vector<std::string>(almacen.begin(), almacen.end()),
+              (V{"1", "2", "3", "1x", "2x", "3x", "1y", "1", "2", "3", "3"}));
+    arr_DestruyeEstructurasConstConTipo(&arr), apunorde_destruye(&orde, nullptr);
 }
 
 TEST(IdaYVuelta, Ficheros) {
