@@ -104,6 +104,61 @@ template <typename A> auto elementos(A *a) {
     return r;
 }
 
+// A truth value: Y or N.
+inline std::string zb(zybool b) {
+    return b ? "Y" : "N";
+}
+inline std::string num(double v) {
+    std::string s = std::to_string(v);
+    s.erase(s.find_last_not_of('0') + 1);
+    if (s.back() == '.')
+        s.pop_back();
+    return s;
+}
+template <typename A, typename N, typename G, typename D>
+std::string lista(A arr, N num_elems, G get, D destruye) {
+    if (!arr)
+        return "<null>";
+    std::string s;
+    for (uint32_t i = 0; i < num_elems(arr); ++i)
+        s += (i ? " " : "") + num(static_cast<double>(get(arr, i)));
+    destruye(&arr);
+    return s;
+}
+
+// Any value that the library gives, as text; what belongs to the caller is freed.
+template <typename T> std::string texto(T v) {
+    if constexpr (std::is_arithmetic_v<T>) {
+        return num(static_cast<double>(v));
+    } else if constexpr (std::is_same_v<T, ArrULong>) {
+        return lista(v, arr_NumElemsULong, arr_GetULong, arr_DestruyeULong);
+    } else if constexpr (std::is_same_v<T, ArrDouble>) {
+        return lista(v, arr_NumElemsDouble, arr_GetDouble, arr_DestruyeDouble);
+    } else {
+        std::string s = u8(v);
+        if constexpr (!std::is_const_v<std::remove_pointer_t<T>>)
+            zarn::libera(v);
+        return s;
+    }
+}
+
+// A call of the library as a function of (object, tag) that gives text; any further arguments
+// are the caller's. An existe form shows its answer and what the variable holds afterwards.
+template <typename X, typename R> auto get(R (*f)(X *, const char *)) {
+    return [f](X *x, const char *e, auto &&...) { return texto(f(x, e)); };
+}
+template <typename X, typename T> auto existe(zybool (*f)(X *, const char *, T *), T inicial) {
+    return [f, inicial](X *x, const char *e, auto &&...) {
+        T v = inicial;
+        const zybool r = f(x, e, &v);
+        return zb(r) + "=" + texto(v);
+    };
+}
+// An existe form with no variable: its answer alone.
+template <typename X, typename T> auto existe_sin_valor(zybool (*f)(X *, const char *, T *)) {
+    return [f](X *x, const char *e, auto &&...) { return zb(f(x, e, nullptr)); };
+}
+
 inline std::string lee_fichero(const std::filesystem::path &p) {
     std::ifstream in(p, std::ios::binary);
     return std::string(std::istreambuf_iterator<char>(in), std::istreambuf_iterator<char>());

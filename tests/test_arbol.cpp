@@ -1,20 +1,11 @@
 // Loading documents into trees: files and lines, faults and their messages, and the shape of
 // what is built.
+#include "lector_soporte.hpp"
 #include "tree/arbol.hpp"
-
-#include "soporte.hpp"
 
 #include <string>
 
 namespace {
-
-std::string mensaje_de_la_comprobacion(const std::string &texto) {
-    ArrCADENA lineas = cad_obten_lista_lineas(texto.c_str());
-    CADENA m = nullptr;
-    const zybool bien = zarnfxml_es_lineas_xml_correcto(lineas, nullptr, &m, CIERTO);
-    arr_DestruyeCADENA(&lineas);
-    return bien ? "ok" : toma(m);
-}
 
 void espera_en_blanco(const zarnxml_nodo_t *raiz) {
     EXPECT_FALSE(zarnxml_hay_datos(raiz));
@@ -59,7 +50,7 @@ TEST(Arbol, UnDocumentoMaloDaElMensajeDeLaComprobacionYUnaRaizEnBlanco) {
     };
     for (const auto &[doc, mensaje] : casos) {
         SCOPED_TRACE(doc);
-        const std::string comprobacion = mensaje_de_la_comprobacion(doc);
+        const std::string comprobacion = comprueba_lineas(Lineas(lineas_de(doc)), nullptr, true);
         const std::string esperado = mensaje ? mensaje : comprobacion;
         const bool admitido = esperado.find("root") != std::string::npos;
         EXPECT_EQ(comprobacion, admitido ? std::string("ok") : esperado);

@@ -18,63 +18,11 @@
 namespace {
 
 using Nodo = const zarnxml_nodo_t *;
-// A truth value: Y or N.
-std::string zb(zybool b) {
-    return b ? "Y" : "N";
-}
-std::string num(double v) {
-    std::string s = std::to_string(v);
-    s.erase(s.find_last_not_of('0') + 1);
-    if (s.back() == '.')
-        s.pop_back();
-    return s;
-}
-template <typename A, typename N, typename G, typename D>
-std::string lista(A arr, N num_elems, G get, D destruye) {
-    if (!arr)
-        return "<null>";
-    std::string s;
-    for (uint32_t i = 0; i < num_elems(arr); ++i)
-        s += (i ? " " : "") + num(static_cast<double>(get(arr, i)));
-    destruye(&arr);
-    return s;
-}
-
-// Any value that an accessor gives, as text; what belongs to the caller is freed.
-template <typename T> std::string texto(T v) {
-    if constexpr (std::is_arithmetic_v<T>) {
-        return num(static_cast<double>(v));
-    } else if constexpr (std::is_same_v<T, ArrULong>) {
-        return lista(v, arr_NumElemsULong, arr_GetULong, arr_DestruyeULong);
-    } else if constexpr (std::is_same_v<T, ArrDouble>) {
-        return lista(v, arr_NumElemsDouble, arr_GetDouble, arr_DestruyeDouble);
-    } else {
-        std::string s = u8(v);
-        if constexpr (!std::is_const_v<std::remove_pointer_t<T>>)
-            zarn::libera(v);
-        return s;
-    }
-}
-
-// Every accessor as a function of (node, tag). An existe form shows its answer and what the
-// variable holds afterwards; a form of the node's own datum asks the node and takes no tag.
+// Every accessor as a function of (node, tag); a form of the node's own datum asks the node and
+// takes no tag.
 using Forma = std::function<std::string(Nodo, const char *)>;
-template <typename R> Forma get(R (*f)(Nodo, const char *)) {
-    return [f](Nodo n, const char *e) { return texto(f(n, e)); };
-}
 template <typename R, typename D> Forma opcional(R (*f)(Nodo, const char *, D), D defecto) {
     return [f, defecto](Nodo n, const char *e) { return texto(f(n, e, defecto)); };
-}
-template <typename T> Forma existe(zybool (*f)(Nodo, const char *, T *), T inicial) {
-    return [f, inicial](Nodo n, const char *e) {
-        T v = inicial;
-        const zybool r = f(n, e, &v);
-        return zb(r) + "=" + texto(v);
-    };
-}
-// An existe form that answers with a truth value but gives no other value.
-template <typename T> Forma existe_sin_valor(zybool (*f)(Nodo, const char *, T *)) {
-    return [f](Nodo n, const char *e) { return zb(f(n, e, nullptr)); };
 }
 template <typename R> Forma propio(R (*f)(Nodo)) {
     return [f](Nodo n, const char *) { return texto(f(n)); };
@@ -141,7 +89,8 @@ const std::map<std::string, Forma> FORMAS = {
     {"get_dato_hijo_cadena", get(zarnxml_get_dato_hijo_cadena)},
     {"get_dato_hijo_cadena_ansi", get(zarnxml_get_dato_hijo_cadena_ansi)},
     {"get_dato_hijo_cadena_opcional", get(zarnxml_get_dato_hijo_cadena_opcional)},
-    {"existe_dato_hijo_cadena", existe<const char16_t *>(zarnxml_existe_dato_hijo_cadena, u"x")},
+    {"existe_dato_hijo_cadena",
+     existe(zarnxml_existe_dato_hijo_cadena, static_cast<const char16_t *>(u"x"))},
     {"get_dato_hijo_bool", get(zarnxml_get_dato_hijo_bool)},
     {"get_dato_hijo_bool_opcional", opcional(zarnxml_get_dato_hijo_bool_opcional, SI)},
     {"existe_dato_hijo_bool_opcional", opcional(zarnxml_existe_dato_hijo_bool_opcional, SI)},

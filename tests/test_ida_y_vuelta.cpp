@@ -124,39 +124,6 @@ TEST(IdaYVuelta, NumerosYVerdades) {
     }
 }
 
-TEST(IdaYVuelta, ArraysPorNumeracion) {
-    const std::vector<std::u16string> items = {u"a<b", u"é 😀", u"x&y"};
-    const std::vector<double> valores = {0.1, -2.5, 1e300};
-    for (const bool vacio : {false, true}) {
-        ArrCADENA_u cadenas = arr_CreaCADENA_u(0);
-        ArrDouble numeros = arr_CreaDouble(0);
-        for (size_t i = 0; !vacio && i < items.size(); ++i)
-            arr_AppendCADENA_u(cadenas, items[i].c_str()), arr_AppendDouble(numeros, valores[i]);
-        Documento d(utf8_, [&](zarnfxml_t *w) {
-            for (int32_t tipo = 0; tipo <= 7; ++tipo) {
-                zarnfxml_graba_arr_cadena_numerados_u(w, "t", cadenas, tipo, "n");
-                zarnfxml_graba_long(w, "sep", tipo);
-                if (tipo != 2) // the bare lines of 2 are not numbers' form
-                    zarnfxml_graba_arr_double_numerados(w, "d", numeros, 400, tipo, "n");
-                zarnfxml_graba_long(w, "sep", tipo);
-            }
-        });
-        for (int32_t tipo = 0; tipo <= 7; ++tipo) {
-            EXPECT_EQ(elementos(zarnfxml_lee_arr_cadena_numerados(d, "t", tipo)),
-                      vacio ? std::vector<std::u16string>{} : items)
-                << tipo;
-            EXPECT_EQ(zarnfxml_lee_long(d, "sep"), tipo);
-            if (tipo != 2) {
-                EXPECT_EQ(elementos(zarnfxml_lee_arr_double_numerados(d, "d", tipo)),
-                          vacio ? std::vector<double>{} : valores)
-                    << tipo;
-            }
-            EXPECT_EQ(zarnfxml_lee_long(d, "sep"), tipo);
-        }
-        arr_DestruyeCADENA_u(&cadenas), arr_DestruyeDouble(&numeros);
-    }
-}
-
 TEST(IdaYVuelta, ArraysDeUnCampo) {
     ArrCADENA cadenas = arr_CreaCADENA(0), vacia = arr_CreaCADENA(0);
     for (const char *s : {"uno", "", "a\nb", "é&<"})
