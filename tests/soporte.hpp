@@ -77,9 +77,6 @@ template <typename C> std::basic_string<C> toma(C *p) {
     zarn::libera(p);
     return s;
 }
-inline std::string toma_u8(char16_t *p) {
-    return zarn::utf16_a_utf8(toma(p));
-}
 
 // What f gives, or "!" and the condition (with " (message)" when there is one) of the internal
 // error that it ends in.
