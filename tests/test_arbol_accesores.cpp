@@ -6,7 +6,6 @@
 
 #include <zarnxml/zarnxml.h>
 
-#include <cstdio>
 #include <cstring>
 #include <functional>
 #include <map>
@@ -38,15 +37,10 @@ template <typename T> Forma es(zybool (*f)(Nodo, T *)) {
 std::string puntos(Nodo n, const char *e) {
     const std::string etiqueta(e, std::strchr(e, '/'));
     const std::u16string separadores = zarn::utf8_a_utf16(std::strchr(e, '/') + 1);
-    ArrPunto2D p =
-        zarnxml_get_dato_ArrPunto2D(zarnxml_dame_nodo(n, etiqueta.c_str()), separadores.c_str());
+    const Nodo hijo = zarnxml_dame_nodo(n, etiqueta.c_str());
     std::string s;
-    for (uint32_t i = 0; i < arr_NumElemsPunto2D(p); ++i) {
-        double x = 0, y = 0;
-        arr_GetPunto2D(p, i, &x, &y);
-        s += "(" + num(x) + "," + num(y) + ")";
-    }
-    arr_DestruyePunto2D(&p);
+    for (const Punto2D &p : elementos(zarnxml_get_dato_ArrPunto2D(hijo, separadores.c_str())))
+        s += "(" + num(p.x) + "," + num(p.y) + ")";
     return s;
 }
 std::string datos_hijos(Nodo n, const char *e) {
@@ -57,12 +51,7 @@ std::string datos_hijos(Nodo n, const char *e) {
 }
 std::string fichero_en_memoria(Nodo n, const char *e) {
     fichmem *fm = zarnxml_get_dato_hijo_fichmem(n, e);
-    std::string s;
-    for (size_t i = 0; i < fm->tamanyo; ++i) {
-        char b[3];
-        std::snprintf(b, sizeof b, "%02x", fm->buffer[i]);
-        s += (i ? " " : "") + std::string(b);
-    }
+    const std::string s(reinterpret_cast<const char *>(fm->buffer), fm->tamanyo);
     fichmem_destruye(&fm);
     return s;
 }

@@ -126,26 +126,21 @@ TEST(ArbolBusqueda, AFondoEnOrdenDelDocumento) {
     EXPECT_FALSE(zarnxml_existen_nodos_recursivamente(zarnxml_nodo_hijo(a.raiz, 1), "b", &nodos));
 }
 
-// A chain of `niveles` elements below the root.
-std::string cadena_de_niveles(int niveles) {
-    std::string s = "<r>";
-    for (int i = 0; i < niveles; ++i)
-        s += "<e>";
-    for (int i = 0; i < niveles; ++i)
-        s += "</e>";
-    return s + "</r>";
-}
-
 TEST(ArbolBusqueda, LaBusquedaAFondoSeDetieneEnDiezMilNiveles) {
     // Level 9998 is the deepest that the search passes; a node at 9999 is the fault, whatever
     // has been found before it.
-    Arbol bien(cadena_de_niveles(9998));
+    std::string abre, cierra;
+    for (int i = 0; i < 9998; ++i) {
+        abre += "<e>";
+        cierra += "</e>";
+    }
+    Arbol bien("<r>" + abre + cierra + "</r>");
     ArrPuntero nodos = nullptr;
     EXPECT_TRUE(zarnxml_existen_nodos_recursivamente(bien.raiz, "e", &nodos));
     EXPECT_EQ(arr_NumElemsPuntero(nodos), 9998u);
     zarnxml_destruye_array_const_nodos(&nodos);
 
-    Arbol hondo(cadena_de_niveles(9999));
+    Arbol hondo("<r><e>" + abre + cierra + "</e></r>");
     EXPECT_EQ(COND(zarnxml_existe_nodo_recursivamente(hondo.raiz, "e", nullptr)),
               "recursividad < 10000");
     EXPECT_EQ(COND(zarnxml_existen_nodos_recursivamente(hondo.raiz, "e", &nodos)),

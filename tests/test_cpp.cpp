@@ -258,20 +258,12 @@ TEST(CppArbol, NodosVaciosYLecturasOpcionales) {
 
 namespace {
 
-// A C caller's own process handler, as a program might install it.
-struct FalloC : std::runtime_error {
-    using std::runtime_error::runtime_error;
-};
-void manejador_c(const char *condicion, const char *, uint32_t, const char *) {
-    throw FalloC(condicion ? condicion : "");
-}
-
 // A strict read that fails, through C and through C++; each gives what reached its caller.
 template <class F> std::string que_llega(F &&f) {
     try {
         f();
-    } catch (const FalloC &e) {
-        return "C "s + e.what();
+    } catch (const ErrorInterno &e) {
+        return "C " + e.condicion;
     } catch (const zarnxml::error_interno &e) {
         return "C++ " + e.condicion();
     }
@@ -292,10 +284,10 @@ std::string falla_en_cpp() {
 
 } // namespace
 
-// C on one thread with the process's handler, C++ on another at the same time: each gets what
-// it expects, and the C++ layer leaves the process's handler as it found it.
+// C on one thread with a process handler of its own, C++ on another at the same time: each gets
+// what it expects, and the C++ layer leaves the process's handler as it found it.
 TEST(CppHilos, CYCppALaVez) {
-    const zyassert_manejador_t antes = zyassert_instala_manejador(&manejador_c);
+    const zyassert_manejador_t antes = zyassert_instala_manejador(&manejador_que_lanza);
     std::atomic<int> malos{0};
     std::thread cpp([&] {
         for (int i = 0; i < 300; ++i)
@@ -308,7 +300,7 @@ TEST(CppHilos, CYCppALaVez) {
     }
     cpp.join();
     EXPECT_EQ(malos.load(), 0);
-    EXPECT_EQ(zyassert_instala_manejador(antes), &manejador_c);
+    EXPECT_EQ(zyassert_instala_manejador(antes), &manejador_que_lanza);
 }
 
 // The default handler still ends a C caller's process with its line while another thread takes
