@@ -83,7 +83,7 @@ TEST(ArrCadena, CopiasYOriginales) {
     EXPECT_EQ(anchas, nullptr);
 }
 
-TEST(ArrPunteros, InsertaBorraYBusca) {
+TEST(ArrPunteros, InsertaBorraBuscaDestruyeYCopia) {
     int a = 1, b = 2, c = 3, d = 2, cinco = 5;
     ArrPuntero arr = arr_CreaPunteroConTipo(1);
     arr_SetPunteroConTipo(arr, 0, &b);
@@ -103,32 +103,8 @@ TEST(ArrPunteros, InsertaBorraYBusca) {
     EXPECT_EQ(arr_GetPunteroConTipo(arr, 1), &d);
     EXPECT_EQ(COND(arr_InsertarPunteroConTipo(arr, 3, &a)), "ind <= num_elems");
     arr_DestruyeEstructurasConstConTipo(&arr);
-}
 
-TEST(ArrValores, SetGetYBorrado) {
-    ArrBOOL b = arr_CreaBOOL(2);
-    arr_SetBOOL(b, 1, CIERTO), arr_AppendBOOL(b, FALSO), arr_BorrarBOOL(b, 0);
-    ASSERT_EQ(arr_NumElemsBOOL(b), 2u);
-    EXPECT_EQ(std::pair(arr_GetBOOL(b, 0), arr_GetBOOL(b, 1)), std::pair(CIERTO, FALSO));
-    arr_DestruyeBOOL(&b);
-    ArrDouble d = arr_CreaDouble(1);
-    arr_SetDouble(d, 0, 2.5);
-    EXPECT_EQ(arr_GetDouble(d, 0), 2.5);
-    arr_DestruyeDouble(&d);
-    ArrPunto2D p = arr_CreaPunto2D(1);
-    double x = 0, y = 0;
-    arr_SetPunto2D(p, 0, 1.5, -2), arr_GetPunto2D(p, 0, &x, &y);
-    EXPECT_EQ(std::pair(x, y), std::pair(1.5, -2.0));
-    arr_DestruyePunto2D(&p);
-    const int uno = 1;
-    ArrPuntero q = arr_CreaPunteroConTipo(1);
-    arr_SetPunteroConstConTipo(q, 0, &uno);
-    EXPECT_EQ(arr_GetPunteroConTipo(q, 0), &uno);
-    arr_DestruyeEstructurasConstConTipo(&q);
-}
-
-TEST(ArrPunteros, DestruyeYCopiaEstructuras) {
-    ArrPuntero arr = arr_CreaPunteroConTipo(0);
+    arr = arr_CreaPunteroConTipo(0);
     arr_AppendPunteroConTipo(arr, entero(1));
     arr_AppendPunteroConTipo(arr, entero(2));
     ArrPuntero copia = arr_CopiaEstructurasConTipo(arr, copia_por_diez);
@@ -153,4 +129,26 @@ TEST(ArrPunteros, DestruyeYCopiaEstructuras) {
     apunorde_destruye(&orde, libera_entero);
     EXPECT_EQ(orde, nullptr);
     EXPECT_EQ(liberados, 5);
+}
+
+TEST(ArrValores, SetGetYBorrado) {
+    ArrBOOL b = arr_CreaBOOL(2);
+    arr_SetBOOL(b, 1, CIERTO), arr_AppendBOOL(b, FALSO), arr_BorrarBOOL(b, 0);
+    ASSERT_EQ(arr_NumElemsBOOL(b), 2u);
+    EXPECT_EQ(std::pair(arr_GetBOOL(b, 0), arr_GetBOOL(b, 1)), std::pair(CIERTO, FALSO));
+    arr_DestruyeBOOL(&b);
+    ArrDouble d = arr_CreaDouble(1);
+    arr_SetDouble(d, 0, 2.5);
+    EXPECT_EQ(arr_GetDouble(d, 0), 2.5);
+    arr_DestruyeDouble(&d);
+    ArrPunto2D p = arr_CreaPunto2D(1);
+    double x = 0, y = 0;
+    arr_SetPunto2D(p, 0, 1.5, -2), arr_GetPunto2D(p, 0, &x, &y);
+    EXPECT_EQ(std::pair(x, y), std::pair(1.5, -2.0));
+    arr_DestruyePunto2D(&p);
+    const int uno = 1;
+    ArrPuntero q = arr_CreaPunteroConTipo(1);
+    arr_SetPunteroConstConTipo(q, 0, &uno);
+    EXPECT_EQ(arr_GetPunteroConTipo(q, 0), &uno);
+    arr_DestruyeEstructurasConstConTipo(&q);
 }

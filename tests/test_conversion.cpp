@@ -10,7 +10,7 @@
 #include <algorithm>
 #include <cstdlib>
 
-TEST(Conversion, EveryCharacterSurvivesTheRoundTrip) {
+TEST(Conversion, EveryCharacterAndAsciiRunsOfEveryLengthSurviveTheRoundTrip) {
     // Every BMP character, then every 997th beyond it and the last: pairs and four bytes.
     std::u16string todos;
     size_t bytes_esperados = 0;
@@ -37,9 +37,7 @@ TEST(Conversion, EveryCharacterSurvivesTheRoundTrip) {
     EXPECT_EQ(toma(unicode_convierte_ANSI_a_UNICODE(utf8.c_str())), todos);
     EXPECT_EQ(toma(unicode_convierte_UTF8_a_UNICODE(utf8.c_str())), todos);
     EXPECT_EQ(toma(unicode_convierte_ANSI_a_UTF8(utf8.c_str())), utf8); // valid UTF-8 unchanged
-}
 
-TEST(Conversion, AsciiRunsOfEveryLengthAroundOtherCharacters) {
     // A non-ASCII character at each place of texts 0 to 19 long exercises the 8-byte and
     // 4-unit fast paths at their edges.
     for (size_t largo = 0; largo < 20; ++largo)
@@ -78,7 +76,7 @@ TEST(Conversion, MalformedSequencesNeverStopTheText) {
     }
 }
 
-TEST(Conversion, LoneSurrogatesAndOneCharacterAtATime) {
+TEST(Conversion, LoneSurrogatesOneCharacterAtATimeAndArrays) {
     const std::string r = "\xEF\xBF\xBD";
     EXPECT_EQ(zarn::utf16_a_utf8(std::u16string(u"a") + u'\xD800' + u"b\xDC00"), "a" + r + "b" + r);
     EXPECT_EQ(zarn::utf16_a_utf8(u"\xDC00\xD800"), r + r);
@@ -89,9 +87,7 @@ TEST(Conversion, LoneSurrogatesAndOneCharacterAtATime) {
     for (const char *p = s.data(); p < s.data() + s.size();)
         leidos.push_back(zarn::decodifica_utf8(p, s.data() + s.size()));
     EXPECT_EQ(leidos, U"Aé\u20AC\U0001F600");
-}
-
-TEST(Conversion, ArrayOfWideTextsToUtf8) {
+    // An array of wide texts to UTF-8.
     ArrCADENA_u origen = arr_CreaCADENA_u(0);
     arr_AppendCADENA_u(origen, u"año"), arr_AppendCADENA_u(origen, u"");
     EXPECT_EQ(elementos(unicode_array_salida_ANSI(origen)),

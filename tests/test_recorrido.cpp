@@ -115,10 +115,7 @@ TEST(Recorrido, LaFormaDeFicheroDaTextosDeOchoBitsYLaRuta) {
 TEST(Recorrido, TextoDeEtiquetaConPropiedades) {
     ArrCADENA textos = arr_CreaCADENA(0), datos = arr_CreaCADENA(0);
     const auto texto = [&] {
-        CADENA t = zarnfxml_texto_etiqueta_con_propiedades("a", textos, datos);
-        std::string s = t;
-        zarn::libera(t);
-        return s;
+        return toma(zarnfxml_texto_etiqueta_con_propiedades("a", textos, datos));
     };
     EXPECT_EQ(texto(), "a");
     arr_AppendCADENA(textos, "x"), arr_AppendCADENA(datos, "1");
