@@ -42,7 +42,7 @@ zybool mismo_entero(const void *e, const void *clave) {
 
 } // namespace
 
-TEST(ArrCadena, CopiasYOriginales) {
+TEST(ArrCadena, CopiasYOriginalesYArraysDeValores) {
     ArrCADENA arr = arr_CreaCADENA(1);
     char buffer[] = "uno";
     arr_SetCADENA(arr, 0, buffer);
@@ -81,6 +81,27 @@ TEST(ArrCadena, CopiasYOriginales) {
     EXPECT_EQ(std::u16string(arr_GetCADENA_u(anchas, 0)) + arr_GetCADENA_u(anchas, 1), u"año€");
     arr_DestruyeCADENA_u(&anchas);
     EXPECT_EQ(anchas, nullptr);
+
+    // Set, get and erase in the arrays of values.
+    ArrBOOL b = arr_CreaBOOL(2);
+    arr_SetBOOL(b, 1, CIERTO), arr_AppendBOOL(b, FALSO), arr_BorrarBOOL(b, 0);
+    ASSERT_EQ(arr_NumElemsBOOL(b), 2u);
+    EXPECT_EQ(std::pair(arr_GetBOOL(b, 0), arr_GetBOOL(b, 1)), std::pair(CIERTO, FALSO));
+    arr_DestruyeBOOL(&b);
+    ArrDouble d = arr_CreaDouble(1);
+    arr_SetDouble(d, 0, 2.5);
+    EXPECT_EQ(arr_GetDouble(d, 0), 2.5);
+    arr_DestruyeDouble(&d);
+    ArrPunto2D p = arr_CreaPunto2D(1);
+    double x = 0, y = 0;
+    arr_SetPunto2D(p, 0, 1.5, -2), arr_GetPunto2D(p, 0, &x, &y);
+    EXPECT_EQ(std::pair(x, y), std::pair(1.5, -2.0));
+    arr_DestruyePunto2D(&p);
+    const int uno = 1;
+    ArrPuntero q = arr_CreaPunteroConTipo(1);
+    arr_SetPunteroConstConTipo(q, 0, &uno);
+    EXPECT_EQ(arr_GetPunteroConTipo(q, 0), &uno);
+    arr_DestruyeEstructurasConstConTipo(&q);
 }
 
 TEST(ArrPunteros, InsertaBorraBuscaDestruyeYCopia) {
@@ -129,26 +150,4 @@ TEST(ArrPunteros, InsertaBorraBuscaDestruyeYCopia) {
     apunorde_destruye(&orde, libera_entero);
     EXPECT_EQ(orde, nullptr);
     EXPECT_EQ(liberados, 5);
-}
-
-TEST(ArrValores, SetGetYBorrado) {
-    ArrBOOL b = arr_CreaBOOL(2);
-    arr_SetBOOL(b, 1, CIERTO), arr_AppendBOOL(b, FALSO), arr_BorrarBOOL(b, 0);
-    ASSERT_EQ(arr_NumElemsBOOL(b), 2u);
-    EXPECT_EQ(std::pair(arr_GetBOOL(b, 0), arr_GetBOOL(b, 1)), std::pair(CIERTO, FALSO));
-    arr_DestruyeBOOL(&b);
-    ArrDouble d = arr_CreaDouble(1);
-    arr_SetDouble(d, 0, 2.5);
-    EXPECT_EQ(arr_GetDouble(d, 0), 2.5);
-    arr_DestruyeDouble(&d);
-    ArrPunto2D p = arr_CreaPunto2D(1);
-    double x = 0, y = 0;
-    arr_SetPunto2D(p, 0, 1.5, -2), arr_GetPunto2D(p, 0, &x, &y);
-    EXPECT_EQ(std::pair(x, y), std::pair(1.5, -2.0));
-    arr_DestruyePunto2D(&p);
-    const int uno = 1;
-    ArrPuntero q = arr_CreaPunteroConTipo(1);
-    arr_SetPunteroConstConTipo(q, 0, &uno);
-    EXPECT_EQ(arr_GetPunteroConTipo(q, 0), &uno);
-    arr_DestruyeEstructurasConstConTipo(&q);
 }

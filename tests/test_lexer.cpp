@@ -20,7 +20,7 @@ template <typename X> V pide(const X &xml, std::initializer_list<uint32_t> indic
     return r;
 }
 
-TEST(Fuente, LineasYLuegoElFinalSoloLaPrimeraVezErroresInternosYUtf16) {
+TEST(Fuente, LineasFinalErroresInternosUtf16YEntidades) {
     Lineas l{};
     EXPECT_EQ(pide(i_crea_para_lectura_de_lineas(l.a, FALSO), {0, 0, 1}), V({"$", "", "$"}));
     DirTemporal dir;
@@ -72,9 +72,8 @@ TEST(Fuente, LasLineasDeUnFicheroSeCortanComoEnElServicioDeLineas) {
                   lineas_ztxt(dir / "f"))
             << "case " << i;
     }
-}
 
-TEST(Fuente, DecodificaConLasTresEntidadesSoloFueraDeIso) {
+    // The three entities are decoded only outside ISO-8859-1.
     EXPECT_EQ(i_decodifica_cadena("&amp;lt; &lt;&gt;&amp; &#34;&quot; & &l", 1),
               u"&lt; <>& &#34;&quot; & &l");
     EXPECT_EQ(i_decodifica_cadena("a &amp; b", 3), u"a & b");

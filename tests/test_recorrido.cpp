@@ -100,7 +100,7 @@ TEST(Recorrido, LlamadasDeReferencia) {
     EXPECT_EQ(COND(recorre("<a>x<b/></a>")), "");
 }
 
-TEST(Recorrido, LaFormaDeFicheroDaTextosDeOchoBitsYLaRuta) {
+TEST(Recorrido, LaFormaDeFicheroYElTextoDeEtiquetaConPropiedades) {
     DirTemporal dir;
     escribe_fichero(dir / "r.xml", dato("recorrido/fichero.xml"));
     Registro r;
@@ -110,9 +110,8 @@ TEST(Recorrido, LaFormaDeFicheroDaTextosDeOchoBitsYLaRuta) {
               (Llamadas{"||a|p=\xe2\x82\xac|#|inicial", "a|a-p=\xe2\x82\xac|b||Jos\xc3\xa9 & co|a",
                         "a|a-p=\xe2\x82\xac|c|||a", "a|a-p=\xe2\x82\xac|d||#|a", "d|d|e||1|d"}));
     EXPECT_EQ(r.rutas, (Llamadas{"a", "a/b", "a/c", "a/d", "a/d/e"}));
-}
 
-TEST(Recorrido, TextoDeEtiquetaConPropiedades) {
+    // The parent with its properties as the walk tells it.
     ArrCADENA textos = arr_CreaCADENA(0), datos = arr_CreaCADENA(0);
     const auto texto = [&] {
         return toma(zarnfxml_texto_etiqueta_con_propiedades("a", textos, datos));
