@@ -138,7 +138,7 @@ TEST(Cadenas, ConcatenateInsertSubstituteAndPredicates) {
 
 // Heap blocks handed over: the variable that gave one up is cleared; an optional copy of null
 // is null.
-TEST(Cadenas, BloquesDeMemoria) {
+TEST(Cadenas, BloquesDeMemoriaYFormatos) {
     void *p = zarnspy_nousar_calloc(2, 4);
     EXPECT_EQ(static_cast<int *>(p)[1], 0);
     void *q = zarnspy_nousar_asigna_doble_puntero(&p);
@@ -153,9 +153,8 @@ TEST(Cadenas, BloquesDeMemoria) {
     zarnspy_nousar_free_pp(&c, 3), zarnspy_nousar_free_pp(&p, 8),
         zarnspy_nousar_free_pp(nullptr, 0);
     EXPECT_EQ(std::vector<void *>({p, q, c}), std::vector<void *>(3, nullptr));
-}
 
-TEST(Cadenas, FormatsEveryDirective) {
+    // Every directive of the formatter.
     EXPECT_EQ(toma(nousar_formatea("%s|%u|%hu|%ld|%lu|%.2lf|%Id|%%|%.0lf|%lf|%d", "x", 4000000000u,
                                    uint16_t(65535), int32_t(-5), uint32_t(4294967295u), 3.14159,
                                    std::numeric_limits<int64_t>::min(), 2.5, 1.0, -7)),

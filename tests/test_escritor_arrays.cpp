@@ -56,7 +56,7 @@ char W[] = "w";
 
 // data/numeracion/<n>.xml: what numbering n writes for two texts, the same as wide texts, no
 // texts, and two numbers (n = 0 writes those on one line, so they are left out there).
-TEST(EscritorArrays, FormasNumeradas) {
+TEST(EscritorArrays, FormasNumeradasItemsUnaLineaYBloques) {
     for (int32_t n = 0; n < 8; ++n) {
         SCOPED_TRACE(n);
         const char *prop = n >= 4 ? "n" : nullptr; // only 4 to 7 read it
@@ -70,9 +70,8 @@ TEST(EscritorArrays, FormasNumeradas) {
         zarnfxml_graba_fin_bloque(e);
         EXPECT_EQ(texto_de(e), dato("numeracion/" + std::to_string(n) + ".xml"));
     }
-}
 
-TEST(EscritorArrays, ItemsUnaLineaYBloques) {
+    // Items of one line and in blocks.
     Escritor e;
     zarnfxml_graba_inicio_bloque(e, "r");
     zarnfxml_graba_arr_cadena(e, "t", cadenas({"a<b", "c", "x\ny"}));

@@ -98,18 +98,16 @@ static std::string trozos(const std::string &texto, bool literal = false) {
 
 // data/piezas/<name>.xml: a text, and in <name>.piezas its pieces joined by " | " (see the
 // folder's README for what each group of cases shows).
-TEST(Piezas, ElDialectoPiezaAPieza) {
+TEST(Piezas, ElDialectoLaPilaTrasUnErrorYPiezasDevueltas) {
     const auto todos = casos("piezas", ".piezas");
     EXPECT_GE(todos.size(), 55u);
     for (const auto &[ruta, esperado] : todos)
         EXPECT_EQ(trozos(lee_fichero(ruta), ruta.filename().string().starts_with("literal")),
                   esperado)
             << ruta.filename();
-}
 
-// After an error the tag of a start tag that failed stays on the stack; pieces given back come
-// again in their order.
-TEST(Piezas, LaPilaTrasUnErrorYPiezasDevueltas) {
+    // After an error the tag of a start tag that failed stays on the stack; pieces given back come
+    // again in their order.
     Lineas mal{"<a><b c>"};
     auto roto = i_crea_para_lectura_de_lineas(mal.a, FALSO);
     piezas_de(roto.get());

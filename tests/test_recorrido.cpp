@@ -89,7 +89,7 @@ Registro recorre(const std::string &doc, std::set<std::string> podar = {}) {
 using Llamadas = std::vector<std::string>;
 
 // data/recorrido/llamadas.txt: the calls of the walk over texts, one a line.
-TEST(Recorrido, LlamadasDeReferencia) {
+TEST(Recorrido, LlamadasFormaDeFicheroYTextoDeEtiquetaConPropiedades) {
     for (const auto &f : tabla("recorrido/llamadas.txt")) {
         std::istringstream podar(f[0]);
         EXPECT_EQ(recorre(f[1], {std::istream_iterator<std::string>(podar), {}}).llamadas,
@@ -98,9 +98,8 @@ TEST(Recorrido, LlamadasDeReferencia) {
     }
     // A datum beside child elements ends in the default error, which has no condition text.
     EXPECT_EQ(COND(recorre("<a>x<b/></a>")), "");
-}
 
-TEST(Recorrido, LaFormaDeFicheroYElTextoDeEtiquetaConPropiedades) {
+    // The file form: 8-bit texts and the path of tags.
     DirTemporal dir;
     escribe_fichero(dir / "r.xml", dato("recorrido/fichero.xml"));
     Registro r;
