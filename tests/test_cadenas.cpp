@@ -81,7 +81,7 @@ const std::map<std::string, std::string (*)(Args)> OPERACIONES = {
 };
 } // namespace
 
-TEST(Cadenas, TablaDeOperaciones) {
+TEST(Cadenas, TablaDeOperacionesYLoDemas) {
     for (const auto &f : tabla("cadenas.txt"))
         EXPECT_EQ(OPERACIONES.at(f[0])(f), f.back()) << f[0] << " " << f[1];
     EXPECT_EQ(widestr_nousar_extrae_token(0, u"uno", u" ,", O, 1), nullptr);
@@ -91,9 +91,8 @@ TEST(Cadenas, TablaDeOperaciones) {
     EXPECT_EQ(COND(widestr_nousar_destruye(&w, O, 1)), "(*s) != NULL");
     EXPECT_EQ(COND(cad_concatena(nullptr, "x")), "(dest) != NULL");
     EXPECT_EQ(COND(widestr_nousar_longitud(nullptr, O, 1)), "(s) != NULL");
-}
 
-TEST(Cadenas, ConcatenateInsertSubstituteAndPredicates) {
+    // Concatenate, insert, substitute, and the predicates.
     CADENA s = nullptr;
     cad_concatena(&s, "ab"); // null counts as empty
     cad_concatena(&s, s);    // the text appended to itself
@@ -111,8 +110,7 @@ TEST(Cadenas, ConcatenateInsertSubstituteAndPredicates) {
     EXPECT_EQ(toma(cad_subcadena_inicial_size_t("hola", 10)), "hola");
     EXPECT_EQ(toma(creacadena_con_caracter(3, '\t')), "\t\t\t");
 
-    CADENA_u w = nullptr;
-    widestr_nousar_cad_concatena(&w, u"xy", O, __LINE__);
+    widestr_nousar_cad_concatena(&w, u"xy", O, __LINE__); // w is null again
     widestr_nousar_cad_concatena(&w, w + 1, O, __LINE__);
     widestr_nousar_cad_concatena(&w, u"z", O, __LINE__);
     EXPECT_EQ(std::u16string(w), u"xyyz");

@@ -72,26 +72,26 @@ TEST(EscritorPropiedades, FormasFijasYListasConsumidas) {
     EXPECT_EQ(texto_de(iso), "<t p=\"\xE9&\" />\n<u p=\"\xE9?<\">\n\t<t a=\"\xE9\" b=\"?\"/>");
 }
 
-TEST(EscritorEscalares, Numeros) {
-    Escritor e;
-    zarnfxml_graba_long(e, "l", -1);
-    zarnfxml_graba_long(e, "l", INT32_MIN);
-    zarnfxml_graba_ulong(e, "u", UINT32_MAX);
-    zarnfxml_graba_ushort(e, "s", 65535);
+TEST(EscritorEscalares, NumerosLineasCdataYBase64) {
+    Escritor n;
+    zarnfxml_graba_long(n, "l", -1);
+    zarnfxml_graba_long(n, "l", INT32_MIN);
+    zarnfxml_graba_ulong(n, "u", UINT32_MAX);
+    zarnfxml_graba_ushort(n, "s", 65535);
     for (uint32_t v : {0u, 4294967294u, 4294967295u})
-        zarnfxml_graba_ulong_con_ulong_max_cero(e, "m", v);
-    zarnfxml_graba_fecha(e, "f", 1700000000);
-    zarnfxml_graba_fecha(e, "f", 5000000000);
-    zarnfxml_graba_fecha64(e, "g", INT64_MIN);
-    zarnfxml_graba_fecha64(e, "g", 5000000000);
-    zarnfxml_graba_double(e, "d", 3.5, 6);
-    zarnfxml_graba_double(e, "d", -0.0, 6);
-    zarnfxml_graba_double_con_conversion(e, "d", 2.0 / 3, 145, 2);
-    zarnfxml_graba_double_con_todos_decimales(e, "d", 3.5, 145, 6);
-    zarnfxml_graba_double_con_todos_decimales(e, "d", 3.0, 145, 0);
-    zarnfxml_graba_ulong_con_propiedad(e, "t", 17, "p", 2.5);
-    zarnfxml_graba_ulong_con_propiedad(e, "t", 0, "p", -1234.567);
-    EXPECT_EQ(texto_de(e), dato("escritor/numeros.xml"));
+        zarnfxml_graba_ulong_con_ulong_max_cero(n, "m", v);
+    zarnfxml_graba_fecha(n, "f", 1700000000);
+    zarnfxml_graba_fecha(n, "f", 5000000000);
+    zarnfxml_graba_fecha64(n, "g", INT64_MIN);
+    zarnfxml_graba_fecha64(n, "g", 5000000000);
+    zarnfxml_graba_double(n, "d", 3.5, 6);
+    zarnfxml_graba_double(n, "d", -0.0, 6);
+    zarnfxml_graba_double_con_conversion(n, "d", 2.0 / 3, 145, 2);
+    zarnfxml_graba_double_con_todos_decimales(n, "d", 3.5, 145, 6);
+    zarnfxml_graba_double_con_todos_decimales(n, "d", 3.0, 145, 0);
+    zarnfxml_graba_ulong_con_propiedad(n, "t", 17, "p", 2.5);
+    zarnfxml_graba_ulong_con_propiedad(n, "t", 0, "p", -1234.567);
+    EXPECT_EQ(texto_de(n), dato("escritor/numeros.xml"));
     EXPECT_EQ(toma(zarnfxml_double_a_texto_con_todos_decimales(3.5, 145, 6)), u"3.500000");
     EXPECT_EQ(toma(zarnfxml_double_a_texto_sin_decimales_si_no_tiene(3.0, 145, 6)), u"3");
     ArrDouble ds = arr_CreaDouble(0);
@@ -99,9 +99,8 @@ TEST(EscritorEscalares, Numeros) {
     EXPECT_EQ(toma(zarnfxml_doubles_a_texto_sin_decimales_si_no_tiene(ds, 145, 6, u"; ")),
               u"1; 2.5");
     arr_DestruyeDouble(&ds);
-}
 
-TEST(EscritorEscalares, LineasCdataYBase64) {
+    // Optional texts, lines, Base64 and CDATA in a block.
     uint8_t bytes[] = {0, 0xFF, 'a', 'b'};
     const fichmem lleno{bytes, 4}, vacio{nullptr, 0};
     Escritor e;

@@ -81,7 +81,7 @@ TEST(Lineas, DeFicherosYTextosYUnion) {
 // A line is terminated behind its last byte, NUL bytes passed as they are; block reads after
 // line reads continue where the lines stopped; the size does not move the position; a short
 // read zeroes the rest.
-TEST(Fichero, BytesNulosBloquesTrasLineasTamanyoYFallos) {
+TEST(Fichero, BytesNulosBloquesTrasLineasTamanyoFallosYUnicode) {
     DirTemporal d;
     escribe_fichero(d / "b.txt", std::string("u\0o\ndos\r\ntres", 13));
     zarnio_fichero_t *f = f_lc_fopen_u(d.u("b.txt").c_str(), u"rt", "test", 1);
@@ -137,10 +137,8 @@ TEST(Fichero, BytesNulosBloquesTrasLineasTamanyoYFallos) {
         lc_fclose(&f);
     }
     arr_DestruyeCADENA(&a);
-}
 
-TEST(Unicode, LeeAmbosOrdenesYParesSustitutos) {
-    DirTemporal d;
+    // UTF-16 files: the lines of a long one, the mark.
     const auto lee = [&](const std::string &bytes) {
         escribe_fichero(d / "u.txt", bytes);
         return elementos(lc_LeeFicheroTxt_unicode(d.u("u.txt").c_str()));

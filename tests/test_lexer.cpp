@@ -20,7 +20,7 @@ template <typename X> V pide(const X &xml, std::initializer_list<uint32_t> indic
     return r;
 }
 
-TEST(Fuente, LineasFinalErroresInternosUtf16YEntidades) {
+TEST(Fuente, LineasFinalErroresInternosUtf16EntidadesYCortes) {
     Lineas l{};
     EXPECT_EQ(pide(i_crea_para_lectura_de_lineas(l.a, FALSO), {0, 0, 1}), V({"$", "", "$"}));
     DirTemporal dir;
@@ -47,10 +47,8 @@ TEST(Fuente, LineasFinalErroresInternosUtf16YEntidades) {
         zarnfxml_crea_para_lectura_de_fichero((dir.ruta.string() + "/\u00f1\u20ac.xml").c_str());
     EXPECT_EQ(toma(zarnfxml_lee_cadena(r, "a")), "\u00e9\u20ac");
     zarnfxml_destruye_xml_lectura(&r);
-}
 
-TEST(Fuente, LasLineasDeUnFicheroSeCortanComoEnElServicioDeLineas) {
-    DirTemporal dir;
+    // The lines of a file are cut as the lines service cuts them.
     const std::string largo(ZTXT_MAX_LINEA, 'x');
     std::vector<std::string> casos = {"", "\n", "a", "a\r", "a\r\r\nb\n", "a\n\r\nb\r\n"};
     for (const char *tras : {"", "\nz", "\r\nz", "\rz", "y\n"}) // around the longest line
