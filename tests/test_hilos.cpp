@@ -4,7 +4,6 @@
 // with every thread reaching for it. Every round must give what the same round gives on one
 // thread alone. Built with ThreadSanitizer this shows any shared state.
 #include "lector_soporte.hpp"
-#include "streaming/lector.hpp"
 
 #include <zarnxml/zarnxml.h>
 

@@ -100,11 +100,10 @@ TEST(Recorrido, LlamadasFormaDeFicheroYTextoDeEtiquetaConPropiedades) {
     EXPECT_EQ(COND(recorre("<a>x<b/></a>")), "");
 
     // The file form: 8-bit texts and the path of tags.
-    DirTemporal dir;
-    escribe_fichero(dir / "r.xml", dato("recorrido/fichero.xml"));
+    const std::u16string ruta =
+        (std::filesystem::path(ZARNXML_TEST_DATA) / "recorrido/fichero.xml").u16string();
     Registro r;
-    zarnfxml_nousar_recorre_en_forma_de_arbol(dir.u("r.xml").c_str(), proceso_fichero, &r, nullptr,
-                                              &inicial);
+    zarnfxml_nousar_recorre_en_forma_de_arbol(ruta.c_str(), proceso_fichero, &r, nullptr, &inicial);
     EXPECT_EQ(r.llamadas,
               (Llamadas{"||a|p=\xe2\x82\xac|#|inicial", "a|a-p=\xe2\x82\xac|b||Jos\xc3\xa9 & co|a",
                         "a|a-p=\xe2\x82\xac|c|||a", "a|a-p=\xe2\x82\xac|d||#|a", "d|d|e||1|d"}));
