@@ -42,7 +42,7 @@ zybool mismo_entero(const void *e, const void *clave) {
 
 } // namespace
 
-TEST(ArrCadena, CopiasYOriginales) {
+TEST(ArrCadena, CopiasYOriginalesYArraysDeValores) {
     ArrCADENA arr = arr_CreaCADENA(1);
     char buffer[] = "uno";
     arr_SetCADENA(arr, 0, buffer);
@@ -81,31 +81,8 @@ TEST(ArrCadena, CopiasYOriginales) {
     EXPECT_EQ(std::u16string(arr_GetCADENA_u(anchas, 0)) + arr_GetCADENA_u(anchas, 1), u"año€");
     arr_DestruyeCADENA_u(&anchas);
     EXPECT_EQ(anchas, nullptr);
-}
 
-TEST(ArrPunteros, InsertaBorraYBusca) {
-    int a = 1, b = 2, c = 3, d = 2, cinco = 5;
-    ArrPuntero arr = arr_CreaPunteroConTipo(1);
-    arr_SetPunteroConTipo(arr, 0, &b);
-    arr_AppendPunteroConstConTipo(arr, &c);
-    arr_InsertarPunteroConTipo(arr, 0, &a);
-    arr_AppendPunteroConTipo(arr, &d);
-    uint32_t ind = 99;
-    EXPECT_EQ(arr_ExisteEstructuraConTipo(arr, &d, mismo_entero, &ind), CIERTO);
-    EXPECT_EQ(ind, 1u); // the first match, b, not d itself
-    EXPECT_EQ(arr_ExisteEstructuraConTipo(arr, &cinco, mismo_entero, &ind), FALSO);
-    EXPECT_EQ(ind, 1u);
-
-    arr_BorrarPuntero(arr, 1);
-    arr_BorrarPunteroConst(arr, 0);
-    ASSERT_EQ(arr_NumElemsPuntero(arr), 2u);
-    EXPECT_EQ(arr_GetPunteroConTipo(arr, 0), &c);
-    EXPECT_EQ(arr_GetPunteroConTipo(arr, 1), &d);
-    EXPECT_EQ(COND(arr_InsertarPunteroConTipo(arr, 3, &a)), "ind <= num_elems");
-    arr_DestruyeEstructurasConstConTipo(&arr);
-}
-
-TEST(ArrValores, SetGetYBorrado) {
+    // Set, get and erase in the arrays of values.
     ArrBOOL b = arr_CreaBOOL(2);
     arr_SetBOOL(b, 1, CIERTO), arr_AppendBOOL(b, FALSO), arr_BorrarBOOL(b, 0);
     ASSERT_EQ(arr_NumElemsBOOL(b), 2u);
@@ -127,8 +104,28 @@ TEST(ArrValores, SetGetYBorrado) {
     arr_DestruyeEstructurasConstConTipo(&q);
 }
 
-TEST(ArrPunteros, DestruyeYCopiaEstructuras) {
-    ArrPuntero arr = arr_CreaPunteroConTipo(0);
+TEST(ArrPunteros, InsertaBorraBuscaDestruyeYCopia) {
+    int a = 1, b = 2, c = 3, d = 2, cinco = 5;
+    ArrPuntero arr = arr_CreaPunteroConTipo(1);
+    arr_SetPunteroConTipo(arr, 0, &b);
+    arr_AppendPunteroConstConTipo(arr, &c);
+    arr_InsertarPunteroConTipo(arr, 0, &a);
+    arr_AppendPunteroConTipo(arr, &d);
+    uint32_t ind = 99;
+    EXPECT_EQ(arr_ExisteEstructuraConTipo(arr, &d, mismo_entero, &ind), CIERTO);
+    EXPECT_EQ(ind, 1u); // the first match, b, not d itself
+    EXPECT_EQ(arr_ExisteEstructuraConTipo(arr, &cinco, mismo_entero, &ind), FALSO);
+    EXPECT_EQ(ind, 1u);
+
+    arr_BorrarPuntero(arr, 1);
+    arr_BorrarPunteroConst(arr, 0);
+    ASSERT_EQ(arr_NumElemsPuntero(arr), 2u);
+    EXPECT_EQ(arr_GetPunteroConTipo(arr, 0), &c);
+    EXPECT_EQ(arr_GetPunteroConTipo(arr, 1), &d);
+    EXPECT_EQ(COND(arr_InsertarPunteroConTipo(arr, 3, &a)), "ind <= num_elems");
+    arr_DestruyeEstructurasConstConTipo(&arr);
+
+    arr = arr_CreaPunteroConTipo(0);
     arr_AppendPunteroConTipo(arr, entero(1));
     arr_AppendPunteroConTipo(arr, entero(2));
     ArrPuntero copia = arr_CopiaEstructurasConTipo(arr, copia_por_diez);

@@ -10,7 +10,7 @@
 #include <algorithm>
 #include <cstdlib>
 
-TEST(Conversion, EveryCharacterSurvivesTheRoundTrip) {
+TEST(Conversion, RoundTripsLatin1MalformedSequencesLoneSurrogatesAndArrays) {
     // Every BMP character, then every 997th beyond it and the last: pairs and four bytes.
     std::u16string todos;
     size_t bytes_esperados = 0;
@@ -37,9 +37,7 @@ TEST(Conversion, EveryCharacterSurvivesTheRoundTrip) {
     EXPECT_EQ(toma(unicode_convierte_ANSI_a_UNICODE(utf8.c_str())), todos);
     EXPECT_EQ(toma(unicode_convierte_UTF8_a_UNICODE(utf8.c_str())), todos);
     EXPECT_EQ(toma(unicode_convierte_ANSI_a_UTF8(utf8.c_str())), utf8); // valid UTF-8 unchanged
-}
 
-TEST(Conversion, AsciiRunsOfEveryLengthAroundOtherCharacters) {
     // A non-ASCII character at each place of texts 0 to 19 long exercises the 8-byte and
     // 4-unit fast paths at their edges.
     for (size_t largo = 0; largo < 20; ++largo)
@@ -51,9 +49,8 @@ TEST(Conversion, AsciiRunsOfEveryLengthAroundOtherCharacters) {
             EXPECT_EQ(zarn::utf8_a_utf16(a + "\xE2\x82\xAC" + b), u);
             EXPECT_EQ(zarn::utf8_a_utf16(a + "\x80" + b), u);
         }
-}
 
-TEST(Conversion, Latin1BothWaysWithQuestionMarksForTheRest) {
+    // Latin-1 both ways, with question marks for the rest.
     std::string bytes;
     std::u16string u;
     for (int b = 1; b < 256; ++b) {
@@ -66,19 +63,16 @@ TEST(Conversion, Latin1BothWaysWithQuestionMarksForTheRest) {
     EXPECT_EQ(toma(unicode_a_salida_ANSI_con_error(u"a€b\U0001F600c\xD800"
                                                    u"d\xDC00")),
               "a?b?c?d?");
-}
 
-// data/utf8_invalido.txt: texts that are no valid UTF-8 never stop, and read as Windows-1252
-// where a byte begins no sequence.
-TEST(Conversion, MalformedSequencesNeverStopTheText) {
+    // data/utf8_invalido.txt: texts that are no valid UTF-8 never stop, and read as Windows-1252
+    // where a byte begins no sequence.
     for (const auto &f : tabla("utf8_invalido.txt")) {
         EXPECT_EQ(zarn::utf16_a_utf8(zarn::utf8_a_utf16(f[0])), f[1]) << f[0];
         EXPECT_EQ(toma(unicode_convierte_ANSI_a_UTF8(f[0].c_str())), f[1]) << f[0];
         EXPECT_FALSE(zarn::es_utf8_valido(f[0])) << f[0];
     }
-}
 
-TEST(Conversion, LoneSurrogatesAndOneCharacterAtATime) {
+    // Lone surrogates, and one character at a time.
     const std::string r = "\xEF\xBF\xBD";
     EXPECT_EQ(zarn::utf16_a_utf8(std::u16string(u"a") + u'\xD800' + u"b\xDC00"), "a" + r + "b" + r);
     EXPECT_EQ(zarn::utf16_a_utf8(u"\xDC00\xD800"), r + r);
@@ -89,9 +83,7 @@ TEST(Conversion, LoneSurrogatesAndOneCharacterAtATime) {
     for (const char *p = s.data(); p < s.data() + s.size();)
         leidos.push_back(zarn::decodifica_utf8(p, s.data() + s.size()));
     EXPECT_EQ(leidos, U"Aé\u20AC\U0001F600");
-}
-
-TEST(Conversion, ArrayOfWideTextsToUtf8) {
+    // An array of wide texts to UTF-8.
     ArrCADENA_u origen = arr_CreaCADENA_u(0);
     arr_AppendCADENA_u(origen, u"año"), arr_AppendCADENA_u(origen, u"");
     EXPECT_EQ(elementos(unicode_array_salida_ANSI(origen)),

@@ -20,7 +20,6 @@ namespace fs = std::filesystem;
 namespace {
 
 using Lineas = std::vector<std::string>;
-using Lineas_u = std::vector<std::u16string>;
 
 // The lines that ztxt_lee_linea gives for a file of the text.
 Lineas lee_lineas(const DirTemporal &d, const std::string &contenido,
@@ -38,7 +37,8 @@ ArrCADENA arr(std::initializer_list<const char *> elems) {
 
 } // namespace
 
-// data/lineas.txt: lines read from a file, the lines of a text, lines joined.
+// data/lineas.txt: lines read from a file, the lines of a text, lines joined, lines written to a
+// file that each row finds as the row before left it.
 TEST(Lineas, DeFicherosYTextosYUnion) {
     DirTemporal d;
     const auto une = [](const auto &lineas) {
@@ -55,11 +55,23 @@ TEST(Lineas, DeFicherosYTextosYUnion) {
             r = une(elementos(cad_obten_lista_lineas(f[1].c_str())));
         else if (f[0] == "texto_u")
             r = une(elementos(cad_obten_lista_lineas_u(zarn::utf8_a_utf16(f[1]).c_str())));
-        else {
+        else if (f[0] == "es_unicode" || f[0] == "unicode") {
+            escribe_fichero(d / "u.txt", f[1]);
+            r = f[0] == "unicode"
+                    ? une(elementos(lc_LeeFicheroTxt_unicode(d.u("u.txt").c_str())))
+                    : std::to_string(zarnfile_es_fichero_unicode(d.u("u.txt").c_str()));
+        } else {
             ArrCADENA a = arr_CreaCADENA(0);
             for (size_t i = 0, j; (j = f[1].find(';', i)) != std::string::npos; i = j + 1)
                 arr_AppendCADENA(a, f[1].substr(i, j - i).c_str());
-            r = toma(arraystr_union_de_textos_separados_por_salto_de_linea(a));
+            if (f[0] == "une")
+                r = toma(arraystr_union_de_textos_separados_por_salto_de_linea(a));
+            else if (f[0] == "graba")
+                lc_Graba_Array_FicheroTxt_u(a, d.u("s.xml").c_str());
+            else
+                lc_Anade_Array_FicheroTxt_u(a, d.u("s.xml").c_str());
+            if (f[0] != "une")
+                r = lee_fichero(d / "s.xml");
             arr_DestruyeCADENA(&a);
         }
         EXPECT_EQ(r, f[2]) << f[0] << " " << f[1];
@@ -69,7 +81,7 @@ TEST(Lineas, DeFicherosYTextosYUnion) {
 // A line is terminated behind its last byte, NUL bytes passed as they are; block reads after
 // line reads continue where the lines stopped; the size does not move the position; a short
 // read zeroes the rest.
-TEST(Fichero, BytesNulosBloquesTrasLineasTamanyoYFallos) {
+TEST(Fichero, BytesNulosBloquesTrasLineasTamanyoFallosYUnicode) {
     DirTemporal d;
     escribe_fichero(d / "b.txt", std::string("u\0o\ndos\r\ntres", 13));
     zarnio_fichero_t *f = f_lc_fopen_u(d.u("b.txt").c_str(), u"rt", "test", 1);
@@ -105,6 +117,11 @@ TEST(Fichero, BytesNulosBloquesTrasLineasTamanyoYFallos) {
     falla(d.ruta, abierto, [](R r) { f_lc_fopen_u(r, u"rt", "test", 7); });
     falla(d / "no/hay/f.txt", abierto, [&](R r) { lc_Graba_Array_FicheroTxt_u(a, r); });
     falla(d / "fichero/f.xml", abierto, [](R r) { zdir_crea_directorios_fichero_UNICODE(r); });
+    // The directories that lead to a file, made twice: the second time there is nothing to do.
+    for (int i = 0; i < 2; ++i)
+        zdir_crea_directorios_fichero_UNICODE(d.u("a/b/c/f.xml").c_str());
+    EXPECT_TRUE(fs::is_directory(d / "a/b/c"));
+    EXPECT_FALSE(fs::exists(d / "a/b/c/f.xml"));
     if (fs::exists("/dev/full")) {
         falla("/dev/full", escrito, [&](R r) { lc_Anade_Array_FicheroTxt_u(a, r); });
         zarnio_fichero_t *f = f_lc_fopen_u(u"/dev/full", u"wb", "test", 1);
@@ -120,22 +137,12 @@ TEST(Fichero, BytesNulosBloquesTrasLineasTamanyoYFallos) {
         lc_fclose(&f);
     }
     arr_DestruyeCADENA(&a);
-}
 
-TEST(Unicode, LeeAmbosOrdenesYParesSustitutos) {
-    DirTemporal d;
-    const std::u16string texto = u"uno\r\ndós\n\U0001F600x\r\n\nfin";
-    const Lineas_u esperadas = {u"uno", u"dós", u"\U0001F600x", u"", u"fin"};
+    // UTF-16 files: the lines of a long one, the mark.
     const auto lee = [&](const std::string &bytes) {
         escribe_fichero(d / "u.txt", bytes);
         return elementos(lc_LeeFicheroTxt_unicode(d.u("u.txt").c_str()));
     };
-    EXPECT_EQ(lee("\xFF\xFE" + utf16_bytes(texto, false)), esperadas);
-    EXPECT_EQ(lee("\xFE\xFF" + utf16_bytes(texto, true)), esperadas);
-    EXPECT_EQ(lee(utf16_bytes(texto, false)), esperadas);
-    EXPECT_EQ(lee("\xFF\xFE" + utf16_bytes(u"a\n", false) + "b"), Lineas_u{u"a"});
-    EXPECT_EQ(lee("\xFF\xFE"), Lineas_u{});
-
     // A long file, read into UTF-8 lines block by block, gives the lines of the file read whole:
     // a surrogate pair cut by the end of a block (one of the two shifts cuts one wherever the
     // blocks end), a lone surrogate at a line end and at the end, an odd last byte, either order.
@@ -153,42 +160,9 @@ TEST(Unicode, LeeAmbosOrdenesYParesSustitutos) {
                 EXPECT_EQ(elementos(zarnfxml_lee_lineas_fichero(d.u("u.txt").c_str())), esperadas);
             }
 
-    // Only the mark makes a file Unicode.
-    for (const auto &[bytes, es] : {std::pair{"\xFF\xFE", CIERTO},
-                                    {"\xFE\xFF", CIERTO},
-                                    {"<?xml version=\"1.0\"?>", FALSO},
-                                    {"\xFF", FALSO}}) {
-        escribe_fichero(d / "u.txt", bytes);
-        EXPECT_EQ(zarnfile_es_fichero_unicode(d.u("u.txt").c_str()), es) << bytes;
-    }
+    // Only the mark makes a file Unicode (more in data/lineas.txt).
     EXPECT_EQ(zarnfile_es_fichero_unicode(d.u("no está").c_str()), FALSO);
     EXPECT_EQ(zarnfile_es_fichero_unicode(d.ruta.u16string().c_str()), FALSO);
-}
-
-TEST(Escritura, GrabaCreaDeNuevoAnadeAlFinalYCreaDirectorios) {
-    DirTemporal d;
-    const std::u16string r = d.u("s.xml");
-    ArrCADENA a = arr({"<a>", "", "\td\xC3\xB3s\r", "</a>"});
-    ArrCADENA b = arr({"x"});
-    ArrCADENA vacio = arr({});
-    lc_Graba_Array_FicheroTxt_u(a, r.c_str());
-    EXPECT_EQ(lee_fichero(d / "s.xml"), "<a>\n\n\td\xC3\xB3s\r\n</a>\n");
-    lc_Anade_Array_FicheroTxt_u(b, r.c_str());
-    lc_Anade_Array_FicheroTxt_u(vacio, r.c_str());
-    EXPECT_EQ(lee_fichero(d / "s.xml"), "<a>\n\n\td\xC3\xB3s\r\n</a>\nx\n");
-    lc_Graba_Array_FicheroTxt_u(b, r.c_str());
-    EXPECT_EQ(lee_fichero(d / "s.xml"), "x\n");
-    lc_Graba_Array_FicheroTxt_u(vacio, r.c_str());
-    EXPECT_EQ(lee_fichero(d / "s.xml"), "");
-    lc_Anade_Array_FicheroTxt_u(b, d.u("nuevo.xml").c_str());
-    EXPECT_EQ(lee_fichero(d / "nuevo.xml"), "x\n");
-    // The directories that lead to a file, made twice: the second time there is nothing to do.
-    for (int i = 0; i < 2; ++i)
-        zdir_crea_directorios_fichero_UNICODE(d.u("a/b/c/f.xml").c_str());
-    EXPECT_TRUE(fs::is_directory(d / "a/b/c"));
-    EXPECT_FALSE(fs::exists(d / "a/b/c/f.xml"));
-    for (ArrCADENA *p : {&a, &b, &vacio})
-        arr_DestruyeCADENA(p);
 }
 
 // Many short lines and lines longer than any internal block come out unchanged and in order; a

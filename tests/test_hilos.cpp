@@ -4,7 +4,6 @@
 // with every thread reaching for it. Every round must give what the same round gives on one
 // thread alone. Built with ThreadSanitizer this shows any shared state.
 #include "lector_soporte.hpp"
-#include "streaming/lector.hpp"
 
 #include <zarnxml/zarnxml.h>
 
@@ -117,10 +116,9 @@ TEST(Hilos, OchoDocumentosALaVez) {
     // The shared lines: the document of a ninth thread, read by all eight.
     zarnfxml_t *w = zarnfxml_crea_para_escritura_UTF_8();
     escribe(HILOS, w);
-    CADENA texto = zarnfxml_xml_escritura_a_char(w, CIERTO);
+    ArrCADENA compartidas =
+        cad_obten_lista_lineas(toma(zarnfxml_xml_escritura_a_char(w, CIERTO)).c_str());
     zarnfxml_destruye_xml_escritura(&w);
-    ArrCADENA compartidas = cad_obten_lista_lineas(texto);
-    zarn::libera(texto);
 
     // What each round gives on this thread alone, before the threads.
     std::vector<std::string> solo;

@@ -20,7 +20,7 @@ template <typename X> V pide(const X &xml, std::initializer_list<uint32_t> indic
     return r;
 }
 
-TEST(Fuente, LineasYLuegoElFinalSoloLaPrimeraVezYErroresInternos) {
+TEST(Fuente, LineasFinalErroresInternosUtf16EntidadesYCortes) {
     Lineas l{};
     EXPECT_EQ(pide(i_crea_para_lectura_de_lineas(l.a, FALSO), {0, 0, 1}), V({"$", "", "$"}));
     DirTemporal dir;
@@ -35,10 +35,20 @@ TEST(Fuente, LineasYLuegoElFinalSoloLaPrimeraVezYErroresInternos) {
     zarnfxml_t *escritor = zarnfxml_crea_para_escritura_UTF_8();
     EXPECT_EQ(COND(zarnfxml_destruye_xml_lectura(&escritor)), "es_xml_lectura == CIERTO");
     zarnfxml_destruye_xml_escritura(&escritor);
-}
 
-TEST(Fuente, LasLineasDeUnFicheroSeCortanComoEnElServicioDeLineas) {
-    DirTemporal dir;
+    // A UTF-16 file comes as UTF-8 lines.
+    escribe_fichero(dir / "w.xml", "\xFF\xFE" + utf16_bytes(u"<a>\u00e9\u20ac</a>\r\n<b/>"));
+    auto xml = i_crea_para_lectura_de_fichero_u(dir.u("w.xml").c_str(), FALSO);
+    EXPECT_EQ(xml->fuente.fichero_ancho, CIERTO);
+    EXPECT_EQ(piezas_de(xml.get()), V({"2:0:a", "4:1:'\u00e9\u20ac'", "5:0:/a", "3:0:b", "6:-:"}));
+    // The public reader over the 8-bit path, which is UTF-8, of a name outside ASCII.
+    std::filesystem::rename(dir / "w.xml", dir / "\u00f1\u20ac.xml");
+    zarnfxml_t *r =
+        zarnfxml_crea_para_lectura_de_fichero((dir.ruta.string() + "/\u00f1\u20ac.xml").c_str());
+    EXPECT_EQ(toma(zarnfxml_lee_cadena(r, "a")), "\u00e9\u20ac");
+    zarnfxml_destruye_xml_lectura(&r);
+
+    // The lines of a file are cut as the lines service cuts them.
     const std::string largo(ZTXT_MAX_LINEA, 'x');
     std::vector<std::string> casos = {"", "\n", "a", "a\r", "a\r\r\nb\n", "a\n\r\nb\r\n"};
     for (const char *tras : {"", "\nz", "\r\nz", "\rz", "y\n"}) // around the longest line
@@ -60,23 +70,8 @@ TEST(Fuente, LasLineasDeUnFicheroSeCortanComoEnElServicioDeLineas) {
                   lineas_ztxt(dir / "f"))
             << "case " << i;
     }
-}
 
-TEST(Fuente, UnFicheroUtf16LlegaComoLineasUtf8) {
-    DirTemporal dir;
-    escribe_fichero(dir / "w.xml", "\xFF\xFE" + utf16_bytes(u"<a>\u00e9\u20ac</a>\r\n<b/>"));
-    auto xml = i_crea_para_lectura_de_fichero_u(dir.u("w.xml").c_str(), FALSO);
-    EXPECT_EQ(xml->fuente.fichero_ancho, CIERTO);
-    EXPECT_EQ(piezas_de(xml.get()), V({"2:0:a", "4:1:'\u00e9\u20ac'", "5:0:/a", "3:0:b", "6:-:"}));
-    // The public reader over the 8-bit path, which is UTF-8, of a name outside ASCII.
-    std::filesystem::rename(dir / "w.xml", dir / "\u00f1\u20ac.xml");
-    zarnfxml_t *r =
-        zarnfxml_crea_para_lectura_de_fichero((dir.ruta.string() + "/\u00f1\u20ac.xml").c_str());
-    EXPECT_EQ(toma(zarnfxml_lee_cadena(r, "a")), "\u00e9\u20ac");
-    zarnfxml_destruye_xml_lectura(&r);
-}
-
-TEST(Fuente, DecodificaConLasTresEntidadesSoloFueraDeIso) {
+    // The three entities are decoded only outside ISO-8859-1.
     EXPECT_EQ(i_decodifica_cadena("&amp;lt; &lt;&gt;&amp; &#34;&quot; & &l", 1),
               u"&lt; <>& &#34;&quot; & &l");
     EXPECT_EQ(i_decodifica_cadena("a &amp; b", 3), u"a & b");
@@ -101,24 +96,20 @@ static std::string trozos(const std::string &texto, bool literal = false) {
 
 // data/piezas/<name>.xml: a text, and in <name>.piezas its pieces joined by " | " (see the
 // folder's README for what each group of cases shows).
-TEST(Piezas, ElDialectoPiezaAPieza) {
+TEST(Piezas, ElDialectoLaPilaTrasUnErrorYPiezasDevueltas) {
     const auto todos = casos("piezas", ".piezas");
     EXPECT_GE(todos.size(), 55u);
     for (const auto &[ruta, esperado] : todos)
         EXPECT_EQ(trozos(lee_fichero(ruta), ruta.filename().string().starts_with("literal")),
                   esperado)
             << ruta.filename();
-}
 
-// After an error the tag of a start tag that failed stays on the stack.
-TEST(Piezas, TrasUnErrorLaEtiquetaQuedaEnLaPila) {
-    Lineas l{"<a><b c>"};
-    auto xml = i_crea_para_lectura_de_lineas(l.a, FALSO);
-    piezas_de(xml.get());
-    EXPECT_EQ(xml->etiquetas_abiertas, V({"a", "b"}));
-}
-
-TEST(Piezas, PiezasDevueltasVuelvenEnSuOrden) {
+    // After an error the tag of a start tag that failed stays on the stack; pieces given back come
+    // again in their order.
+    Lineas mal{"<a><b c>"};
+    auto roto = i_crea_para_lectura_de_lineas(mal.a, FALSO);
+    piezas_de(roto.get());
+    EXPECT_EQ(roto->etiquetas_abiertas, V({"a", "b"}));
     Lineas l{"<a>x</a>"};
     auto xml = i_crea_para_lectura_de_lineas(l.a, FALSO);
     i_lee_pieza(xml.get());
@@ -127,9 +118,6 @@ TEST(Piezas, PiezasDevueltasVuelvenEnSuOrden) {
     i_devuelve_pieza(xml.get());
     i_devuelve_pieza(xml.get());
     EXPECT_EQ(piezas_de(xml.get()), V({"2:0:a", "4:1:'x'", "5:0:/a", "6:-:"}));
-}
-
-TEST(Piezas, MensajeDeError) {
     EXPECT_EQ(i_mensaje_error(nullptr, nullptr, nullptr, 0, 19), "Ln 1, Col 20");
     EXPECT_EQ(i_mensaje_error("T", nullptr, "d2", 4294967294u, 1), "Ln 4294967295, Col 2: T (d2)");
 }

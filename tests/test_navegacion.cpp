@@ -66,17 +66,15 @@ TEST(Navegacion, SaltoDesdeCualquierSitioDelBloque) {
               "6:-:Ln 1, Col 13: The end tag does not match the initial tag (b) (a)");
 }
 
-TEST(Navegacion, PasoGenerico) {
+TEST(Navegacion, PasoGenericoYMirarAdelante) {
     LectorLineas r({"<a><b/><?p q?><c>1</c></a>"});
     V pasos;
     const char *etiqueta = nullptr;
     uint32_t tipo = 9, nivel = 9;
     CADENA dato = nullptr;
-    while (zarnfxml_lee_siguiente(r, &etiqueta, &tipo, &dato, &nivel)) {
+    while (zarnfxml_lee_siguiente(r, &etiqueta, &tipo, &dato, &nivel))
         pasos.push_back(std::string(etiqueta) + " " + std::to_string(tipo) + " " +
-                        (dato ? "'" + std::string(dato) + "'" : "-") + " " + std::to_string(nivel));
-        zarn::libera(dato);
-    }
+                        (dato ? "'" + toma(dato) + "'" : "-") + " " + std::to_string(nivel));
     EXPECT_EQ(pasos, (V{"a 0 - 1", "b 1 '' 4294967295", "c 1 '1' 4294967295", "a 2 - 4294967295"}));
     EXPECT_FALSE(zarnfxml_lee_siguiente(r, nullptr, nullptr, nullptr, nullptr));
 
@@ -84,30 +82,28 @@ TEST(Navegacion, PasoGenerico) {
     ASSERT_TRUE(zarnfxml_lee_siguiente(s, nullptr, nullptr, nullptr, &nivel));
     zarnfxml_salta_hasta_fin_bloque(s, nivel);
     EXPECT_EQ(s.registro(), "3:0:/a");
-}
 
-TEST(Navegacion, MirarAdelante) {
-    LectorLineas r({R"(<?xml version="1.0" encoding="UTF-8"?>)", "<?p x?>", "<A><b/>", "<c>1</c>",
+    // The look-ahead around declarations and definitions.
+    LectorLineas m({R"(<?xml version="1.0" encoding="UTF-8"?>)", "<?p x?>", "<A><b/>", "<c>1</c>",
                     "<?q?><d>2</d>", "</A>"});
     CADENA t = nullptr;
-    EXPECT_FALSE(zarnfxml_etiqueta_siguiente_es_inicio_bloque(r, nullptr)); // <?p x?> is next
-    EXPECT_FALSE(zarnfxml_se_lee_definicion_comentario(r, &t));             // the declaration is
-    EXPECT_EQ(r.in()->num_pendientes(), 2u);
-    zarnfxml_lee_definicion_comentario(r, &t);
-    EXPECT_STREQ(t, "p x");
-    zarn::libera(t);
-    EXPECT_TRUE(zarnfxml_etiqueta_siguiente_es_inicio_bloque(r, "a"));
-    EXPECT_TRUE(zarnfxml_se_lee_inicio_bloque_desconocido(r, nullptr));
-    zarnfxml_lee_inicio_bloque(r, "B");
-    EXPECT_FALSE(zarnfxml_etiqueta_siguiente_es_inicio_bloque(r, nullptr)); // inside <b/>
-    zarnfxml_lee_fin_bloque(r);
-    EXPECT_EQ(zarnfxml_lee_long(r, "c"), 1);
-    EXPECT_FALSE(zarnfxml_etiqueta_siguiente_es_inicio_bloque(r, "d"));
-    EXPECT_TRUE(zarnfxml_se_lee_definicion_comentario(r, nullptr));
-    EXPECT_EQ(zarnfxml_lee_long_opcional(r, "d", -1), 2);
-    zarnfxml_lee_fin_bloque_con_comprobacion(r, "a");
+    EXPECT_FALSE(zarnfxml_etiqueta_siguiente_es_inicio_bloque(m, nullptr)); // <?p x?> is next
+    EXPECT_FALSE(zarnfxml_se_lee_definicion_comentario(m, &t));             // the declaration is
+    EXPECT_EQ(m.in()->num_pendientes(), 2u);
+    zarnfxml_lee_definicion_comentario(m, &t);
+    EXPECT_EQ(toma(t), "p x");
+    EXPECT_TRUE(zarnfxml_etiqueta_siguiente_es_inicio_bloque(m, "a"));
+    EXPECT_TRUE(zarnfxml_se_lee_inicio_bloque_desconocido(m, nullptr));
+    zarnfxml_lee_inicio_bloque(m, "B");
+    EXPECT_FALSE(zarnfxml_etiqueta_siguiente_es_inicio_bloque(m, nullptr)); // inside <b/>
+    zarnfxml_lee_fin_bloque(m);
+    EXPECT_EQ(zarnfxml_lee_long(m, "c"), 1);
+    EXPECT_FALSE(zarnfxml_etiqueta_siguiente_es_inicio_bloque(m, "d"));
+    EXPECT_TRUE(zarnfxml_se_lee_definicion_comentario(m, nullptr));
+    EXPECT_EQ(zarnfxml_lee_long_opcional(m, "d", -1), 2);
+    zarnfxml_lee_fin_bloque_con_comprobacion(m, "a");
     for (int i = 0; i < 2; ++i)
-        EXPECT_FALSE(zarnfxml_etiqueta_siguiente_es_inicio_bloque(r, nullptr));
+        EXPECT_FALSE(zarnfxml_etiqueta_siguiente_es_inicio_bloque(m, nullptr));
     LectorLineas mal({"<r><a>1</a><b x></b></r>"});
     zarnfxml_lee_inicio_bloque(mal, "r");
     EXPECT_EQ(zarnfxml_lee_long(mal, "a"), 1);
@@ -124,9 +120,7 @@ TEST(Navegacion, PropiedadesYLecturaEnBruto) {
     EXPECT_TRUE(zarnfxml_existe_propiedad_inicio_bloque_igual(r, "y", "dOS 😀"));
     EXPECT_FALSE(zarnfxml_existe_propiedad_inicio_bloque(r, "z", nullptr));
     EXPECT_EQ(zarnfxml_get_double_propiedad_inicio_bloque(r, "X"), 1.0); // the first of two
-    CADENA c = zarnfxml_get_indice_propiedad_inicio_bloque(r, 2);
-    EXPECT_STREQ(c, "3");
-    zarn::libera(c);
+    EXPECT_EQ(toma(zarnfxml_get_indice_propiedad_inicio_bloque(r, 2)), "3");
 
     const auto en_bruto = [](std::initializer_list<std::string> lineas) {
         LectorLineas b(lineas);

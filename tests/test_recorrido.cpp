@@ -89,7 +89,7 @@ Registro recorre(const std::string &doc, std::set<std::string> podar = {}) {
 using Llamadas = std::vector<std::string>;
 
 // data/recorrido/llamadas.txt: the calls of the walk over texts, one a line.
-TEST(Recorrido, LlamadasDeReferencia) {
+TEST(Recorrido, LlamadasFormaDeFicheroYTextoDeEtiquetaConPropiedades) {
     for (const auto &f : tabla("recorrido/llamadas.txt")) {
         std::istringstream podar(f[0]);
         EXPECT_EQ(recorre(f[1], {std::istream_iterator<std::string>(podar), {}}).llamadas,
@@ -98,27 +98,21 @@ TEST(Recorrido, LlamadasDeReferencia) {
     }
     // A datum beside child elements ends in the default error, which has no condition text.
     EXPECT_EQ(COND(recorre("<a>x<b/></a>")), "");
-}
 
-TEST(Recorrido, LaFormaDeFicheroDaTextosDeOchoBitsYLaRuta) {
-    DirTemporal dir;
-    escribe_fichero(dir / "r.xml", dato("recorrido/fichero.xml"));
+    // The file form: 8-bit texts and the path of tags.
+    const std::u16string ruta =
+        (std::filesystem::path(ZARNXML_TEST_DATA) / "recorrido/fichero.xml").u16string();
     Registro r;
-    zarnfxml_nousar_recorre_en_forma_de_arbol(dir.u("r.xml").c_str(), proceso_fichero, &r, nullptr,
-                                              &inicial);
+    zarnfxml_nousar_recorre_en_forma_de_arbol(ruta.c_str(), proceso_fichero, &r, nullptr, &inicial);
     EXPECT_EQ(r.llamadas,
               (Llamadas{"||a|p=\xe2\x82\xac|#|inicial", "a|a-p=\xe2\x82\xac|b||Jos\xc3\xa9 & co|a",
                         "a|a-p=\xe2\x82\xac|c|||a", "a|a-p=\xe2\x82\xac|d||#|a", "d|d|e||1|d"}));
     EXPECT_EQ(r.rutas, (Llamadas{"a", "a/b", "a/c", "a/d", "a/d/e"}));
-}
 
-TEST(Recorrido, TextoDeEtiquetaConPropiedades) {
+    // The parent with its properties as the walk tells it.
     ArrCADENA textos = arr_CreaCADENA(0), datos = arr_CreaCADENA(0);
     const auto texto = [&] {
-        CADENA t = zarnfxml_texto_etiqueta_con_propiedades("a", textos, datos);
-        std::string s = t;
-        zarn::libera(t);
-        return s;
+        return toma(zarnfxml_texto_etiqueta_con_propiedades("a", textos, datos));
     };
     EXPECT_EQ(texto(), "a");
     arr_AppendCADENA(textos, "x"), arr_AppendCADENA(datos, "1");
