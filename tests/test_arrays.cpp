@@ -14,13 +14,6 @@
 
 namespace {
 
-std::vector<std::string> textos(ArrCADENA arr) {
-    std::vector<std::string> r;
-    for (uint32_t i = 0; i < arr_NumElemsCADENA(arr); ++i)
-        r.emplace_back(arr_GetCADENA(arr, i));
-    return r;
-}
-
 void *entero(int v) {
     return new (std::malloc(sizeof(int))) int(v);
 }
@@ -54,7 +47,8 @@ TEST(ArrCadena, CopiasYOriginalesYArraysDeValores) {
     arr_SetCADENAOriginal(arr, 0, &cero);
     EXPECT_EQ(tres, nullptr);
     EXPECT_EQ(cero, nullptr);
-    EXPECT_EQ(textos(arr), (std::vector<std::string>{"cero", "dos", "tres"}));
+    EXPECT_EQ(std::vector<std::string>(arr->v.begin(), arr->v.end()),
+              (std::vector<std::string>{"cero", "dos", "tres"}));
 
     CADENA copia = arr_GetCopiaCADENA(arr, 1);
     EXPECT_NE(copia, arr_GetCADENA(arr, 1));
@@ -69,8 +63,7 @@ TEST(ArrCadena, CopiasYOriginalesYArraysDeValores) {
     EXPECT_EQ(COND(arr_AppendCADENAOriginal(arr, &nula)), "(*valor) != NULL");
     EXPECT_EQ(COND(arr_NumElemsCADENA(nullptr)), "(arr) != NULL");
     EXPECT_EQ(COND(apunorde_nousar_numelems(nullptr)), "(arr) != NULL");
-    EXPECT_EQ(textos(arr), std::vector<std::string>{"dos"});
-    arr_DestruyeCADENA(&arr);
+    EXPECT_EQ(elementos(arr), std::vector<std::string>{"dos"});
 
     ArrCADENA_u anchas = arr_CreaCADENA_u(0);
     arr_AppendCADENA_u(anchas, u"año");
