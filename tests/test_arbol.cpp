@@ -15,9 +15,7 @@ void espera_en_blanco(const zarnxml_nodo_t *raiz) {
 
 TEST(Arbol, FicherosUTF16YDatosLiteralesONormalizados) {
     DirTemporal dir;
-    const std::u16string u16 = u"\uFEFF<a x=\"\u00e9\">\u00fc</a>\n";
-    escribe_fichero(dir / "u16.xml", std::string(reinterpret_cast<const char *>(u16.data()),
-                                                 u16.size() * sizeof(char16_t)));
+    escribe_fichero(dir / "u16.xml", utf16_bytes(u"\uFEFF<a x=\"\u00e9\">\u00fc</a>\n"));
     Arbol a(Fichero{dir / "u16.xml"});
     EXPECT_EQ(u8(zarnxml_get_dato_cadena_u(a)), "\u00fc");
     EXPECT_EQ(u8(zarnxml_propiedad(a, 0)->dato_propiedad), "\u00e9");

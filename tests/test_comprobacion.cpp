@@ -40,11 +40,8 @@ TEST(Comprobacion, CorpusDeDocumentos) {
         }
         const char *r = raiz.empty() ? nullptr : raiz.c_str();
         EXPECT_EQ(comprueba_fichero(ruta, r, literal), esperado) << ruta.filename();
-        ArrCADENA l = zarnfxml_lee_lineas_fichero(ruta.u16string().c_str());
-        CADENA mensaje = nullptr;
-        const bool bien = zarnfxml_es_lineas_xml_correcto(l, r, &mensaje, literal) == CIERTO;
-        EXPECT_EQ(bien ? std::string("ok") : toma(mensaje), esperado) << ruta.filename();
-        arr_DestruyeCADENA(&l);
+        const Lineas l(elementos(zarnfxml_lee_lineas_fichero(ruta.u16string().c_str())));
+        EXPECT_EQ(comprueba_lineas(l, r, literal), esperado) << ruta.filename();
     }
 }
 

@@ -28,19 +28,12 @@ std::string resultado_de(void *p) {
     return p ? *static_cast<std::string *>(p) : "<null>";
 }
 
-template <typename A>
-std::string propiedades(ArrCADENA textos, A datos, std::string (*texto)(A, uint32_t)) {
+template <typename A> std::string propiedades(ArrCADENA textos, A datos) {
     std::string s;
     EXPECT_NE(textos, nullptr);
     for (uint32_t i = 0; i < arr_NumElemsCADENA(textos); ++i)
-        s += (i ? "," : "") + std::string(arr_GetCADENA(textos, i)) + "=" + texto(datos, i);
+        s += (i ? "," : "") + std::string(arr_GetCADENA(textos, i)) + "=" + u8(datos->v[i]);
     return s;
-}
-std::string texto_u(ArrCADENA_u a, uint32_t i) {
-    return zarn::utf16_a_utf8(arr_GetCADENA_u(a, i));
-}
-std::string texto_8(ArrCADENA a, uint32_t i) {
-    return arr_GetCADENA(a, i);
 }
 
 zybool anota(Registro *r, const char *padre, const char *padre_con_propiedades,
@@ -60,8 +53,8 @@ zybool proceso_u(const char *padre, const char *padre_con_propiedades, const cha
     EXPECT_EQ(contexto2, &inicial);
     EXPECT_EQ(hay_dato == CIERTO, dato != nullptr);
     auto *r = static_cast<Registro *>(contexto1);
-    return anota(r, padre, padre_con_propiedades, etiqueta, propiedades(textos, datos, texto_u),
-                 hay_dato, dato ? zarn::utf16_a_utf8(dato) : "", resultado_padre, resultado);
+    return anota(r, padre, padre_con_propiedades, etiqueta, propiedades(textos, datos), hay_dato,
+                 dato ? zarn::utf16_a_utf8(dato) : "", resultado_padre, resultado);
 }
 
 zybool proceso_fichero(ArrCADENA ruta, const char *padre, const char *padre_con_propiedades,
@@ -73,8 +66,8 @@ zybool proceso_fichero(ArrCADENA ruta, const char *padre, const char *padre_con_
     for (uint32_t i = 0; i < arr_NumElemsCADENA(ruta); ++i)
         s += (i ? "/" : "") + std::string(arr_GetCADENA(ruta, i));
     r->rutas.push_back(s);
-    return anota(r, padre, padre_con_propiedades, etiqueta, propiedades(textos, datos, texto_8),
-                 hay_dato, dato ? dato : "", resultado_padre, resultado);
+    return anota(r, padre, padre_con_propiedades, etiqueta, propiedades(textos, datos), hay_dato,
+                 dato ? dato : "", resultado_padre, resultado);
 }
 
 Registro recorre(const std::string &doc, std::set<std::string> podar = {}) {
