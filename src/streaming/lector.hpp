@@ -361,6 +361,13 @@ bool i_recorre_registros(i_xml_lectura *xml, zybool admite_campo_vacio, F &&f, C
     }
 }
 
+// Passes the lines ahead that hold only whole tags and one-line fields, as the check would read
+// them, keeping only the stack of open tags and the position: for a check past its first block,
+// between records. Does nothing but for a file source, with no piece read ahead, at the end of a
+// line. A start tag that ends the last line passed comes back as the next piece (without its
+// properties). The first line that is not plain is left whole to the pieces.
+void i_pasa_lineas_llanas(i_xml_lectura *xml);
+
 // The check: the document is good and, when etiqueta_raiz has text, its first block bears that
 // tag (case ignored). On a fault gives FALSO and, if mensaje_error is given, a new message there.
 bool i_es_xml_correcto(i_xml_lectura *xml, const char *etiqueta_raiz, CADENA *mensaje_error);
