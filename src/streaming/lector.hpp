@@ -256,6 +256,12 @@ std::unique_ptr<i_xml_lectura> i_crea_para_lectura_de_fichero_u(const char16_t *
 std::unique_ptr<i_xml_lectura> i_crea_para_lectura_de_lineas(ArrCADENA lineas_xml,
                                                              zybool dato_literal);
 
+// The longest line that a file gives before it is cut. The lines of a UTF-16 file are not cut, as
+// when the whole file is read into lines at once.
+inline size_t i_max_linea(const zarnio_fichero_s &fichero) {
+    return fichero.lineas.es_utf16() ? zarn::CortadorLineas::SIN_LIMITE : ZTXT_MAX_LINEA;
+}
+
 // The text of line ind_linea, never null (the empty text past the end). Writes CIERTO to
 // *alcanzado_final_fichero on the first request for an index past the end, FALSO otherwise.
 const char *i_dame_linea(i_fuente_t *fuente, uint32_t ind_linea, zybool *alcanzado_final_fichero);

@@ -14,12 +14,6 @@ namespace {
 
 constexpr const char *LINEA_VACIA = "";
 
-// The longest line that a file gives before it is cut. The lines of a UTF-16 file are not cut, as
-// when the whole file is read into lines at once.
-size_t max_linea(const zarnio_fichero_s &fichero) {
-    return fichero.lineas.es_utf16() ? zarn::CortadorLineas::SIN_LIMITE : ZTXT_MAX_LINEA;
-}
-
 } // namespace
 
 // ---- The reader object -----------------------------------------------------------------------
@@ -81,7 +75,7 @@ const char *i_dame_linea(i_fuente_t *fuente, uint32_t ind_linea, zybool *alcanza
         // A file source delivers lines of at most ZTXT_MAX_LINEA bytes (a UTF-16 file, of any
         // length); a longer one is cut and the rest comes next.
         zarnio_fichero_s &fichero = *fuente->fichero;
-        const char *linea = fichero.lineas.siguiente(fichero, max_linea(fichero));
+        const char *linea = fichero.lineas.siguiente(fichero, i_max_linea(fichero));
         *alcanzado_final_fichero = linea ? FALSO : CIERTO;
         fuente->linea_actual = linea ? linea : LINEA_VACIA;
         break;
@@ -172,7 +166,7 @@ ArrCADENA i_lee_lineas_fichero(const char16_t *nombre_fichero) {
     ZARN_ASSERT_NO_NULL(nombre_fichero, ORIGEN_STREAMING);
     zarn::Fichero fichero = zarn::abre_lineas(nombre_fichero, ORIGEN_STREAMING, __LINE__);
     zarn::ArrPropio<ArrCADENA_s> lineas(i_arr_CreaCADENA(0));
-    while (const char *linea = fichero->lineas.siguiente(*fichero, max_linea(*fichero))) {
+    while (const char *linea = fichero->lineas.siguiente(*fichero, i_max_linea(*fichero))) {
         lineas->v.push_back(nullptr); // the array owns the copy from the moment it is made
         lineas->v.back() = zarn::dup(linea);
     }

@@ -177,18 +177,23 @@ void i_pasa_lineas_llanas(i_xml_lectura *xml) {
     uint32_t lin = xml->ind_linea;
     bool inicio_abierto = false;
     PilaLinea pila_linea(pila);
+    zarnio_fichero_s &fichero = *fuente.fichero;
+    const size_t max = i_max_linea(fichero);
     for (;;) {
-        zybool fin = FALSO;
-        const char *linea = i_dame_linea(&fuente, lin + 1, &fin);
+        const char *linea = fichero.lineas.siguiente(fichero, max);
         ++lin;
-        if (fin) {
-            // The lexer fetches the end itself: a fetch of the line in hand would not report it.
+        if (!linea) {
+            // None in hand: the lexer fetches the end itself, as a fetch of the line in hand
+            // would not report it.
             fuente.ind_linea_actual = 0xFFFFFFFFu;
             break;
         }
         pila_linea.empieza(inicio_abierto);
-        if (!pasa_linea(linea, pila_linea, largas))
+        if (!pasa_linea(linea, pila_linea, largas)) {
+            fuente.linea_actual = linea;
+            fuente.ind_linea_actual = lin;
             break;
+        }
         pila_linea.aplica(pila);
         inicio_abierto = pila_linea.inicio_abierto();
     }
