@@ -17,6 +17,7 @@
 #include <array>
 #include <cstdint>
 #include <memory>
+#include <type_traits>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -335,14 +336,37 @@ bool i_existe_propiedad_con_dato(const i_propiedades_t &propiedades, const char 
 
 // ---- Checks (lector_comprobacion.cpp) -----------------------------------------------------------
 
+// Hands a record on to the receiver of a whole-document read; false stops the read.
+using i_emite_registro_t = bool (*)(void *contexto, i_tipo_registro_t tipo,
+                                    const i_registro_t &registro);
+
+// The fast road of a whole-document read (lector_lineas_llanas.cpp): passes the lines ahead that
+// hold only whole tags and one-line fields below the top level, handing their element records to
+// emite as the record layer would make them (none when emite is null, for the check, which looks
+// at none past its first block). Does nothing but between records, for a file source, with no
+// piece read ahead, at the end of a line. A start tag that ends the last line passed comes back
+// as the next piece; the first line that is not plain is left whole to the pieces. Gives false
+// when emite answered false.
+bool i_pasa_lineas_llanas(i_xml_lectura *xml, zybool admite_campo_vacio, i_emite_registro_t emite,
+                          void *contexto);
+
 // The one loop over the records of a whole document, under the checks, the tree load and the
 // walk. It reads to the end of the document or to its first fault and hands every element record
 // (block start, field, block end) to f(tipo, registro), which answers false to stop, having
 // marked its own fault with i_asigna_error_especial. A datum outside a field has no place in a
 // document: it is the fault "Unexpected word". Gives true for a good document; otherwise false and,
-// when mensaje is given, a new copy of the fault's message there.
+// when mensaje is given, a new copy of the fault's message there. Plain lines take the fast road;
+// without con_registros, f sees none of their records.
 template <typename F>
-bool i_recorre_registros(i_xml_lectura *xml, zybool admite_campo_vacio, F &&f, CADENA *mensaje) {
+bool i_recorre_registros(i_xml_lectura *xml, zybool admite_campo_vacio, F &&f, CADENA *mensaje,
+                         bool con_registros = true) {
+    using Receptor = std::remove_reference_t<F>;
+    const i_emite_registro_t a_f = [](void *contexto, i_tipo_registro_t tipo,
+                                      const i_registro_t &registro) {
+        return static_cast<bool>((*static_cast<Receptor *>(contexto))(tipo, registro));
+    };
+    const i_emite_registro_t emite = con_registros ? a_f : nullptr;
+    void *const contexto = const_cast<void *>(static_cast<const void *>(std::addressof(f)));
     for (;;) {
         const i_tipo_registro_t tipo = i_lee_registro(xml, admite_campo_vacio);
         switch (tipo) {
@@ -350,6 +374,10 @@ bool i_recorre_registros(i_xml_lectura *xml, zybool admite_campo_vacio, F &&f, C
         case i_REGISTRO_CAMPO:
         case i_REGISTRO_FIN_BLOQUE:
             if (!f(tipo, static_cast<const i_registro_t &>(xml->registro)))
+                return !i_hay_error_lectura(xml, mensaje);
+            // Behind a start record the next piece is read ahead, or its end record is due.
+            if (tipo != i_REGISTRO_INICIO_BLOQUE &&
+                !i_pasa_lineas_llanas(xml, admite_campo_vacio, emite, contexto))
                 return !i_hay_error_lectura(xml, mensaje);
             break;
         case i_REGISTRO_DATO:
@@ -366,13 +394,6 @@ bool i_recorre_registros(i_xml_lectura *xml, zybool admite_campo_vacio, F &&f, C
         }
     }
 }
-
-// Passes the lines ahead that hold only whole tags and one-line fields, as the check would read
-// them, keeping only the stack of open tags and the position: for a check past its first block,
-// between records. Does nothing but for a file source, with no piece read ahead, at the end of a
-// line. A start tag that ends the last line passed comes back as the next piece (without its
-// properties). The first line that is not plain is left whole to the pieces.
-void i_pasa_lineas_llanas(i_xml_lectura *xml);
 
 // The check: the document is good and, when etiqueta_raiz has text, its first block bears that
 // tag (case ignored). On a fault gives FALSO and, if mensaje_error is given, a new message there.

@@ -9,12 +9,7 @@ bool i_es_xml_correcto(i_xml_lectura *xml, const char *etiqueta_raiz, CADENA *me
     const bool compara_raiz = i_zarnstr_hay_texto(etiqueta_raiz) != FALSO;
     bool visto_bloque = false;
     const auto raiz = [&](i_tipo_registro_t tipo, const i_registro_t &registro) {
-        if (visto_bloque) {
-            if (tipo != i_REGISTRO_INICIO_BLOQUE)
-                i_pasa_lineas_llanas(xml);
-            return true;
-        }
-        if (tipo != i_REGISTRO_INICIO_BLOQUE)
+        if (tipo != i_REGISTRO_INICIO_BLOQUE || visto_bloque)
             return true;
         visto_bloque = true;
         if (compara_raiz && !zarn::iguales_may_o_min(std::string_view(registro.etiqueta),
@@ -26,7 +21,7 @@ bool i_es_xml_correcto(i_xml_lectura *xml, const char *etiqueta_raiz, CADENA *me
         return true;
     };
     CADENA mensaje = nullptr;
-    if (i_recorre_registros(xml, FALSO, raiz, &mensaje))
+    if (i_recorre_registros(xml, FALSO, raiz, &mensaje, false))
         return true;
     if (mensaje_error)
         *mensaje_error = mensaje;

@@ -1,13 +1,13 @@
-// The check's fast road: the lines of a file that hold only whole tags and one-line fields (the
-// lines that a writer makes) are passed without pieces or records. Such a line is checked as the
-// lexer and the record layer would check it, and all that the reader keeps of it is what they
-// would have kept: the stack of open tags and the position. A line with anything else (a
-// definition, a comment, CDATA, a line-break tag, a byte order mark, a tag or text that goes on
-// to the next line, a text outside a field, a fault) is left whole to the pieces, which read it
-// from its first byte and give the same answer, message, line and column as ever.
+// The fast road of the whole-document reads: the lines of a file that hold only whole tags and
+// one-line fields (the lines that a writer makes) are read without pieces. Such a line is cut and
+// checked as the lexer and the record layer would, and then gives the records that they would
+// give, in the same order and with the same content; the check asks for none. A line with
+// anything else (a definition, a comment, CDATA, a line-break tag, a byte order mark, a tag or
+// text that goes on to the next line, a text outside a field, an element at the top level, a
+// fault) is left whole to the pieces, which read it from its first byte with the state that
+// they would have had there, and give the same answer, message, line and column as ever.
 #include "streaming/escaneo.hpp"
 #include "streaming/lector.hpp"
-
 
 using zarn::ORIGEN_STREAMING;
 
@@ -15,40 +15,78 @@ namespace {
 
 using namespace zarn::escaneo;
 
-// The stack as one line changes it, kept apart until the line is known to be plain: the tags it
-// opens (views into the line) and how many of those open before it it closes.
-class PilaLinea {
+// A piece of a plain line, as views into the line.
+struct PiezaLlana {
+    i_tipo_pieza_t tipo; // a start tag, a self-closed one, a datum or an end tag
+    uint32_t nivel;      // the level that the lexer gives the piece
+    std::string_view texto; // the tag, or the datum's bytes
+    uint32_t primera_propiedad = 0;
+    uint32_t num_propiedades = 0;
+};
+
+struct PropiedadLlana {
+    std::string_view nombre;
+    std::string_view valor;
+};
+
+// One line's pieces and the stack as the line changes it, kept apart until the line is known to
+// be plain: the tags it opens (views into the line) and how many of those open before it it
+// closes. It never closes the outermost tag nor opens one at the top level.
+class LineaLlana {
 public:
-    explicit PilaLinea(const std::vector<std::string> &pila) : pila_(pila) {}
+    explicit LineaLlana(const std::vector<std::string> &pila) : pila_(pila) {}
 
     void empieza(bool inicio_abierto) {
-        n_ = 0;
-        cerradas_ = 0;
+        n_piezas_ = n_propiedades_ = n_ = cerradas_ = 0;
         inicio_abierto_ = inicio_abierto;
     }
-    // Gives false where the line's tags are too many to keep.
-    bool abre(const char *etiqueta, size_t largo) {
-        if (n_ == MAX)
+    size_t num_piezas() const { return n_piezas_; }
+    size_t num_propiedades() const { return n_propiedades_; }
+    const PiezaLlana &pieza(size_t i) const { return piezas_[i]; }
+    const PropiedadLlana &propiedad(size_t i) const { return propiedades_[i]; }
+    // The last piece is a start tag that a text may follow: its field is not finished.
+    bool inicio_abierto() const { return inicio_abierto_; }
+
+    // Each gives false where the line is not plain, or holds more than it can keep.
+    bool propiedad(std::string_view nombre, std::string_view valor) {
+        if (n_propiedades_ == MAX_PROPIEDADES)
             return false;
-        nuevas_[n_] = etiqueta;
-        largos_[n_++] = largo;
-        inicio_abierto_ = true;
+        propiedades_[n_propiedades_++] = {nombre, valor};
+        return true;
+    }
+    bool inicio(std::string_view etiqueta, uint32_t primera_propiedad, bool cerrado) {
+        const size_t nivel = pila_.size() - cerradas_ + n_;
+        if (nivel == 0 || n_piezas_ == MAX_PIEZAS || (!cerrado && n_ == MAX_PIEZAS))
+            return false;
+        piezas_[n_piezas_++] = {cerrado ? i_PIEZA_INICIO_Y_FIN_BLOQUE : i_PIEZA_INICIO_BLOQUE,
+                                static_cast<uint32_t>(nivel), etiqueta, primera_propiedad,
+                                static_cast<uint32_t>(n_propiedades_ - primera_propiedad)};
+        if (!cerrado)
+            nuevas_[n_++] = etiqueta;
+        inicio_abierto_ = !cerrado;
+        return true;
+    }
+    bool dato(std::string_view texto) {
+        if (n_piezas_ == MAX_PIEZAS)
+            return false;
+        piezas_[n_piezas_++] = {i_PIEZA_DATO, static_cast<uint32_t>(pila_.size() - cerradas_ + n_),
+                                texto};
         return true;
     }
     // The end tag at s (behind "</") closes the innermost open tag: gives the byte behind its
     // ">", or null where the lexer would find another tag there, or a fault. The tag on the
     // stack was cut as a name, so equal bytes followed by ">" are the name that the lexer cuts.
-    const char *cierra(const char *s) {
+    const char *fin(const char *s) {
         inicio_abierto_ = false;
         std::string_view abierta;
         if (n_ > 0)
-            abierta = {nuevas_[n_ - 1], largos_[n_ - 1]};
-        else if (cerradas_ < pila_.size())
+            abierta = nuevas_[n_ - 1];
+        else if (cerradas_ + 1 < pila_.size())
             abierta = pila_[pila_.size() - 1 - cerradas_];
         else
             return nullptr;
         // A tag holds no zero byte: the compare stops at the line's terminator at the latest.
-        if (abierta.empty())
+        if (abierta.empty() || n_piezas_ == MAX_PIEZAS)
             return nullptr;
         for (size_t i = 0; i < abierta.size(); ++i)
             if (s[i] != abierta[i])
@@ -59,23 +97,25 @@ public:
             --n_;
         else
             ++cerradas_;
+        piezas_[n_piezas_++] = {i_PIEZA_FIN_BLOQUE,
+                                static_cast<uint32_t>(pila_.size() - cerradas_ + n_), abierta};
         return s + abierta.size() + 1;
     }
-    void cierra_vacia() { inicio_abierto_ = false; }
-    // The last piece is a start tag that a text may follow: its field is not finished.
-    bool inicio_abierto() const { return inicio_abierto_; }
-
     void aplica(std::vector<std::string> &pila) const {
         pila.resize(pila.size() - cerradas_);
         for (size_t i = 0; i < n_; ++i)
-            pila.emplace_back(nuevas_[i], largos_[i]);
+            pila.emplace_back(nuevas_[i]);
     }
 
 private:
-    static constexpr size_t MAX = 8;
+    static constexpr size_t MAX_PIEZAS = 16;
+    static constexpr size_t MAX_PROPIEDADES = 32;
     const std::vector<std::string> &pila_;
-    const char *nuevas_[MAX]; // filled up to n_
-    size_t largos_[MAX];
+    PiezaLlana piezas_[MAX_PIEZAS]; // filled up to n_piezas_
+    PropiedadLlana propiedades_[MAX_PROPIEDADES];
+    std::string_view nuevas_[MAX_PIEZAS];
+    size_t n_piezas_ = 0;
+    size_t n_propiedades_ = 0;
     size_t n_ = 0;
     size_t cerradas_ = 0;
     bool inicio_abierto_ = false;
@@ -91,18 +131,16 @@ const char *tras_nombre(const char *s, const Largas *largas) {
 
 // The properties and the end of a start tag from the byte behind its name. Gives the byte
 // behind the tag, or null where the line is not plain.
-const char *pasa_resto_inicio(const char *s, std::string_view etiqueta, PilaLinea &pila,
+const char *pasa_resto_inicio(const char *s, std::string_view etiqueta, LineaLlana &linea,
                               const Largas *largas) {
+    const auto primera = static_cast<uint32_t>(linea.num_propiedades());
     for (;;) {
         s = tras_blancos_linea(s);
         switch (*s) {
         case '>':
-            return pila.abre(etiqueta.data(), etiqueta.size()) ? s + 1 : nullptr;
+            return linea.inicio(etiqueta, primera, false) ? s + 1 : nullptr;
         case '/':
-            if (s[1] != '>')
-                return nullptr;
-            pila.cierra_vacia();
-            return s + 2;
+            return s[1] == '>' && linea.inicio(etiqueta, primera, true) ? s + 2 : nullptr;
         case '?':
         case '\0':
         case '\xEF': // a byte order mark, which the lexer would skip
@@ -113,6 +151,7 @@ const char *pasa_resto_inicio(const char *s, std::string_view etiqueta, PilaLine
         const char *e = tras_nombre(s, largas);
         if (!e)
             return nullptr;
+        const std::string_view nombre(s, static_cast<size_t>(e - s));
         s = tras_blancos_linea(e);
         if (*s != '=')
             return nullptr;
@@ -124,28 +163,29 @@ const char *pasa_resto_inicio(const char *s, std::string_view etiqueta, PilaLine
             e = busca<C_FIN_VALOR_APOSTROFOS>(s + 1, largas);
         else
             return nullptr;
-        if (*e != comilla)
+        if (*e != comilla || !linea.propiedad(nombre, {s + 1, static_cast<size_t>(e - (s + 1))}))
             return nullptr;
         s = e + 1;
     }
 }
 
-// Whether the line is plain; if so, its tags are in `pila`.
-bool pasa_linea(const char *s, PilaLinea &pila, const Largas *largas) {
+// Whether the line is plain; if so, its pieces and tags are in `linea`.
+bool pasa_linea(const char *s, LineaLlana &linea, const Largas *largas) {
     for (;;) {
         s = tras_blancos_linea(s);
         if (*s == '\0')
             return true;
         if (*s != '<') {
             // A text: only behind a start tag, and only ended on this line by an end tag.
-            if (!pila.inicio_abierto() || static_cast<unsigned char>(*s) == 0xEF)
+            if (!linea.inicio_abierto() || static_cast<unsigned char>(*s) == 0xEF)
                 return false;
-            s = busca<C_FIN_DATO>(s, largas);
-            if (*s != '<' || s[1] != '/')
+            const char *e = busca<C_FIN_DATO>(s, largas);
+            if (*e != '<' || e[1] != '/' || !linea.dato({s, static_cast<size_t>(e - s)}))
                 return false;
+            s = e;
         }
         if (s[1] == '/') {
-            s = pila.cierra(s + 2);
+            s = linea.fin(s + 2);
             if (!s)
                 return false;
             continue;
@@ -155,15 +195,137 @@ bool pasa_linea(const char *s, PilaLinea &pila, const Largas *largas) {
         const char *e = tras_nombre(s + 1, largas);
         if (!e)
             return false;
-        s = pasa_resto_inicio(e, {s + 1, static_cast<size_t>(e - (s + 1))}, pila, largas);
+        s = pasa_resto_inicio(e, {s + 1, static_cast<size_t>(e - (s + 1))}, linea, largas);
         if (!s)
             return false;
     }
 }
 
+// Makes the records of the passed lines and hands them on, as the record layer makes them from
+// the same pieces. A start tag that ends a line waits in `espera` (a piece of the reader's ring,
+// outside what it holds) for the next line to say what its record is.
+class Registros {
+public:
+    Registros(i_xml_lectura &xml, bool admite_campo_vacio, i_emite_registro_t receptor,
+              void *contexto, i_pieza_t &espera)
+        : r_(xml.registro), admite_(admite_campo_vacio), emite_(receptor), contexto_(contexto),
+          codificacion_(xml.conf->tipo_codificacion), espera_(espera) {}
+
+    // The records of one passed line. Gives false when the receiver answers false.
+    bool de_linea(const LineaLlana &linea, bool hay_espera) {
+        size_t i = 0;
+        const size_t n = linea.num_piezas();
+        if (hay_espera && n == 0)
+            return true; // a blank line: the start tag waits on
+        if (hay_espera) {
+            const PiezaLlana *siguiente = n > 0 ? &linea.pieza(0) : nullptr;
+            if (siguiente && siguiente->tipo == i_PIEZA_DATO) {
+                campo_de_espera(&siguiente->texto);
+                i = 2;
+            } else if (siguiente && siguiente->tipo == i_PIEZA_FIN_BLOQUE && admite_) {
+                campo_de_espera(nullptr);
+                i = 1;
+            } else {
+                r_.reinicia(i_REGISTRO_INICIO_BLOQUE, espera_.nivel_etiquetado);
+                r_.etiqueta.assign(espera_.etiqueta);
+                r_.propiedades.intercambia(espera_.propiedades);
+                espera_.propiedades.clear();
+            }
+            if (!emite())
+                return false;
+        }
+        for (; i < n; ++i) {
+            const PiezaLlana &p = linea.pieza(i);
+            const PiezaLlana *siguiente = i + 1 < n ? &linea.pieza(i + 1) : nullptr;
+            switch (p.tipo) {
+            case i_PIEZA_INICIO_BLOQUE:
+                if (!siguiente) {
+                    guarda_espera(linea, p);
+                    continue;
+                }
+                if (siguiente->tipo == i_PIEZA_DATO) {
+                    de_pieza(i_REGISTRO_CAMPO, linea, p);
+                    dato(&siguiente->texto);
+                    i += 2;
+                } else if (siguiente->tipo == i_PIEZA_FIN_BLOQUE && admite_) {
+                    de_pieza(i_REGISTRO_CAMPO, linea, p);
+                    ++i;
+                } else {
+                    de_pieza(i_REGISTRO_INICIO_BLOQUE, linea, p);
+                }
+                break;
+            case i_PIEZA_INICIO_Y_FIN_BLOQUE:
+                de_pieza(admite_ ? i_REGISTRO_CAMPO : i_REGISTRO_INICIO_BLOQUE, linea, p);
+                if (!admite_) {
+                    if (!emite())
+                        return false;
+                    r_.reinicia(i_REGISTRO_FIN_BLOQUE, p.nivel);
+                    r_.etiqueta.assign(p.texto);
+                }
+                break;
+            case i_PIEZA_FIN_BLOQUE:
+                r_.reinicia(i_REGISTRO_FIN_BLOQUE, p.nivel);
+                r_.etiqueta.assign(p.texto);
+                break;
+            default:
+                ZARN_DEFAULT_ERROR(ORIGEN_STREAMING);
+            }
+            if (!emite())
+                return false;
+        }
+        return true;
+    }
+
+private:
+    bool emite() { return emite_(contexto_, r_.tipo_registro, r_); }
+    void de_pieza(i_tipo_registro_t tipo, const LineaLlana &linea, const PiezaLlana &p) {
+        r_.reinicia(tipo, p.nivel);
+        r_.etiqueta.assign(p.texto);
+        for (uint32_t k = 0; k < p.num_propiedades; ++k) {
+            const PropiedadLlana &q = linea.propiedad(p.primera_propiedad + k);
+            i_propiedad_lectura_t &destino = r_.propiedades.nueva();
+            destino.texto_propiedad.assign(q.nombre);
+            destino.dato_propiedad.bruto().assign(q.valor);
+            destino.dato_propiedad.fija_codificacion(codificacion_);
+        }
+    }
+    void dato(const std::string_view *texto) {
+        if (!texto)
+            return;
+        r_.dato.bruto().assign(*texto);
+        r_.dato.fija_codificacion(codificacion_);
+    }
+    void campo_de_espera(const std::string_view *texto) {
+        r_.reinicia(i_REGISTRO_CAMPO, espera_.nivel_etiquetado);
+        r_.etiqueta.assign(espera_.etiqueta);
+        r_.propiedades.intercambia(espera_.propiedades);
+        espera_.propiedades.clear();
+        dato(texto);
+    }
+    void guarda_espera(const LineaLlana &linea, const PiezaLlana &p) {
+        espera_.reinicia(i_PIEZA_INICIO_BLOQUE, p.nivel);
+        espera_.etiqueta.assign(p.texto);
+        for (uint32_t k = 0; k < p.num_propiedades; ++k) {
+            const PropiedadLlana &q = linea.propiedad(p.primera_propiedad + k);
+            i_propiedad_lectura_t &destino = espera_.propiedades.nueva();
+            destino.texto_propiedad.assign(q.nombre);
+            destino.dato_propiedad.bruto().assign(q.valor);
+            destino.dato_propiedad.fija_codificacion(codificacion_);
+        }
+    }
+
+    i_registro_t &r_;
+    const bool admite_;
+    const i_emite_registro_t emite_;
+    void *const contexto_;
+    const int32_t codificacion_;
+    i_pieza_t &espera_;
+};
+
 } // namespace
 
-void i_pasa_lineas_llanas(i_xml_lectura *xml) {
+bool i_pasa_lineas_llanas(i_xml_lectura *xml, zybool admite_campo_vacio, i_emite_registro_t emite,
+                          void *contexto) {
     ZARN_ASSERT_NO_NULL(xml, ORIGEN_STREAMING);
     i_fuente_t &fuente = xml->fuente;
     // Only between records, with nothing read ahead, at the end of a line of a file (whose lines
@@ -171,42 +333,62 @@ void i_pasa_lineas_llanas(i_xml_lectura *xml) {
     if (fuente.tipo_fuente != i_FUENTE_FICHERO || xml->num_pendientes() != 0 ||
         xml->error_especial || fuente.ind_linea_actual != xml->ind_linea ||
         fuente.linea_actual[xml->ind_columna] != '\0')
-        return;
+        return true;
     std::vector<std::string> &pila = xml->etiquetas_abiertas;
     const Largas *largas = xml->largas;
-    uint32_t lin = xml->ind_linea;
-    bool inicio_abierto = false;
-    PilaLinea pila_linea(pila);
+    // The slot of the reader's ring where the next piece would go: a start tag that ends the
+    // last passed line waits there, and comes back as the next piece if the lexer takes over.
+    i_pieza_t &espera = xml->piezas[xml->cursor % i_NUM_PIEZAS];
+    Registros registros(*xml, admite_campo_vacio != FALSO, emite, contexto, espera);
+    bool hay_espera = false;
+    bool emitidos = false;
+    bool sigue = true;
+    LineaLlana linea(pila);
     zarnio_fichero_s &fichero = *fuente.fichero;
     const size_t max = i_max_linea(fichero);
+    uint32_t lin = xml->ind_linea;
     for (;;) {
-        const char *linea = fichero.lineas.siguiente(fichero, max);
+        const char *texto = fichero.lineas.siguiente(fichero, max);
         ++lin;
-        if (!linea) {
+        if (!texto) {
             // None in hand: the lexer fetches the end itself, as a fetch of the line in hand
             // would not report it.
             fuente.ind_linea_actual = 0xFFFFFFFFu;
             break;
         }
-        pila_linea.empieza(inicio_abierto);
-        if (!pasa_linea(linea, pila_linea, largas)) {
-            fuente.linea_actual = linea;
+        linea.empieza(hay_espera);
+        if (!pasa_linea(texto, linea, largas)) {
+            fuente.linea_actual = texto;
             fuente.ind_linea_actual = lin;
             break;
         }
-        pila_linea.aplica(pila);
-        inicio_abierto = pila_linea.inicio_abierto();
+        if (emite) {
+            emitidos = emitidos || linea.num_piezas() > 0;
+            if (!registros.de_linea(linea, hay_espera))
+                sigue = false;
+        } else if (linea.inicio_abierto() && linea.num_piezas() > 0) {
+            // The check looks at no record: the waiting start tag needs only its tag and level.
+            const PiezaLlana &p = linea.pieza(linea.num_piezas() - 1);
+            espera.reinicia(i_PIEZA_INICIO_BLOQUE, p.nivel);
+            espera.etiqueta.assign(p.texto);
+        }
+        linea.aplica(pila);
+        hay_espera = linea.inicio_abierto();
+        if (!sigue)
+            break; // the receiver stopped on a fault of its own: nothing more is read
     }
     // The pieces go on from the first byte of the line that was not passed, which is where a
     // skip from the end of the last passed line would have brought them.
     xml->ind_linea = lin;
     xml->ind_columna = 0;
-    if (inicio_abierto) {
-        // The last start tag waits for what follows to make its record: it comes back as the next
-        // piece. Its properties are not kept: the check never looks at them past its first block.
-        i_pieza_t &pieza = xml->piezas[xml->cursor % i_NUM_PIEZAS];
-        pieza.reinicia(i_PIEZA_INICIO_BLOQUE, static_cast<uint32_t>(pila.size() - 1));
-        pieza.etiqueta.assign(pila.back());
+    if (hay_espera && sigue)
         ++xml->producidas;
+    // A self-closed block's piece that is still current would make the record layer give its
+    // end record after a start record made here.
+    if (emitidos) {
+        i_pieza_t *actual = xml->pieza_actual();
+        if (actual && actual->tipo_pieza == i_PIEZA_INICIO_Y_FIN_BLOQUE)
+            actual->tipo_pieza = i_PIEZA_FIN_BLOQUE;
     }
+    return sigue;
 }
