@@ -205,8 +205,12 @@ struct i_fuente_t {
     uint32_t ind_linea_actual = 0xFFFFFFFFu; // its index; the start value means none yet
 };
 
+// The pieces of a plain line that the lexer cut at once (lector_lineas_llanas.cpp).
+struct i_cola_llana;
+
 struct i_xml_lectura : zarnfxml_s {
     i_xml_lectura();
+    ~i_xml_lectura();
     i_xml_lectura(const i_xml_lectura &) = delete;
     i_xml_lectura &operator=(const i_xml_lectura &) = delete;
 
@@ -239,6 +243,8 @@ struct i_xml_lectura : zarnfxml_s {
     }
 
     std::string nombre_auxiliar; // scratch of the lexer for names
+    // The pieces of the line in hand cut at once and not yet handed out (made on first use).
+    std::unique_ptr<i_cola_llana> cola_llana;
     // The lexer's long scans in use (null: the scalar ones), looked up once per reader.
     const zarn::escaneo::Largas *largas = zarn::escaneo::largas();
 };
@@ -280,6 +286,12 @@ void i_aplica_definicion_fichero_xml(const i_pieza_t *pieza, i_conf_t *conf);
 // The next piece: the first of those given back if there is one, otherwise a piece lexed from
 // the source with the encoding that conf has at this moment. It becomes the current piece.
 i_pieza_t &i_lee_pieza(i_xml_lectura *xml);
+// The lexer's fast road (lector_lineas_llanas.cpp). i_corta_linea_llana cuts the line in hand,
+// at whose first byte the lexer stands, into pieces at once if it is plain, and hands out the
+// first; i_entrega_pieza_llana hands out the next of them, as the lexer would make it, while the
+// reader still stands where the last one ended. Each gives false where it hands out nothing.
+bool i_corta_linea_llana(i_xml_lectura *xml, i_pieza_t &pieza);
+bool i_entrega_pieza_llana(i_xml_lectura *xml, i_pieza_t &pieza);
 // Gives back the current piece, so that it comes next and the one before is current again.
 void i_devuelve_pieza(i_xml_lectura *xml);
 // Drops the pieces read ahead (the lexer's stack is the caller's affair).

@@ -18,7 +18,6 @@ constexpr const char *LINEA_VACIA = "";
 
 // ---- The reader object -----------------------------------------------------------------------
 
-i_xml_lectura::i_xml_lectura() : zarnfxml_s(i_clase_objeto::lector), conf(i_crea_conf_UTF_8()) {}
 
 i_xml_lectura *i_lector(zarnfxml_t *xml, uint32_t linea_fuente) {
     if (xml == nullptr) [[unlikely]]

@@ -22,6 +22,7 @@ struct PiezaLlana {
     std::string_view texto; // the tag, or the datum's bytes
     uint32_t primera_propiedad = 0;
     uint32_t num_propiedades = 0;
+    const char *fin = nullptr; // the byte behind the piece, where the lexer stands after it
 };
 
 struct PropiedadLlana {
@@ -31,8 +32,9 @@ struct PropiedadLlana {
 
 // One line's pieces and the stack as the line changes it, kept apart until the line is known to
 // be plain: the tags it opens (views into the line) and how many of those open before it it
-// closes. It never closes the outermost tag nor opens one at the top level.
-class LineaLlana {
+// closes. It never closes the outermost tag nor opens one at the top level. Without PIEZAS (for
+// the check) it keeps only the stack.
+template <bool PIEZAS> class LineaLlana {
 public:
     explicit LineaLlana(const std::vector<std::string> &pila) : pila_(pila) {}
 
@@ -46,31 +48,40 @@ public:
     const PropiedadLlana &propiedad(size_t i) const { return propiedades_[i]; }
     // The last piece is a start tag that a text may follow: its field is not finished.
     bool inicio_abierto() const { return inicio_abierto_; }
+    // The line opens a tag that it does not close.
+    bool abre_alguna() const { return n_ > 0; }
 
     // Each gives false where the line is not plain, or holds more than it can keep.
     bool propiedad(std::string_view nombre, std::string_view valor) {
-        if (n_propiedades_ == MAX_PROPIEDADES)
-            return false;
-        propiedades_[n_propiedades_++] = {nombre, valor};
+        if constexpr (PIEZAS) {
+            if (n_propiedades_ == MAX_PROPIEDADES)
+                return false;
+            propiedades_[n_propiedades_++] = {nombre, valor};
+        }
         return true;
     }
-    bool inicio(std::string_view etiqueta, uint32_t primera_propiedad, bool cerrado) {
+    bool inicio(std::string_view etiqueta, uint32_t primera_propiedad, bool cerrado,
+                const char *fin) {
         const size_t nivel = pila_.size() - cerradas_ + n_;
         if (nivel == 0 || n_piezas_ == MAX_PIEZAS || (!cerrado && n_ == MAX_PIEZAS))
             return false;
-        piezas_[n_piezas_++] = {cerrado ? i_PIEZA_INICIO_Y_FIN_BLOQUE : i_PIEZA_INICIO_BLOQUE,
-                                static_cast<uint32_t>(nivel), etiqueta, primera_propiedad,
-                                static_cast<uint32_t>(n_propiedades_ - primera_propiedad)};
+        if constexpr (PIEZAS)
+            piezas_[n_piezas_++] = {cerrado ? i_PIEZA_INICIO_Y_FIN_BLOQUE : i_PIEZA_INICIO_BLOQUE,
+                                    static_cast<uint32_t>(nivel), etiqueta, primera_propiedad,
+                                    static_cast<uint32_t>(n_propiedades_ - primera_propiedad), fin};
         if (!cerrado)
             nuevas_[n_++] = etiqueta;
         inicio_abierto_ = !cerrado;
         return true;
     }
     bool dato(std::string_view texto) {
-        if (n_piezas_ == MAX_PIEZAS)
-            return false;
-        piezas_[n_piezas_++] = {i_PIEZA_DATO, static_cast<uint32_t>(pila_.size() - cerradas_ + n_),
-                                texto};
+        if constexpr (PIEZAS) {
+            if (n_piezas_ == MAX_PIEZAS)
+                return false;
+            piezas_[n_piezas_++] = {i_PIEZA_DATO,
+                                    static_cast<uint32_t>(pila_.size() - cerradas_ + n_), texto, 0,
+                                    0, texto.data() + texto.size()};
+        }
         return true;
     }
     // The end tag at s (behind "</") closes the innermost open tag: gives the byte behind its
@@ -86,7 +97,7 @@ public:
         else
             return nullptr;
         // A tag holds no zero byte: the compare stops at the line's terminator at the latest.
-        if (abierta.empty() || n_piezas_ == MAX_PIEZAS)
+        if (abierta.empty() || (PIEZAS && n_piezas_ == MAX_PIEZAS))
             return nullptr;
         for (size_t i = 0; i < abierta.size(); ++i)
             if (s[i] != abierta[i])
@@ -97,8 +108,10 @@ public:
             --n_;
         else
             ++cerradas_;
-        piezas_[n_piezas_++] = {i_PIEZA_FIN_BLOQUE,
-                                static_cast<uint32_t>(pila_.size() - cerradas_ + n_), abierta};
+        if constexpr (PIEZAS)
+            piezas_[n_piezas_++] = {i_PIEZA_FIN_BLOQUE,
+                                    static_cast<uint32_t>(pila_.size() - cerradas_ + n_), abierta,
+                                    0, 0, s + abierta.size() + 1};
         return s + abierta.size() + 1;
     }
     void aplica(std::vector<std::string> &pila) const {
@@ -131,16 +144,17 @@ const char *tras_nombre(const char *s, const Largas *largas) {
 
 // The properties and the end of a start tag from the byte behind its name. Gives the byte
 // behind the tag, or null where the line is not plain.
-const char *pasa_resto_inicio(const char *s, std::string_view etiqueta, LineaLlana &linea,
+template <bool PIEZAS>
+const char *pasa_resto_inicio(const char *s, std::string_view etiqueta, LineaLlana<PIEZAS> &linea,
                               const Largas *largas) {
     const auto primera = static_cast<uint32_t>(linea.num_propiedades());
     for (;;) {
         s = tras_blancos_linea(s);
         switch (*s) {
         case '>':
-            return linea.inicio(etiqueta, primera, false) ? s + 1 : nullptr;
+            return linea.inicio(etiqueta, primera, false, s + 1) ? s + 1 : nullptr;
         case '/':
-            return s[1] == '>' && linea.inicio(etiqueta, primera, true) ? s + 2 : nullptr;
+            return s[1] == '>' && linea.inicio(etiqueta, primera, true, s + 2) ? s + 2 : nullptr;
         case '?':
         case '\0':
         case '\xEF': // a byte order mark, which the lexer would skip
@@ -170,7 +184,7 @@ const char *pasa_resto_inicio(const char *s, std::string_view etiqueta, LineaLla
 }
 
 // Whether the line is plain; if so, its pieces and tags are in `linea`.
-bool pasa_linea(const char *s, LineaLlana &linea, const Largas *largas) {
+template <bool PIEZAS> bool pasa_linea(const char *s, LineaLlana<PIEZAS> &linea, const Largas *largas) {
     for (;;) {
         s = tras_blancos_linea(s);
         if (*s == '\0')
@@ -212,7 +226,7 @@ public:
           codificacion_(xml.conf->tipo_codificacion), espera_(espera) {}
 
     // The records of one passed line. Gives false when the receiver answers false.
-    bool de_linea(const LineaLlana &linea, bool hay_espera) {
+    bool de_linea(const LineaLlana<true> &linea, bool hay_espera) {
         size_t i = 0;
         const size_t n = linea.num_piezas();
         if (hay_espera && n == 0)
@@ -278,7 +292,7 @@ public:
 
 private:
     bool emite() { return emite_(contexto_, r_.tipo_registro, r_); }
-    void de_pieza(i_tipo_registro_t tipo, const LineaLlana &linea, const PiezaLlana &p) {
+    void de_pieza(i_tipo_registro_t tipo, const LineaLlana<true> &linea, const PiezaLlana &p) {
         r_.reinicia(tipo, p.nivel);
         r_.etiqueta.assign(p.texto);
         for (uint32_t k = 0; k < p.num_propiedades; ++k) {
@@ -302,7 +316,7 @@ private:
         espera_.propiedades.clear();
         dato(texto);
     }
-    void guarda_espera(const LineaLlana &linea, const PiezaLlana &p) {
+    void guarda_espera(const LineaLlana<true> &linea, const PiezaLlana &p) {
         espera_.reinicia(i_PIEZA_INICIO_BLOQUE, p.nivel);
         espera_.etiqueta.assign(p.texto);
         for (uint32_t k = 0; k < p.num_propiedades; ++k) {
@@ -324,29 +338,22 @@ private:
 
 } // namespace
 
-bool i_pasa_lineas_llanas(i_xml_lectura *xml, zybool admite_campo_vacio, i_emite_registro_t emite,
-                          void *contexto) {
-    ZARN_ASSERT_NO_NULL(xml, ORIGEN_STREAMING);
-    i_fuente_t &fuente = xml->fuente;
-    // Only between records, with nothing read ahead, at the end of a line of a file (whose lines
-    // have the slack of the block scans).
-    if (fuente.tipo_fuente != i_FUENTE_FICHERO || xml->num_pendientes() != 0 ||
-        xml->error_especial || fuente.ind_linea_actual != xml->ind_linea ||
-        fuente.linea_actual[xml->ind_columna] != '\0')
-        return true;
-    std::vector<std::string> &pila = xml->etiquetas_abiertas;
-    const Largas *largas = xml->largas;
-    // The slot of the reader's ring where the next piece would go: a start tag that ends the
-    // last passed line waits there, and comes back as the next piece if the lexer takes over.
-    i_pieza_t &espera = xml->piezas[xml->cursor % i_NUM_PIEZAS];
-    Registros registros(*xml, admite_campo_vacio != FALSO, emite, contexto, espera);
+namespace {
+
+// The lines from the next one on, while they are plain; their records go to `registros` with
+// PIEZAS, nowhere without. Leaves the reader at the first byte of the first line not passed,
+// which is where a skip from the end of the last passed line would have brought it.
+template <bool PIEZAS> bool pasa_lineas(i_xml_lectura &xml, Registros &registros, i_pieza_t &espera) {
+    i_fuente_t &fuente = xml.fuente;
+    std::vector<std::string> &pila = xml.etiquetas_abiertas;
+    const Largas *largas = xml.largas;
     bool hay_espera = false;
     bool emitidos = false;
     bool sigue = true;
-    LineaLlana linea(pila);
+    LineaLlana<PIEZAS> linea(pila);
     zarnio_fichero_s &fichero = *fuente.fichero;
     const size_t max = i_max_linea(fichero);
-    uint32_t lin = xml->ind_linea;
+    uint32_t lin = xml.ind_linea;
     for (;;) {
         const char *texto = fichero.lineas.siguiente(fichero, max);
         ++lin;
@@ -362,33 +369,147 @@ bool i_pasa_lineas_llanas(i_xml_lectura *xml, zybool admite_campo_vacio, i_emite
             fuente.ind_linea_actual = lin;
             break;
         }
-        if (emite) {
+        if constexpr (PIEZAS) {
             emitidos = emitidos || linea.num_piezas() > 0;
-            if (!registros.de_linea(linea, hay_espera))
-                sigue = false;
-        } else if (linea.inicio_abierto() && linea.num_piezas() > 0) {
-            // The check looks at no record: the waiting start tag needs only its tag and level.
-            const PiezaLlana &p = linea.pieza(linea.num_piezas() - 1);
-            espera.reinicia(i_PIEZA_INICIO_BLOQUE, p.nivel);
-            espera.etiqueta.assign(p.texto);
+            sigue = registros.de_linea(linea, hay_espera);
         }
         linea.aplica(pila);
+        if constexpr (!PIEZAS) {
+            if (linea.inicio_abierto() && linea.abre_alguna()) {
+                // The check looks at no record: a waiting start tag needs only its tag and level.
+                espera.reinicia(i_PIEZA_INICIO_BLOQUE, static_cast<uint32_t>(pila.size() - 1));
+                espera.etiqueta.assign(pila.back());
+            }
+        }
         hay_espera = linea.inicio_abierto();
         if (!sigue)
             break; // the receiver stopped on a fault of its own: nothing more is read
     }
-    // The pieces go on from the first byte of the line that was not passed, which is where a
-    // skip from the end of the last passed line would have brought them.
-    xml->ind_linea = lin;
-    xml->ind_columna = 0;
+    xml.ind_linea = lin;
+    xml.ind_columna = 0;
     if (hay_espera && sigue)
-        ++xml->producidas;
+        ++xml.producidas;
     // A self-closed block's piece that is still current would make the record layer give its
     // end record after a start record made here.
     if (emitidos) {
-        i_pieza_t *actual = xml->pieza_actual();
+        i_pieza_t *actual = xml.pieza_actual();
         if (actual && actual->tipo_pieza == i_PIEZA_INICIO_Y_FIN_BLOQUE)
             actual->tipo_pieza = i_PIEZA_FIN_BLOQUE;
     }
     return sigue;
+}
+
+} // namespace
+
+bool i_pasa_lineas_llanas(i_xml_lectura *xml, zybool admite_campo_vacio, i_emite_registro_t emite,
+                          void *contexto) {
+    ZARN_ASSERT_NO_NULL(xml, ORIGEN_STREAMING);
+    const i_fuente_t &fuente = xml->fuente;
+    // Only between records, with nothing read ahead, at the end of a line of a file (whose lines
+    // have the slack of the block scans).
+    if (fuente.tipo_fuente != i_FUENTE_FICHERO || xml->num_pendientes() != 0 ||
+        xml->error_especial || fuente.ind_linea_actual != xml->ind_linea ||
+        fuente.linea_actual[xml->ind_columna] != '\0')
+        return true;
+    // The slot of the reader's ring where the next piece would go: a start tag that ends the
+    // last passed line waits there, and comes back as the next piece if the lexer takes over.
+    i_pieza_t &espera = xml->piezas[xml->cursor % i_NUM_PIEZAS];
+    Registros registros(*xml, admite_campo_vacio != FALSO, emite, contexto, espera);
+    return emite ? pasa_lineas<true>(*xml, registros, espera)
+                 : pasa_lineas<false>(*xml, registros, espera);
+}
+
+// ---- The lexer's fast road ----------------------------------------------------------------------
+
+struct i_cola_llana {
+    explicit i_cola_llana(const std::vector<std::string> &pila) : linea(pila) {}
+
+    LineaLlana<true> linea;
+    size_t siguiente = 0;         // the next piece to hand out
+    const char *texto = nullptr;  // the line, which the reader holds as linea_actual
+    uint32_t ind_linea = 0;
+    uint32_t columna = 0;         // where the reader stands when it asks for the next piece
+    size_t profundidad = 0;       // the depth of the stack then
+};
+
+// Here, where the queue's record is whole.
+i_xml_lectura::i_xml_lectura() : zarnfxml_s(i_clase_objeto::lector), conf(i_crea_conf_UTF_8()) {}
+i_xml_lectura::~i_xml_lectura() = default;
+
+namespace {
+
+// The piece as the lexer makes it, and the lexer's stack and position behind it.
+void entrega(i_xml_lectura &xml, i_cola_llana &cola, i_pieza_t &pieza) {
+    const PiezaLlana &p = cola.linea.pieza(cola.siguiente++);
+    const int32_t codificacion = xml.conf->tipo_codificacion;
+    pieza.reinicia(p.tipo, p.nivel);
+    std::vector<std::string> &pila = xml.etiquetas_abiertas;
+    switch (p.tipo) {
+    case i_PIEZA_INICIO_BLOQUE:
+        pila.emplace_back(p.texto);
+        [[fallthrough]];
+    case i_PIEZA_INICIO_Y_FIN_BLOQUE:
+        pieza.etiqueta.assign(p.texto);
+        for (uint32_t k = 0; k < p.num_propiedades; ++k) {
+            const PropiedadLlana &q = cola.linea.propiedad(p.primera_propiedad + k);
+            i_propiedad_lectura_t &destino = pieza.propiedades.nueva();
+            destino.texto_propiedad.assign(q.nombre);
+            destino.dato_propiedad.bruto().assign(q.valor);
+            destino.dato_propiedad.fija_codificacion(codificacion);
+        }
+        break;
+    case i_PIEZA_DATO:
+        pieza.dato.bruto().assign(p.texto);
+        pieza.dato.fija_codificacion(codificacion);
+        break;
+    case i_PIEZA_FIN_BLOQUE:
+        pila.pop_back();
+        pieza.etiqueta.assign(p.texto);
+        break;
+    default:
+        ZARN_DEFAULT_ERROR(ORIGEN_STREAMING);
+    }
+    cola.columna = static_cast<uint32_t>(p.fin - cola.texto);
+    cola.profundidad = pila.size();
+    xml.ind_columna = cola.columna;
+}
+
+} // namespace
+
+bool i_corta_linea_llana(i_xml_lectura *xml, i_pieza_t &pieza) {
+    ZARN_ASSERT_NO_NULL(xml, ORIGEN_STREAMING);
+    const i_fuente_t &fuente = xml->fuente;
+    if (fuente.tipo_fuente != i_FUENTE_FICHERO || xml->ind_columna != 0 ||
+        fuente.ind_linea_actual != xml->ind_linea)
+        return false;
+    if (!xml->cola_llana)
+        xml->cola_llana = std::make_unique<i_cola_llana>(xml->etiquetas_abiertas);
+    i_cola_llana &cola = *xml->cola_llana;
+    cola.siguiente = 0;
+    // A text may open the line: behind a start tag it is a field's; elsewhere the records say so.
+    cola.linea.empieza(true);
+    if (!pasa_linea(fuente.linea_actual, cola.linea, xml->largas) || cola.linea.num_piezas() == 0) {
+        cola.linea.empieza(false);
+        return false;
+    }
+    cola.texto = fuente.linea_actual;
+    cola.ind_linea = xml->ind_linea;
+    entrega(*xml, cola, pieza);
+    return true;
+}
+
+bool i_entrega_pieza_llana(i_xml_lectura *xml, i_pieza_t &pieza) {
+    i_cola_llana *cola = xml->cola_llana.get();
+    if (!cola || cola->siguiente >= cola->linea.num_piezas())
+        return false;
+    // Anything that moved the reader, its line or its stack since the last piece drops the rest.
+    const i_fuente_t &fuente = xml->fuente;
+    if (xml->ind_linea != cola->ind_linea || xml->ind_columna != cola->columna ||
+        fuente.ind_linea_actual != cola->ind_linea || fuente.linea_actual != cola->texto ||
+        xml->etiquetas_abiertas.size() != cola->profundidad) {
+        cola->siguiente = cola->linea.num_piezas();
+        return false;
+    }
+    entrega(*xml, *cola, pieza);
+    return true;
 }

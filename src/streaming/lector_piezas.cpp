@@ -367,6 +367,13 @@ void Lexico::lee_cdata(i_pieza_t &pieza) {
 void Lexico::lee(i_pieza_t &pieza) {
     // The lexer is new for each piece: the line first, then the skip, which fetches it no more.
     dame(lin_);
+    if (byte() == '\0' && !fin_ && x_.fuente.tipo_fuente == i_FUENTE_FICHERO) {
+        // The skip would go on at the next line's first byte: a plain line is cut there at once.
+        linea_siguiente();
+        dame(lin_);
+        if (!fin_ && i_corta_linea_llana(&x_, pieza))
+            return;
+    }
     if (es(byte(), C_SALTABLE) && !(byte() == '<' && pos()[1] != '!'))
         salta_blancos_lento(true, false, nullptr, true);
     const char *s = pos();
@@ -443,7 +450,8 @@ i_pieza_t &i_lee_pieza(i_xml_lectura *xml) {
     ZARN_ASSERT_NO_NULL(xml, ORIGEN_STREAMING);
     i_pieza_t &pieza = xml->piezas[xml->cursor % i_NUM_PIEZAS];
     if (xml->cursor == xml->producidas) {
-        Lexico(*xml, xml->conf->tipo_codificacion).lee(pieza);
+        if (!i_entrega_pieza_llana(xml, pieza))
+            Lexico(*xml, xml->conf->tipo_codificacion).lee(pieza);
         ++xml->producidas;
     }
     ++xml->cursor;
