@@ -520,7 +520,8 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t *datos, size_t tamanyo) {
                        : zarnxml_crea_de_lineas(&lineas.p, "1", "0", &hay_error, &mensaje);
         if (!es_fichero && lineas.p)
             falla("zarnxml_crea_de_lineas left the lines");
-        if (correcto && es_fichero && hay_error == FALSO) { // the plain road against the pieces
+        if (correcto && es_fichero && hay_error == FALSO && // the plain road against the pieces
+            zarnfxml_es_lineas_xml_correcto(lineas.p, nullptr, nullptr, FALSO)) {
             Recorrido piezas;
             zarnfxml_nousar_recorre_en_forma_de_arbol_u(lineas.p, visita_u, &piezas, &inicial,
                                                         &inicial, FALSO);

@@ -45,7 +45,6 @@ public:
     size_t num_piezas() const { return n_piezas_; }
     size_t num_propiedades() const { return n_propiedades_; }
     const PiezaLlana &pieza(size_t i) const { return piezas_[i]; }
-    const PropiedadLlana &propiedad(size_t i) const { return propiedades_[i]; }
     // The last piece is a start tag that a text may follow: its field is not finished.
     bool inicio_abierto() const { return inicio_abierto_; }
     // The line opens a tag that it does not close.
@@ -113,6 +112,17 @@ public:
                                     static_cast<uint32_t>(pila_.size() - cerradas_ + n_), abierta,
                                     0, 0, s + abierta.size() + 1};
         return s + abierta.size() + 1;
+    }
+    // The properties of piece p as the lexer keeps them, with the encoding in force.
+    void copia_propiedades(const PiezaLlana &p, i_propiedades_t &destino,
+                           int32_t codificacion) const {
+        for (uint32_t k = 0; k < p.num_propiedades; ++k) {
+            const PropiedadLlana &q = propiedades_[p.primera_propiedad + k];
+            i_propiedad_lectura_t &d = destino.nueva();
+            d.texto_propiedad.assign(q.nombre);
+            d.dato_propiedad.bruto().assign(q.valor);
+            d.dato_propiedad.fija_codificacion(codificacion);
+        }
     }
     void aplica(std::vector<std::string> &pila) const {
         pila.resize(pila.size() - cerradas_);
@@ -295,13 +305,7 @@ private:
     void de_pieza(i_tipo_registro_t tipo, const LineaLlana<true> &linea, const PiezaLlana &p) {
         r_.reinicia(tipo, p.nivel);
         r_.etiqueta.assign(p.texto);
-        for (uint32_t k = 0; k < p.num_propiedades; ++k) {
-            const PropiedadLlana &q = linea.propiedad(p.primera_propiedad + k);
-            i_propiedad_lectura_t &destino = r_.propiedades.nueva();
-            destino.texto_propiedad.assign(q.nombre);
-            destino.dato_propiedad.bruto().assign(q.valor);
-            destino.dato_propiedad.fija_codificacion(codificacion_);
-        }
+        linea.copia_propiedades(p, r_.propiedades, codificacion_);
     }
     void dato(const std::string_view *texto) {
         if (!texto)
@@ -319,13 +323,7 @@ private:
     void guarda_espera(const LineaLlana<true> &linea, const PiezaLlana &p) {
         espera_.reinicia(i_PIEZA_INICIO_BLOQUE, p.nivel);
         espera_.etiqueta.assign(p.texto);
-        for (uint32_t k = 0; k < p.num_propiedades; ++k) {
-            const PropiedadLlana &q = linea.propiedad(p.primera_propiedad + k);
-            i_propiedad_lectura_t &destino = espera_.propiedades.nueva();
-            destino.texto_propiedad.assign(q.nombre);
-            destino.dato_propiedad.bruto().assign(q.valor);
-            destino.dato_propiedad.fija_codificacion(codificacion_);
-        }
+        linea.copia_propiedades(p, espera_.propiedades, codificacion_);
     }
 
     i_registro_t &r_;
@@ -450,13 +448,7 @@ void entrega(i_xml_lectura &xml, i_cola_llana &cola, i_pieza_t &pieza) {
         [[fallthrough]];
     case i_PIEZA_INICIO_Y_FIN_BLOQUE:
         pieza.etiqueta.assign(p.texto);
-        for (uint32_t k = 0; k < p.num_propiedades; ++k) {
-            const PropiedadLlana &q = cola.linea.propiedad(p.primera_propiedad + k);
-            i_propiedad_lectura_t &destino = pieza.propiedades.nueva();
-            destino.texto_propiedad.assign(q.nombre);
-            destino.dato_propiedad.bruto().assign(q.valor);
-            destino.dato_propiedad.fija_codificacion(codificacion);
-        }
+        cola.linea.copia_propiedades(p, pieza.propiedades, codificacion);
         break;
     case i_PIEZA_DATO:
         pieza.dato.bruto().assign(p.texto);
