@@ -63,7 +63,7 @@ TEST(Robustez, LineaDeSeisMegas) {
 // and longer than a block, UTF-8 and UTF-16.
 TEST(Robustez, UnaTuberiaDaLoMismoQueUnFichero) {
     std::signal(SIGPIPE, SIG_IGN); // a reader that stops early must not end the test
-    std::string largo = "<raiz>\n";
+    std::string largo = "<raiz>\n<bloque_de_nombre_largo>\n";
     for (int i = 0; i < 20000; ++i)
         largo += "\t<e n=\"" + std::to_string(i) + "\">texto</e>\n";
     const std::string utf16 = "\xFF\xFE" + utf16_bytes(zarn::utf8_a_utf16(largo));
@@ -89,7 +89,7 @@ TEST(Robustez, UnaTuberiaDaLoMismoQueUnFichero) {
     DirTemporal dir;
     const fs::path tubo = dir / "tubo";
     ASSERT_EQ(mkfifo(tubo.c_str(), 0600), 0);
-    for (const std::string &doc : {std::string("<a><b>"), largo + "</raiz>\n", largo, utf16}) {
+    for (const std::string &doc : {std::string("<a><b>"), largo + "</bloque_de_nombre_largo>\n</raiz>\n", largo, utf16}) {
         escribe_fichero(dir / "f.xml", doc);
         for (const auto &operacion : operaciones) {
             std::atomic<bool> hecho = false;

@@ -14,18 +14,22 @@ namespace {
 
 using Crea = zarnfxml_t *(*)();
 
-// A writer's output, with its declaration, read back from its lines.
+// A writer's output, with its declaration, read back from a file; from its lines where data are
+// taken literally, which only a reader of lines does.
 struct Documento {
-    ArrCADENA lineas;
+    ArrCADENA lineas = nullptr;
+    DirTemporal dir;
     zarnfxml_t *r;
     Documento(Crea crea, const std::function<void(zarnfxml_t *)> &graba, zybool literal = FALSO) {
         zarnfxml_t *w = crea();
         graba(w);
         CADENA texto = zarnfxml_xml_escritura_a_char(w, CIERTO);
         zarnfxml_destruye_xml_escritura(&w);
-        lineas = zarn::lista_lineas(texto);
+        escribe_fichero(dir.ruta / "d.xml", texto);
+        lineas = literal ? zarn::lista_lineas(texto) : nullptr;
         zarn::libera(texto);
-        r = zarnfxml_crea_para_lectura_de_lineas(lineas, literal);
+        r = literal ? zarnfxml_crea_para_lectura_de_lineas(lineas, literal)
+                    : zarnfxml_crea_para_lectura_de_fichero_u((dir.ruta / "d.xml").u16string().c_str());
     }
     ~Documento() { zarnfxml_destruye_xml_lectura(&r), arr_DestruyeCADENA(&lineas); }
     operator zarnfxml_t *() const { return r; }
@@ -49,14 +53,14 @@ TEST(IdaYVuelta, CadenasEnCadaPerfil) {
             const std::string &valor8 = c[0];
             Documento d(crea, [&](zarnfxml_t *w) {
                 zarnfxml_graba_inicio_bloque(w, "r");
-                zarnfxml_graba_cadena_u(w, "u", valor.c_str());
-                zarnfxml_graba_cadena(w, "c", valor8.c_str());
+                zarnfxml_graba_cadena_u(w, "texto_ancho_con_nombre_largo", valor.c_str());
+                zarnfxml_graba_cadena(w, "texto_8bit_con_nombre_largo", valor8.c_str());
                 zarnfxml_graba_fin_bloque(w);
             });
             zarnfxml_lee_inicio_bloque(d, "r");
-            EXPECT_EQ(toma(zarnfxml_lee_cadena_u(d, "u")), esperado);
+            EXPECT_EQ(toma(zarnfxml_lee_cadena_u(d, "texto_ancho_con_nombre_largo")), esperado);
             // 8-bit text goes out as it comes on ISO-8859-1 and is read back as Latin-1.
-            const std::string c8 = toma(zarnfxml_lee_cadena(d, "c"));
+            const std::string c8 = toma(zarnfxml_lee_cadena(d, "texto_8bit_con_nombre_largo"));
             if (crea != iso ||
                 std::all_of(valor8.begin(), valor8.end(), [](char b) { return b > 0; })) {
                 EXPECT_EQ(c8, utf8(esperado));

@@ -9,6 +9,9 @@
 #include "streaming/escaneo.hpp"
 #include "streaming/lector.hpp"
 
+#include <bit>
+#include <cstring>
+
 using zarn::ORIGEN_STREAMING;
 
 namespace {
@@ -29,6 +32,29 @@ struct PropiedadLlana {
     std::string_view nombre;
     std::string_view valor;
 };
+
+// Whether the line at s begins with the tag. A tag holds no zero byte, so a byte loop stops at the
+// line's terminator at the latest. A short tag is compared as one word where eight bytes can be
+// read at both places: the line's slack allows it at s; `palabra` says whether the tag's storage
+// allows it (a string of that capacity, or the line itself).
+bool iguales(const char *s, std::string_view etiqueta, bool palabra) {
+    const size_t n = etiqueta.size();
+    if constexpr (std::endian::native == std::endian::little) {
+        static_assert(zarn::CortadorLineas::HOLGURA >= 8);
+        if (palabra && n <= 8) {
+            uint64_t a = 0;
+            uint64_t b = 0;
+            std::memcpy(&a, s, 8);
+            std::memcpy(&b, etiqueta.data(), 8);
+            const uint64_t mascara = n == 8 ? ~uint64_t{0} : (uint64_t{1} << (8 * n)) - 1;
+            return ((a ^ b) & mascara) == 0;
+        }
+    }
+    for (size_t i = 0; i < n; ++i)
+        if (s[i] != etiqueta[i])
+            return false;
+    return true;
+}
 
 // One line's pieces and the stack as the line changes it, kept apart until the line is known to
 // be plain: the tags it opens (views into the line) and how many of those open before it it
@@ -89,28 +115,28 @@ public:
     const char *fin(const char *s) {
         inicio_abierto_ = false;
         std::string_view abierta;
-        if (n_ > 0)
+        bool palabra = true; // a tag opened on this line lies in it
+        if (n_ > 0) {
             abierta = nuevas_[n_ - 1];
-        else if (cerradas_ + 1 < pila_.size())
-            abierta = pila_[pila_.size() - 1 - cerradas_];
-        else
+        } else if (cerradas_ + 1 < pila_.size()) {
+            const std::string &t = pila_[pila_.size() - 1 - cerradas_];
+            abierta = t;
+            palabra = t.capacity() >= 8;
+        } else {
             return nullptr;
-        // A tag holds no zero byte: the compare stops at the line's terminator at the latest.
-        if (abierta.empty() || (PIEZAS && n_piezas_ == MAX_PIEZAS))
-            return nullptr;
-        for (size_t i = 0; i < abierta.size(); ++i)
-            if (s[i] != abierta[i])
-                return nullptr;
-        if (s[abierta.size()] != '>')
+        }
+        if (abierta.empty() || (PIEZAS && n_piezas_ == MAX_PIEZAS) ||
+            !iguales(s, abierta, palabra) || s[abierta.size()] != '>')
             return nullptr;
         if (n_ > 0)
             --n_;
         else
             ++cerradas_;
+        // The piece's tag is the line's own bytes: the stack's strings move as it changes.
         if constexpr (PIEZAS)
             piezas_[n_piezas_++] = {i_PIEZA_FIN_BLOQUE,
-                                    static_cast<uint32_t>(pila_.size() - cerradas_ + n_), abierta,
-                                    0, 0, s + abierta.size() + 1};
+                                    static_cast<uint32_t>(pila_.size() - cerradas_ + n_),
+                                    {s, abierta.size()}, 0, 0, s + abierta.size() + 1};
         return s + abierta.size() + 1;
     }
     // The properties of piece p as the lexer keeps them, with the encoding in force.
