@@ -304,7 +304,7 @@ private:
     std::vector<abierto> inicios_;
     // The properties of the element in hand.
     std::vector<zarnxml_propiedad_t> propiedades_;
-    // Names last met, by a hash of their length and end bytes.
+    // Names last met, by a hash of their length and three of their bytes.
     std::array<nombre_visto, 64> nombres_vistos_{};
 };
 

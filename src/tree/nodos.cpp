@@ -197,16 +197,23 @@ i_constructor_arbol::i_constructor_arbol(zarnxml_nodo_t *raiz) : raiz_(raiz) {
 
 const i_constructor_arbol::nombre_visto &i_constructor_arbol::nombre(std::string_view s) {
     // The tags of a document repeat in a few patterns: nearly every name is found here without
-    // hashing it whole.
-    const size_t h = s.empty() ? 0
-                               : (s.size() * 7 + static_cast<unsigned char>(s.front()) * 3 +
-                                  static_cast<unsigned char>(s.back()));
-    nombre_visto &visto = nombres_vistos_[h % nombres_vistos_.size()];
-    if (visto.texto && visto.largo == s.size() && std::memcmp(visto.texto, s.data(), s.size()) == 0)
-        return visto;
-    const uint32_t indice = conf_->nombre(s);
-    visto = {conf_->nombres_por_indice[indice], s.size(), indice};
-    return visto;
+    // hashing it whole. Two names per slot, the last met first, so that two names of a pattern
+    // that share a slot do not push each other out.
+    const auto byte = [&](size_t i) { return static_cast<unsigned char>(s[i]); };
+    const size_t h =
+        s.empty() ? 0 : s.size() * 7 + byte(0) * 3 + byte(s.size() - 1) + byte(s.size() / 2) * 5;
+    nombre_visto *par = &nombres_vistos_[h % (nombres_vistos_.size() / 2) * 2];
+    const auto es = [&](const nombre_visto &v) {
+        return v.texto && v.largo == s.size() && std::memcmp(v.texto, s.data(), s.size()) == 0;
+    };
+    if (es(par[0]))
+        return par[0];
+    if (!es(par[1])) {
+        const uint32_t indice = conf_->nombre(s);
+        par[1] = {conf_->nombres_por_indice[indice], s.size(), indice};
+    }
+    std::swap(par[0], par[1]);
+    return par[0];
 }
 
 char16_t *i_constructor_arbol::texto_tras(size_t antes, const i_dato_t &dato) {
