@@ -23,14 +23,14 @@
 #include <string>
 #include <string_view>
 #include <unordered_map>
-#include <unordered_set>
 #include <vector>
 
 // ---- Arena -----------------------------------------------------------------------------------
 
-// Every piece of memory that holds nodes is aligned to its own size, a power of two, and begins
-// with the tree's record: a node finds that record from its own address and the size of its
-// piece, which it keeps in a few bits, so that it needs no pointer to it.
+// Every piece of memory that holds nodes (the arena's blocks, a node allocated alone) is aligned
+// to its own size, a power of two, and begins with a pointer to the tree's record, in a header of
+// this size: a node finds the record from its own address and the size of its piece, which it
+// keeps in a few bits, so that it needs no pointer of its own.
 inline constexpr size_t i_CABECERA_BLOQUE = 16;
 
 // Bump allocation in blocks; nothing is freed before the whole arena.
