@@ -127,17 +127,17 @@ struct i_cabecera_nodo {
 // datum as wide text widens it into the arena, once, and the node points to the wide text from
 // then on (a tree serves one thread at a time).
 struct zarnxml_nodo_s {
-    const void *contenido;     // children, counts behind; the datum; or the datum's own bytes
-    uint32_t indice_etiqueta;  // in the tree's nombres_por_indice; 0 ("") in a blank node
+    const void *contenido;    // children, counts behind; the datum; or the datum's own bytes
+    uint32_t indice_etiqueta; // in the tree's nombres_por_indice; 0 ("") in a blank node
     uint32_t marcas;
 
     // The log2 of the size of the aligned piece of memory that holds the node.
     static constexpr uint32_t LOG_BLOQUE = 0x3Fu;
-    static constexpr uint32_t INDEPENDIENTE = 1u << 6; // allocated alone, freed alone
+    static constexpr uint32_t INDEPENDIENTE = 1u << 6;          // allocated alone, freed alone
     static constexpr uint32_t DESTRUYE_CONFIGURACION = 1u << 7; // the root: it owns the record
-    static constexpr uint32_t ESTRECHO = 1u << 8; // the datum is kept as its ASCII bytes
-    static constexpr uint32_t EN_NODO = 1u << 9;  // with ESTRECHO: the bytes are in contenido
-    static constexpr uint32_t SIN_DATO = 1u << 10; // a block: no datum, even without children
+    static constexpr uint32_t ESTRECHO = 1u << 8;      // the datum is kept as its ASCII bytes
+    static constexpr uint32_t EN_NODO = 1u << 9;       // with ESTRECHO: the bytes are in contenido
+    static constexpr uint32_t SIN_DATO = 1u << 10;     // a block: no datum, even without children
     static constexpr uint32_t CON_CABECERA = 1u << 11; // counts before contenido
 
     // The tree's record.

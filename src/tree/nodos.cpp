@@ -14,9 +14,10 @@ namespace {
 constexpr const char *ORIGEN = zarn::ORIGEN_ARBOL;
 
 // The arena's blocks grow from 16 KiB to 4 MiB (log2 of the sizes); anything larger than a
-// quarter of a block gets a block of its own. Huge pages (madvise) were measured for the blocks and left out: on
-// the virtual machines measured, a fresh 2 MiB page often cost more to clear than the 4 KiB
-// faults that it saves, and the time of a large load varied by half.
+// quarter of a block gets a block of its own. Huge pages (madvise) were measured for the blocks
+// and left out: on the virtual machines measured, a fresh 2 MiB page often cost more to clear
+// than the 4 KiB faults that it saves, the time of a large load varied by half, and the peak
+// grew by the part of the last pages that the tree never fills.
 constexpr uint32_t LOG_BLOQUE_MAXIMO = 22;
 // Past this many different names, names are copied instead of being kept once.
 constexpr size_t NOMBRES_MAXIMOS = 4096;
@@ -237,8 +238,7 @@ char16_t *i_constructor_arbol::texto_tras(size_t antes, const i_dato_t &dato) {
 }
 
 zarnxml_nodo_s i_constructor_arbol::nodo(std::string_view etiqueta,
-                                         const i_propiedades_t &propiedades,
-                                         const i_dato_t *dato) {
+                                         const i_propiedades_t &propiedades, const i_dato_t *dato) {
     zarnxml_nodo_s n{nullptr, nombre(etiqueta).indice, 0};
     const size_t num = propiedades.size();
     propiedades_.clear();

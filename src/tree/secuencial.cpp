@@ -177,7 +177,8 @@ ZARN_API void zarnxml_lee_inicio_bloque(zarnxml_lectura_t *xml, const char *etiq
     else if (xml->dentro_de_bloque)
         nodo = hijo(xml, etiqueta);
     else
-        nodo = i_etiqueta_igual(xml->nodo_actual->etiqueta(), etiqueta) ? xml->nodo_actual : nullptr;
+        nodo =
+            i_etiqueta_igual(xml->nodo_actual->etiqueta(), etiqueta) ? xml->nodo_actual : nullptr;
     apila_nodo(xml, nodo ? nodo : xml->nodo_vacio, CIERTO);
 }
 ZARN_FRONTERA(ORIGEN)
