@@ -107,7 +107,7 @@ TEST(Arbol, CadaElementoEsUnNodoEnOrden) {
     zarnxml_destruye(&b);
     EXPECT_EQ(b, nullptr);
     EXPECT_EQ(u8(zarnxml_get_dato_cadena_u(zarnxml_nodo_hijo(r, 0))), "1");
-    zarnxml_nodo_t *vacio = i_crea_nodo_vacio(r->configuracion);
+    zarnxml_nodo_t *vacio = i_crea_nodo_vacio(r->configuracion());
     espera_en_blanco(vacio);
     zarnxml_destruye(&vacio);
 }

@@ -15,8 +15,8 @@ constexpr uint32_t ULONG_VACIO = 0xFFFFFFFFu;
 constexpr uint16_t USHORT_VACIO = 0xFFFF;
 
 const zarnxml_configuracion_t *conf_de(const zarnxml_nodo_t *nodo) {
-    ZARN_ASSERT_NO_NULL(nodo->configuracion, ORIGEN);
-    return nodo->configuracion;
+    ZARN_ASSERT_NO_NULL(nodo->configuracion(), ORIGEN);
+    return nodo->configuracion();
 }
 
 // The child that a plain read demands: "existe_nodo == CIERTO" with the tag as message.
@@ -541,8 +541,8 @@ ZARN_API ArrCADENA_u zarnxml_get_ArrCadenaU_hijos(const zarnxml_nodo_t *nodo,
                                                   const char *etiqueta) try {
     ZARN_ASSERT_NO_NULL(nodo, ORIGEN);
     zarn::ArrPropio<ArrCADENA_u_s> datos(i_arr_CreaCADENA_u(0));
-    for (uint32_t i = 0; i < nodo->num_hijos; ++i)
-        if (i_etiqueta_igual(nodo->hijos()[i].etiqueta, etiqueta))
+    for (uint32_t i = 0; i < nodo->num_hijos(); ++i)
+        if (i_etiqueta_igual(nodo->hijos()[i].etiqueta(), etiqueta))
             i_arr_AppendCADENA_u(datos.get(), i_dato(&nodo->hijos()[i]));
     return datos.release();
 }

@@ -4,10 +4,11 @@
 // Memory. A loaded tree is read-only and dies as a whole, so everything that it holds (tags,
 // data, properties and the nodes themselves) lives in one arena owned by the tree's record.
 // Children of a node are one contiguous run of node records; destroying the root frees the
-// arena in one go, whatever the depth. Tags and property names, which repeat, are kept once.
-// Only the root (and the blank nodes that the sequential reader makes) are allocated alone.
-// A node's properties stand in the arena right before what the node points to (its datum or its
-// children), so that a node needs no pointer of its own for them.
+// arena in one go, whatever the depth. Tags and property names, which repeat, are kept once, and
+// a node keeps the index of its tag. Only the root (and the blank nodes that the sequential
+// reader makes) are allocated alone. A node's counts and properties stand in the arena right
+// before what the node points to (its datum or its children), so that a node needs no pointer
+// of its own for them, and a node finds the tree's record from its own address.
 #pragma once
 
 #include "services/arrays.hpp"
@@ -22,22 +23,34 @@
 #include <string>
 #include <string_view>
 #include <unordered_map>
-#include <unordered_set>
 #include <vector>
 
 // ---- Arena -----------------------------------------------------------------------------------
 
+// Every piece of memory that holds nodes (the arena's blocks, a node allocated alone) is aligned
+// to its own size, a power of two, and begins with a pointer to the tree's record, in a header of
+// this size: a node finds the record from its own address and the size of its piece, which it
+// keeps in a few bits, so that it needs no pointer of its own.
+inline constexpr size_t i_CABECERA_BLOQUE = 16;
+
 // Bump allocation in blocks; nothing is freed before the whole arena.
 class i_almacen {
 public:
-    void *reserva(size_t tamanyo, size_t alineacion) {
+    explicit i_almacen(const zarnxml_configuracion_t *dueno) : dueno_(dueno) {}
+    i_almacen(const i_almacen &) = delete;
+    i_almacen &operator=(const i_almacen &) = delete;
+
+    // log_bloque, when given, receives the log2 of the size of the block that holds the result.
+    void *reserva(size_t tamanyo, size_t alineacion, uint32_t *log_bloque = nullptr) {
         auto *p = reinterpret_cast<std::byte *>(
             (reinterpret_cast<uintptr_t>(pos_) + (alineacion - 1)) & ~uintptr_t(alineacion - 1));
         if (pos_ && tamanyo <= static_cast<size_t>(fin_ - p)) [[likely]] {
             pos_ = p + tamanyo;
+            if (log_bloque)
+                *log_bloque = log_actual_;
             return p;
         }
-        return reserva_en_bloque_nuevo(tamanyo);
+        return reserva_en_bloque_nuevo(tamanyo, log_bloque);
     }
     template <typename T> T *reserva_de(size_t num) {
         return static_cast<T *>(reserva(num * sizeof(T), alignof(T)));
@@ -48,12 +61,25 @@ public:
     void libera_todo() noexcept;
 
 private:
-    void *reserva_en_bloque_nuevo(size_t tamanyo);
+    void *reserva_en_bloque_nuevo(size_t tamanyo, uint32_t *log_bloque);
 
-    std::vector<std::unique_ptr<std::byte[]>> bloques_;
+    struct libera_bloque {
+        size_t alineacion;
+        void operator()(std::byte *p) const noexcept;
+    };
+    using bloque_t = std::unique_ptr<std::byte[], libera_bloque>;
+    // A block of 2^log bytes aligned to its size, headed by the tree's record.
+    std::byte *bloque_nuevo(uint32_t log);
+
+    // The first block has 2^14 bytes.
+    static constexpr uint32_t LOG_BLOQUE_INICIAL = 14;
+
+    const zarnxml_configuracion_t *dueno_;
+    std::vector<bloque_t> bloques_;
     std::byte *pos_ = nullptr;
     std::byte *fin_ = nullptr;
-    size_t tamanyo_bloque_ = 16 * 1024;
+    uint32_t log_actual_ = 0;
+    uint32_t log_siguiente_ = LOG_BLOQUE_INICIAL;
 };
 
 // ---- Records ---------------------------------------------------------------------------------
@@ -66,71 +92,100 @@ struct zarnxml_configuracion_s {
     std::u16string separador_items;
 
     // Everything the tree holds.
-    i_almacen almacen;
-    // Tags and property names already stored, so that a repeated name is stored once. Bounded:
-    // past the limit a name is simply copied.
-    std::unordered_set<std::string_view> nombres;
+    i_almacen almacen{this};
+    // Every tag and property name, by the index that nodes keep; 0 is the empty name.
+    std::vector<const char *> nombres_por_indice{""};
+    // The indices of the names already stored, so that a repeated name is stored once. Bounded:
+    // past the limit a name is simply copied under a new index.
+    std::unordered_map<std::string_view, uint32_t> nombres;
     // The arrays that zarnxml_nodos_hijos lends, made on demand.
     std::unordered_map<const zarnxml_nodo_t *, std::unique_ptr<ArrPuntero_s>> arrays_hijos;
 
-    // A name stored in the arena, once if it can.
-    const char *nombre(std::string_view s);
+    // The index of a name stored in the arena, once if it can.
+    uint32_t nombre(std::string_view s);
+    // Empties the tree's storage, names included.
+    void vacia() noexcept;
+};
+
+// The counts of a node that has children or properties, just before what the node points to.
+struct i_cabecera_nodo {
+    uint32_t num_hijos;
+    uint32_t num_propiedades;
 };
 
 // A node. Trivially copyable: the builder moves records into their final contiguous place.
 // An element holds either a datum or child elements, never both, so one pointer serves: the
 // children when there are any, otherwise the datum; a block without children has none (its
-// pointer is null, or the end of its properties). The properties, num_propiedades() records in
-// document order, end where contenido points.
+// pointer is null, or the end of its counts). A node with children or properties has its counts
+// (i_cabecera_nodo) right before where contenido points, and its properties, num_propiedades()
+// records in document order, right before the counts.
 //
 // Data are kept wide, as the accessors lend them, except the data that typed reads take as
 // numbers (ASCII digits, signs, points, commas, exponents and blanks) of nodes without
-// properties: these are kept as their bytes, half the memory, and read as numbers from there.
-// The first request for such a datum as wide text widens it into the arena, once, and the node
-// points to the wide text from then on (a tree serves one thread at a time).
+// properties: these are kept as their bytes, half the memory, and read as numbers from there;
+// up to 7 bytes stand in the node itself, in place of the pointer. The first request for such a
+// datum as wide text widens it into the arena, once, and the node points to the wide text from
+// then on (a tree serves one thread at a time).
 struct zarnxml_nodo_s {
-    const char *etiqueta;                   // never null; "" in a blank node
-    const void *contenido;                  // num_hijos children, or the datum
-    zarnxml_configuracion_t *configuracion; // the tree's record
-    uint32_t num_hijos;
-    uint32_t propiedades_y_marcas; // count << 3 | marks
+    const void *contenido;    // children, counts behind; the datum; or the datum's own bytes
+    uint32_t indice_etiqueta; // in the tree's nombres_por_indice; 0 ("") in a blank node
+    uint32_t marcas;
 
-    static constexpr uint32_t INDEPENDIENTE = 1u; // allocated alone, freed alone
-    // With INDEPENDIENTE: the root, which owns configuracion. Without it, on a node of a tree,
-    // the same bit is ESTRECHO: the datum is kept as its ASCII bytes.
-    static constexpr uint32_t DESTRUYE_CONFIGURACION = 2u;
-    static constexpr uint32_t ESTRECHO = 2u;
-    static constexpr uint32_t SIN_DATO = 4u; // a block: no datum, even without children
+    // The log2 of the size of the aligned piece of memory that holds the node.
+    static constexpr uint32_t LOG_BLOQUE = 0x3Fu;
+    static constexpr uint32_t INDEPENDIENTE = 1u << 6;          // allocated alone, freed alone
+    static constexpr uint32_t DESTRUYE_CONFIGURACION = 1u << 7; // the root: it owns the record
+    static constexpr uint32_t ESTRECHO = 1u << 8;      // the datum is kept as its ASCII bytes
+    static constexpr uint32_t EN_NODO = 1u << 9;       // with ESTRECHO: the bytes are in contenido
+    static constexpr uint32_t SIN_DATO = 1u << 10;     // a block: no datum, even without children
+    static constexpr uint32_t CON_CABECERA = 1u << 11; // counts before contenido
 
+    // The tree's record.
+    zarnxml_configuracion_t *configuracion() const {
+        const uintptr_t mascara = (uintptr_t{1} << (marcas & LOG_BLOQUE)) - 1;
+        return *reinterpret_cast<zarnxml_configuracion_t *const *>(
+            reinterpret_cast<uintptr_t>(this) & ~mascara);
+    }
+    const char *etiqueta() const { return configuracion()->nombres_por_indice[indice_etiqueta]; }
+    uint32_t num_hijos() const { return tiene(CON_CABECERA) ? cabecera().num_hijos : 0; }
+    uint32_t num_propiedades() const {
+        return tiene(CON_CABECERA) ? cabecera().num_propiedades : 0;
+    }
     // Null for an element with child elements and for a block without them.
     const char16_t *dato() const {
-        if (num_hijos || tiene(SIN_DATO))
+        if (tiene(SIN_DATO))
             return nullptr;
         if (estrecho()) [[unlikely]]
             return ensancha();
         return static_cast<const char16_t *>(contenido);
     }
-    bool estrecho() const {
-        return (propiedades_y_marcas & (INDEPENDIENTE | ESTRECHO)) == ESTRECHO;
-    }
+    bool estrecho() const { return tiene(ESTRECHO); }
     // The datum kept as bytes (only when estrecho()).
-    const char *dato_estrecho() const { return static_cast<const char *>(contenido); }
+    const char *dato_estrecho() const {
+        return tiene(EN_NODO) ? reinterpret_cast<const char *>(&contenido)
+                              : static_cast<const char *>(contenido);
+    }
     const zarnxml_nodo_s *hijos() const {
-        return num_hijos ? static_cast<const zarnxml_nodo_s *>(contenido) : nullptr;
+        return num_hijos() ? static_cast<const zarnxml_nodo_s *>(contenido) : nullptr;
     }
+    // Null without properties.
     const zarnxml_propiedad_t *propiedades() const {
-        return reinterpret_cast<const zarnxml_propiedad_t *>(
-                   static_cast<const std::byte *>(contenido)) -
-               num_propiedades();
+        return tiene(CON_CABECERA) ? reinterpret_cast<const zarnxml_propiedad_t *>(&cabecera()) -
+                                         cabecera().num_propiedades
+                                   : nullptr;
     }
-    uint32_t num_propiedades() const { return propiedades_y_marcas >> 3; }
-    bool tiene(uint32_t marca) const { return (propiedades_y_marcas & marca) != 0; }
+    bool tiene(uint32_t marca) const { return (marcas & marca) != 0; }
 
 private:
+    const i_cabecera_nodo &cabecera() const {
+        return static_cast<const i_cabecera_nodo *>(contenido)[-1];
+    }
     // Widens a datum kept as bytes into the arena and points the node to it.
     const char16_t *ensancha() const;
 };
-static_assert(sizeof(zarnxml_nodo_s) == 32);
+static_assert(sizeof(zarnxml_nodo_s) == 16);
+static_assert(sizeof(zarnxml_propiedad_t) % alignof(i_cabecera_nodo) == 0 &&
+              sizeof(i_cabecera_nodo) % alignof(zarnxml_nodo_s) == 0);
 
 // The sequential reader over a tree; its operations live with sequential reading, but lookup
 // and typed access also work on the node where it stands.
@@ -212,11 +267,21 @@ public:
     void descarta();
 
 private:
-    // en_arbol: the node goes into the tree (not the root, which is allocated alone).
+    // A name kept once by the tree: its text and index.
+    struct nombre_visto {
+        const char *texto = nullptr;
+        size_t largo = 0;
+        uint32_t indice = 0;
+    };
+    // The marks of the root that outlive what it holds.
+    static constexpr uint32_t MARCAS_RAIZ = zarnxml_nodo_s::LOG_BLOQUE |
+                                            zarnxml_nodo_s::INDEPENDIENTE |
+                                            zarnxml_nodo_s::DESTRUYE_CONFIGURACION;
+
     zarnxml_nodo_s nodo(std::string_view etiqueta, const i_propiedades_t &propiedades,
-                        const i_dato_t *dato, bool en_arbol);
+                        const i_dato_t *dato);
     // A name kept once by the tree, through a small cache of the names last met.
-    const char *nombre(std::string_view s);
+    const nombre_visto &nombre(std::string_view s);
     // The wide text of a datum or property value, terminated, in the arena right after `antes`
     // bytes aligned for properties, which the caller fills.
     char16_t *texto_tras(size_t antes, const i_dato_t &dato);
@@ -239,11 +304,7 @@ private:
     std::vector<abierto> inicios_;
     // The properties of the element in hand.
     std::vector<zarnxml_propiedad_t> propiedades_;
-    // Names last met, by a hash of their length and end bytes.
-    struct nombre_visto {
-        const char *texto = nullptr;
-        size_t largo = 0;
-    };
+    // Names last met, by a hash of their length and three of their bytes.
     std::array<nombre_visto, 64> nombres_vistos_{};
 };
 

@@ -25,8 +25,8 @@ inline bool difieren_de_entrada(const char *etiqueta_nodo, const char *etiqueta)
 // Whether a child matches a tag and, with a texto_propiedad, a property.
 bool coincide(const zarnxml_nodo_t &hijo, const char *etiqueta, const char *texto_propiedad,
               const char16_t *dato_propiedad) {
-    return !difieren_de_entrada(hijo.etiqueta, etiqueta) &&
-           i_etiqueta_igual(hijo.etiqueta, etiqueta) &&
+    return !difieren_de_entrada(hijo.etiqueta(), etiqueta) &&
+           i_etiqueta_igual(hijo.etiqueta(), etiqueta) &&
            (!texto_propiedad || i_tiene_propiedad_con_dato(&hijo, texto_propiedad, dato_propiedad));
 }
 
@@ -34,7 +34,7 @@ bool coincide(const zarnxml_nodo_t &hijo, const char *etiqueta, const char *text
 template <typename F>
 void recorre_coincidencias(const zarnxml_nodo_t *nodo, const char *etiqueta,
                            const char *texto_propiedad, const char16_t *dato_propiedad, F &&f) {
-    for (uint32_t i = 0; i < nodo->num_hijos; ++i)
+    for (uint32_t i = 0; i < nodo->num_hijos(); ++i)
         if (coincide(nodo->hijos()[i], etiqueta, texto_propiedad, dato_propiedad) &&
             !f(&nodo->hijos()[i]))
             return;
@@ -77,8 +77,8 @@ void busca_recursivamente(const zarnxml_nodo_t *nodo, const char *etiqueta, F &&
         uint32_t siguiente;
     };
     std::vector<marco> pila;
-    if (nodo->num_hijos)
-        pila.push_back({nodo->hijos(), nodo->num_hijos, 0});
+    if (nodo->num_hijos())
+        pila.push_back({nodo->hijos(), nodo->num_hijos(), 0});
     while (!pila.empty()) {
         marco &m = pila.back();
         if (m.siguiente == m.num) {
@@ -86,12 +86,12 @@ void busca_recursivamente(const zarnxml_nodo_t *nodo, const char *etiqueta, F &&
             continue;
         }
         const zarnxml_nodo_t *hijo = &m.hijos[m.siguiente++];
-        if (i_etiqueta_igual(hijo->etiqueta, etiqueta))
+        if (i_etiqueta_igual(hijo->etiqueta(), etiqueta))
             encontrado(hijo);
         const size_t recursividad = pila.size() + 1;
         ZARN_ASSERT_TEXTO(recursividad < RECURSIVIDAD_MAXIMA, "recursividad < 10000", ORIGEN);
-        if (hijo->num_hijos)
-            pila.push_back({hijo->hijos(), hijo->num_hijos, 0});
+        if (hijo->num_hijos())
+            pila.push_back({hijo->hijos(), hijo->num_hijos(), 0});
     }
 }
 
@@ -119,13 +119,25 @@ bool i_existe_hijo_unico(const zarnxml_nodo_t *nodo, const char *etiqueta,
                          const zarnxml_nodo_t **nodo_hijo) {
     ZARN_ASSERT_NO_NULL(nodo, ORIGEN);
     const zarnxml_nodo_t *unico = nullptr;
-    for (uint32_t i = 0; i < nodo->num_hijos; ++i) {
-        const char *etiqueta_hijo = nodo->hijos()[i].etiqueta;
-        if (difieren_de_entrada(etiqueta_hijo, etiqueta) ||
-            !i_etiqueta_igual(etiqueta_hijo, etiqueta))
+    const uint32_t num = nodo->num_hijos();
+    const zarnxml_nodo_s *hijos = nodo->hijos();
+    // Children share the tree's names, and neighbours often the same one: a tag is compared
+    // once per run of equal indices.
+    const char *const *nombres = num ? hijos->configuracion()->nombres_por_indice.data() : nullptr;
+    uint32_t indice_visto = 0xFFFFFFFFu;
+    bool igual_visto = false;
+    for (uint32_t i = 0; i < num; ++i) {
+        const uint32_t indice = hijos[i].indice_etiqueta;
+        if (indice != indice_visto) {
+            const char *etiqueta_hijo = nombres[indice];
+            indice_visto = indice;
+            igual_visto = !difieren_de_entrada(etiqueta_hijo, etiqueta) &&
+                          i_etiqueta_igual(etiqueta_hijo, etiqueta);
+        }
+        if (!igual_visto)
             continue;
         ZARN_ASSERT_TEXTO(unico == nullptr, "num_nodos_encontrados == 1", ORIGEN);
-        unico = &nodo->hijos()[i];
+        unico = &hijos[i];
     }
     if (!unico)
         return false;
@@ -189,33 +201,33 @@ bool i_existe_nodo_ex(const zarnxml_nodo_t *nodo, const char *etiqueta, const ch
 
 bool i_etiqueta_nodo_igual(const zarnxml_nodo_t *nodo, const char *etiqueta) {
     ZARN_ASSERT_NO_NULL(nodo, ORIGEN);
-    return i_etiqueta_igual(nodo->etiqueta, etiqueta);
+    return i_etiqueta_igual(nodo->etiqueta(), etiqueta);
 }
 
 extern "C" {
 
 ZARN_API const char *zarnxml_get_etiqueta(const zarnxml_nodo_t *nodo) try {
     ZARN_ASSERT_NO_NULL(nodo, ORIGEN);
-    return nodo->etiqueta;
+    return nodo->etiqueta();
 }
 ZARN_FRONTERA(ORIGEN)
 
 ZARN_API zybool zarnxml_hay_datos(const zarnxml_nodo_t *xml) try {
     ZARN_ASSERT_NO_NULL(xml, ORIGEN);
-    return zarn::zb(xml->etiqueta[0] != '\0');
+    return zarn::zb(xml->etiqueta()[0] != '\0');
 }
 ZARN_FRONTERA(ORIGEN)
 
 ZARN_API ArrPuntero zarnxml_nodos_hijos(const zarnxml_nodo_t *nodo) try {
     ZARN_ASSERT_NO_NULL(nodo, ORIGEN);
-    if (nodo->num_hijos == 0)
+    if (nodo->num_hijos() == 0)
         return nullptr;
-    ZARN_ASSERT_NO_NULL(nodo->configuracion, ORIGEN);
-    auto &array = nodo->configuracion->arrays_hijos[nodo];
+    ZARN_ASSERT_NO_NULL(nodo->configuracion(), ORIGEN);
+    auto &array = nodo->configuracion()->arrays_hijos[nodo];
     if (!array) {
         array = std::make_unique<ArrPuntero_s>();
-        array->v.reserve(nodo->num_hijos);
-        for (uint32_t i = 0; i < nodo->num_hijos; ++i)
+        array->v.reserve(nodo->num_hijos());
+        for (uint32_t i = 0; i < nodo->num_hijos(); ++i)
             array->v.push_back(const_cast<zarnxml_nodo_s *>(&nodo->hijos()[i]));
     }
     return array.get();
@@ -224,13 +236,13 @@ ZARN_FRONTERA(ORIGEN)
 
 ZARN_API uint32_t zarnxml_num_nodos_hijos(const zarnxml_nodo_t *nodo) try {
     ZARN_ASSERT_NO_NULL(nodo, ORIGEN);
-    return nodo->num_hijos;
+    return nodo->num_hijos();
 }
 ZARN_FRONTERA(ORIGEN)
 
 ZARN_API const zarnxml_nodo_t *zarnxml_nodo_hijo(const zarnxml_nodo_t *nodo, uint32_t ind) try {
     ZARN_ASSERT_NO_NULL(nodo, ORIGEN);
-    ZARN_ASSERT_TEXTO(ind < nodo->num_hijos, "ind < num_nodos_hijos", ORIGEN);
+    ZARN_ASSERT_TEXTO(ind < nodo->num_hijos(), "ind < num_nodos_hijos", ORIGEN);
     return &nodo->hijos()[ind];
 }
 ZARN_FRONTERA(ORIGEN)
@@ -300,7 +312,7 @@ ZARN_API zybool zarnxml_existe_nodo_ruta_ex(const zarnxml_nodo_t *xml, ArrCADENA
     if (num == 0)
         return FALSO;
     const zarnxml_nodo_t *nodo_padre = xml;
-    if (!i_etiqueta_igual(i_arr_GetCADENA(ruta, 0), nodo_padre->etiqueta))
+    if (!i_etiqueta_igual(i_arr_GetCADENA(ruta, 0), nodo_padre->etiqueta()))
         return FALSO;
     for (uint32_t i = 1; i < num; ++i) {
         const char *texto_propiedad = nullptr;

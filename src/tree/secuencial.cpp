@@ -111,7 +111,7 @@ ArrPuntero lee_nodos(const ArrPuntero_s *nodos, func_lee_nodo_xml func) {
 zarnxml_lectura_t *i_crea_lectura_de_arbol(zarnxml_nodo_t **xml_raiz) {
     ZARN_ASSERT_NO_NULL(xml_raiz, ORIGEN);
     ZARN_ASSERT_NO_NULL(*xml_raiz, ORIGEN);
-    i_nodo_propio nodo_vacio(i_crea_nodo_vacio((*xml_raiz)->configuracion));
+    i_nodo_propio nodo_vacio(i_crea_nodo_vacio((*xml_raiz)->configuracion()));
     auto xml = std::make_unique<zarnxml_lectura_t>();
     xml->xml_raiz = std::exchange(*xml_raiz, nullptr);
     xml->nodo_vacio = nodo_vacio.release();
@@ -173,11 +173,12 @@ ZARN_API void zarnxml_lee_inicio_bloque(zarnxml_lectura_t *xml, const char *etiq
     ZARN_ASSERT_NO_NULL(xml, ORIGEN);
     const zarnxml_nodo_t *nodo = nullptr;
     if (!xml->nodo_actual)
-        nodo = i_etiqueta_igual(xml->xml_raiz->etiqueta, etiqueta) ? xml->xml_raiz : nullptr;
+        nodo = i_etiqueta_igual(xml->xml_raiz->etiqueta(), etiqueta) ? xml->xml_raiz : nullptr;
     else if (xml->dentro_de_bloque)
         nodo = hijo(xml, etiqueta);
     else
-        nodo = i_etiqueta_igual(xml->nodo_actual->etiqueta, etiqueta) ? xml->nodo_actual : nullptr;
+        nodo =
+            i_etiqueta_igual(xml->nodo_actual->etiqueta(), etiqueta) ? xml->nodo_actual : nullptr;
     apila_nodo(xml, nodo ? nodo : xml->nodo_vacio, CIERTO);
 }
 ZARN_FRONTERA(ORIGEN)
@@ -273,7 +274,7 @@ ZARN_API ArrDouble zarnxml_lee_arr_double_numerados(zarnxml_lectura_t *xml, cons
     switch (tipo_numeracion_array) {
     case ZARNFXML_NUMERACION_ARRAY_NINGUNA: {
         const zarnxml_nodo_t *nodo = hijo(xml, etiqueta);
-        return nodo ? i_lista_double(i_dato(nodo), nodo->configuracion->separador_items)
+        return nodo ? i_lista_double(i_dato(nodo), nodo->configuracion()->separador_items)
                     : i_arr_CreaDouble(0);
     }
     case ZARNFXML_NUMERACION_ARRAY_BLOQUE_LINEAS: {
