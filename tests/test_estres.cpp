@@ -231,6 +231,13 @@ void operator delete(void *p) noexcept { std::free(p); }
 void operator delete[](void *p) noexcept { std::free(p); }
 void operator delete(void *p, size_t) noexcept { std::free(p); }
 void operator delete[](void *p, size_t) noexcept { std::free(p); }
+// The tree's arena blocks, aligned to their size.
+void *operator new[](size_t n, std::align_val_t a, const std::nothrow_t &) noexcept {
+    const auto al = static_cast<size_t>(a);
+    return falla() ? nullptr : std::aligned_alloc(al, (n + al - 1) / al * al);
+}
+void operator delete[](void *p, std::align_val_t) noexcept { std::free(p); }
+void operator delete[](void *p, size_t, std::align_val_t) noexcept { std::free(p); }
 // clang-format on
 
 namespace {
