@@ -242,6 +242,11 @@ void utf8_a_utf16(std::string_view s, std::u16string &out) {
     out.resize(static_cast<size_t>(fin - out.data()));
 }
 
+char16_t *utf8_a_utf16(const char *p, const char *fin, char16_t *o) noexcept {
+    return escribe_utf16(reinterpret_cast<const byte_t *>(p), reinterpret_cast<const byte_t *>(fin),
+                         o);
+}
+
 char *dup_utf8(std::u16string_view s) {
     const size_t n = cuenta_utf8(s.data(), s.data() + s.size());
     char *r = reserva(n);

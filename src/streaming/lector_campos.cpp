@@ -2,6 +2,8 @@
 // tolerant truth test and the reading of a whole file into a string.
 #include "streaming/lector.hpp"
 
+#include <charconv>
+
 using zarn::ORIGEN_STREAMING;
 
 namespace {
@@ -44,13 +46,25 @@ int32_t i_dato_a_long(const i_xml_lectura *xml) {
     return i_widestr_nousar_atol(i_dato_campo(xml).c_str(), ORIGEN_STREAMING, __LINE__);
 }
 
-uint32_t i_dato_a_ulong(const i_xml_lectura *xml) {
-    return i_cambtipo_double_a_ulong(i_atof_u(i_dato_campo(xml).c_str()));
+// A datum of digits, '-', '.', 'e' and 'E' alone, as numbers are written, holds no blank, '+',
+// comma, "NaN" or entity for the general conversion to treat: from_chars takes its bytes as they
+// stand. Gives false, and leaves the datum to the general conversion, when they are no number.
+bool i_numero_llano(const std::string &b, double &valor) {
+    for (const char c : b)
+        if (!((c >= '0' && c <= '9') || c == '-' || c == '.' || c == 'e' || c == 'E'))
+            return false;
+    return std::from_chars(b.data(), b.data() + b.size(), valor).ec == std::errc();
 }
 
 double i_dato_a_double(const i_xml_lectura *xml) {
     const i_dato_t &d = i_dato(xml);
+    if (double valor = 0; i_numero_llano(d.bruto(), valor))
+        return valor;
     return d.es_ascii_llano() ? i_atof_vista(d.bruto()) : i_atof_u(d.c_str());
+}
+
+uint32_t i_dato_a_ulong(const i_xml_lectura *xml) {
+    return i_cambtipo_double_a_ulong(i_dato_a_double(xml));
 }
 
 // A file opened for reading, closed at the end of the scope however the scope ends.
@@ -86,13 +100,11 @@ bool i_lee_campo_si_existe(i_xml_lectura *xml, const char *etiqueta) {
 CADENA_u i_lee_cadena_u(zarnfxml_t *xml, const char *etiqueta) {
     i_xml_lectura *x = I_LECTOR(xml);
     i_lee_campo_admite_vacio(x, etiqueta);
+    // Decoded straight into the text handed out, which has room for one unit a byte.
     const i_dato_t &d = i_dato(x);
-    // Without entities, decoding a UTF-8 text (or an ASCII one in any encoding) is converting it.
-    const std::string &b = d.bruto();
-    const bool sin_entidades = b.find('&') == std::string::npos;
-    if (sin_entidades && (d.tipo_codificacion() != i_CODIFICACION_ISO_8859_1 || d.es_ascii_llano()))
-        return zarn::dup_utf16(b);
-    return zarn::dup_u(d.texto());
+    zarn::CadenaPropia<char16_t> r(zarn::reserva_u(d.bruto().size()));
+    *i_decodifica_cadena(d.bruto(), d.tipo_codificacion(), r.get()) = u'\0';
+    return r.release();
 }
 
 double i_lee_double(zarnfxml_t *xml, const char *etiqueta) {

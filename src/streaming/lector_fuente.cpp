@@ -95,11 +95,12 @@ const char *i_dame_linea(i_fuente_t *fuente, uint32_t ind_linea, zybool *alcanza
 
 // ---- Encoding and decoding -------------------------------------------------------------------
 
-void i_decodifica_cadena(std::string_view cadena, int32_t tipo_codificacion, std::u16string &out) {
+char16_t *i_decodifica_cadena(std::string_view cadena, int32_t tipo_codificacion, char16_t *o) {
     switch (tipo_codificacion) {
     case i_CODIFICACION_ISO_8859_1:
-        zarn::latin1_a_utf16(cadena, out);
-        return;
+        for (const char c : cadena)
+            *o++ = static_cast<unsigned char>(c);
+        return o;
     case i_CODIFICACION_UTF_8:
     case i_CODIFICACION_UTF_8_COMILLAS:
     case i_CODIFICACION_UTF_16:
@@ -107,28 +108,35 @@ void i_decodifica_cadena(std::string_view cadena, int32_t tipo_codificacion, std
         // stand: no UTF-8 sequence, whole or broken, holds an ASCII byte, so this gives what
         // converting first and resolving after gives. A replacement makes no new entity.
         for (;;) {
-            const size_t amp = cadena.find('&');
-            zarn::utf8_a_utf16(cadena.substr(0, amp), out);
-            if (amp == std::string_view::npos)
-                return;
+            const size_t amp = std::min(cadena.find('&'), cadena.size());
+            o = zarn::utf8_a_utf16(cadena.data(), cadena.data() + amp, o);
+            if (amp == cadena.size())
+                return o;
             cadena.remove_prefix(amp);
+            size_t largo = 1;
+            *o = u'&';
             if (cadena.starts_with("&lt;")) {
-                out += u'<';
-                cadena.remove_prefix(4);
+                *o = u'<';
+                largo = 4;
             } else if (cadena.starts_with("&gt;")) {
-                out += u'>';
-                cadena.remove_prefix(4);
+                *o = u'>';
+                largo = 4;
             } else if (cadena.starts_with("&amp;")) {
-                out += u'&';
-                cadena.remove_prefix(5);
-            } else {
-                out += u'&';
-                cadena.remove_prefix(1);
+                largo = 5;
             }
+            ++o;
+            cadena.remove_prefix(largo);
         }
     default:
         ZARN_DEFAULT_ERROR(ORIGEN_STREAMING);
     }
+}
+
+void i_decodifica_cadena(std::string_view cadena, int32_t tipo_codificacion, std::u16string &out) {
+    const size_t base = out.size();
+    out.resize(base + cadena.size());
+    char16_t *fin = i_decodifica_cadena(cadena, tipo_codificacion, out.data() + base);
+    out.resize(static_cast<size_t>(fin - out.data()));
 }
 
 std::u16string i_decodifica_cadena(std::string_view cadena, int32_t tipo_codificacion) {

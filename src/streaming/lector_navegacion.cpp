@@ -167,7 +167,7 @@ bool i_es_siguiente_pieza(i_xml_lectura *xml, i_tipo_pieza_t tipo1, i_tipo_pieza
     }
     bool es = pieza->tipo_pieza == tipo1 || pieza->tipo_pieza == tipo2;
     if (es && etiqueta)
-        es = zarn::iguales_may_o_min(std::string_view(pieza->etiqueta), std::string_view(etiqueta));
+        es = i_etiquetas_iguales(pieza->etiqueta, etiqueta);
     if (es && texto_propiedad)
         es = i_existe_propiedad_con_dato(pieza->propiedades, texto_propiedad,
                                          dato_propiedad ? dato_propiedad : u"") == CIERTO;
