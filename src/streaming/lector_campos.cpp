@@ -2,8 +2,6 @@
 // tolerant truth test and the reading of a whole file into a string.
 #include "streaming/lector.hpp"
 
-#include <charconv>
-
 using zarn::ORIGEN_STREAMING;
 
 namespace {
@@ -46,20 +44,8 @@ int32_t i_dato_a_long(const i_xml_lectura *xml) {
     return i_widestr_nousar_atol(i_dato_campo(xml).c_str(), ORIGEN_STREAMING, __LINE__);
 }
 
-// A datum of digits, '-', '.', 'e' and 'E' alone, as numbers are written, holds no blank, '+',
-// comma, "NaN" or entity for the general conversion to treat: from_chars takes its bytes as they
-// stand. Gives false, and leaves the datum to the general conversion, when they are no number.
-bool i_numero_llano(const std::string &b, double &valor) {
-    for (const char c : b)
-        if (!((c >= '0' && c <= '9') || c == '-' || c == '.' || c == 'e' || c == 'E'))
-            return false;
-    return std::from_chars(b.data(), b.data() + b.size(), valor).ec == std::errc();
-}
-
 double i_dato_a_double(const i_xml_lectura *xml) {
     const i_dato_t &d = i_dato(xml);
-    if (double valor = 0; i_numero_llano(d.bruto(), valor))
-        return valor;
     return d.es_ascii_llano() ? i_atof_vista(d.bruto()) : i_atof_u(d.c_str());
 }
 
