@@ -16,6 +16,7 @@
 
 #include <array>
 #include <cstdint>
+#include <cstring>
 #include <memory>
 #include <string>
 #include <string_view>
@@ -322,13 +323,11 @@ const i_dato_t &i_dato_registro(const i_registro_t *registro);
 
 // The tag of the current record equals `etiqueta`, case ignored.
 bool i_es_etiqueta_registro_igual(const i_xml_lectura *xml, const char *etiqueta);
-// A tag read equals `etiqueta`, case ignored; the usual answer, the same bytes, is found without
-// measuring `etiqueta` first.
+// A tag read (which holds no zero byte) equals `etiqueta`, case ignored; the usual answer, the
+// same bytes, is found without measuring `etiqueta` first.
 inline bool i_etiquetas_iguales(std::string_view leida, const char *etiqueta) noexcept {
-    size_t i = 0;
-    while (i < leida.size() && etiqueta[i] != '\0' && leida[i] == etiqueta[i])
-        ++i;
-    return (i == leida.size() && etiqueta[i] == '\0') ||
+    return (std::strncmp(etiqueta, leida.data(), leida.size()) == 0 &&
+            etiqueta[leida.size()] == '\0') ||
            zarn::iguales_may_o_min(leida, std::string_view(etiqueta));
 }
 // The first property named `nombre` (case ignored), or null.

@@ -25,22 +25,21 @@ bool decimal_corto(std::string_view b, double &valor) {
     const char *p = b.data(), *fin = p + b.size();
     const bool negativo = p < fin && *p == '-';
     p += negativo ? 1 : 0;
+    const char *const inicio = p, *punto = nullptr;
     uint64_t digitos = 0;
-    int num_digitos = 0, decimales = -1; // -1: no point yet
     for (; p < fin; ++p) {
-        if (*p >= '0' && *p <= '9') {
-            digitos = digitos * 10 + static_cast<uint64_t>(*p - '0');
-            ++num_digitos;
-            decimales += decimales >= 0 ? 1 : 0;
-        } else if (*p == '.' && decimales < 0) {
-            decimales = 0;
-        } else {
+        const auto d = static_cast<unsigned char>(*p - '0');
+        if (d < 10)
+            digitos = digitos * 10 + d;
+        else if (*p == '.' && !punto)
+            punto = p;
+        else
             return false;
-        }
     }
+    const ptrdiff_t num_digitos = (fin - inicio) - (punto ? 1 : 0);
     if (num_digitos == 0 || num_digitos > 15)
         return false;
-    const double v = static_cast<double>(digitos) / POTENCIAS[decimales < 0 ? 0 : decimales];
+    const double v = static_cast<double>(digitos) / POTENCIAS[punto ? fin - punto - 1 : 0];
     valor = negativo ? -v : v;
     return true;
 }

@@ -52,7 +52,10 @@ const i_propiedad_lectura_t *i_propiedad_registro(const i_xml_lectura *xml,
                                                   const char *texto_propiedad) {
     const i_registro_t &registro = i_registro(xml);
     ZARN_ASSERT_NO_NULL(texto_propiedad, ORIGEN_STREAMING);
-    return i_busca_propiedad(i_propiedades_registro(&registro), texto_propiedad);
+    for (const i_propiedad_lectura_t &p : i_propiedades_registro(&registro))
+        if (i_etiquetas_iguales(p.texto_propiedad, texto_propiedad))
+            return &p;
+    return nullptr;
 }
 
 const std::u16string &i_dato_propiedad_requerida(const i_xml_lectura *xml,
@@ -192,7 +195,11 @@ void i_lee_inicio_bloque(i_xml_lectura *xml, const char *etiqueta) {
 bool i_se_lee_inicio_bloque(i_xml_lectura *xml, const char *etiqueta) {
     if (!i_es_siguiente_inicio_bloque(xml, etiqueta))
         return false;
-    i_lee_inicio_bloque(xml, etiqueta);
+    // The look-ahead saw the start tag and compared its tag: the record needs no second look.
+    const i_tipo_registro_t tipo_registro = i_lee_registro(xml, FALSO);
+    i_asserta_tipo_registro(tipo_registro, i_REGISTRO_INICIO_BLOQUE,
+                            "tipo_registro == i_REGISTRO_INICIO_BLOQUE");
+    ZARN_ASSERT_NO_NULL(etiqueta, ORIGEN_STREAMING);
     return true;
 }
 
