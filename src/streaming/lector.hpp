@@ -16,7 +16,6 @@
 
 #include <array>
 #include <cstdint>
-#include <cstring>
 #include <memory>
 #include <string>
 #include <string_view>
@@ -326,8 +325,11 @@ bool i_es_etiqueta_registro_igual(const i_xml_lectura *xml, const char *etiqueta
 // A tag read (which holds no zero byte) equals `etiqueta`, case ignored; the usual answer, the
 // same bytes, is found without measuring `etiqueta` first.
 inline bool i_etiquetas_iguales(std::string_view leida, const char *etiqueta) noexcept {
-    return (std::strncmp(etiqueta, leida.data(), leida.size()) == 0 &&
-            etiqueta[leida.size()] == '\0') ||
+    // The first difference, at the latest the zero byte that ends `etiqueta`.
+    size_t i = 0;
+    while (i < leida.size() && leida[i] == etiqueta[i])
+        ++i;
+    return (i == leida.size() && etiqueta[i] == '\0') ||
            zarn::iguales_may_o_min(leida, std::string_view(etiqueta));
 }
 // The first property named `nombre` (case ignored), or null.
