@@ -263,7 +263,8 @@ const char *i_dame_linea(i_fuente_t *fuente, uint32_t ind_linea, zybool *alcanza
 // A finished 8-bit text as wide text: Latin-1 under i_CODIFICACION_ISO_8859_1; UTF-8 with
 // "&lt;", "&gt;" and "&amp;" resolved under the other encodings.
 void i_decodifica_cadena(std::string_view cadena, int32_t tipo_codificacion, std::u16string &out);
-// The same into a buffer with room for one unit a byte; gives the end of what it wrote.
+// The same into a buffer with room for one unit a byte, all of which it may use as scratch; gives
+// the end of what it wrote.
 char16_t *i_decodifica_cadena(std::string_view cadena, int32_t tipo_codificacion, char16_t *o);
 std::u16string i_decodifica_cadena(std::string_view cadena, int32_t tipo_codificacion);
 

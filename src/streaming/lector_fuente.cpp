@@ -113,18 +113,18 @@ char16_t *i_decodifica_cadena(std::string_view cadena, int32_t tipo_codificacion
             if (amp == cadena.size())
                 return o;
             cadena.remove_prefix(amp);
+            char16_t c = u'&';
             size_t largo = 1;
-            *o = u'&';
             if (cadena.starts_with("&lt;")) {
-                *o = u'<';
+                c = u'<';
                 largo = 4;
             } else if (cadena.starts_with("&gt;")) {
-                *o = u'>';
+                c = u'>';
                 largo = 4;
             } else if (cadena.starts_with("&amp;")) {
                 largo = 5;
             }
-            ++o;
+            *o++ = c;
             cadena.remove_prefix(largo);
         }
     default:

@@ -52,10 +52,7 @@ const i_propiedad_lectura_t *i_propiedad_registro(const i_xml_lectura *xml,
                                                   const char *texto_propiedad) {
     const i_registro_t &registro = i_registro(xml);
     ZARN_ASSERT_NO_NULL(texto_propiedad, ORIGEN_STREAMING);
-    for (const i_propiedad_lectura_t &p : i_propiedades_registro(&registro))
-        if (i_etiquetas_iguales(p.texto_propiedad, texto_propiedad))
-            return &p;
-    return nullptr;
+    return i_busca_propiedad(i_propiedades_registro(&registro), texto_propiedad);
 }
 
 const std::u16string &i_dato_propiedad_requerida(const i_xml_lectura *xml,
