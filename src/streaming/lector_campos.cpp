@@ -44,9 +44,10 @@ int32_t i_dato_a_long(const i_xml_lectura *xml) {
     return i_widestr_nousar_atol(i_dato_campo(xml).c_str(), ORIGEN_STREAMING, __LINE__);
 }
 
+// The datum's bytes give the number that its wide text gives: a number's characters, "NaN" and
+// the comma are ASCII, and neither a multibyte character nor an entity decodes to one of them.
 double i_dato_a_double(const i_xml_lectura *xml) {
-    const i_dato_t &d = i_dato(xml);
-    return d.es_ascii_llano() ? i_atof_vista(d.bruto()) : i_atof_u(d.c_str());
+    return i_atof_vista(i_dato(xml).bruto());
 }
 
 uint32_t i_dato_a_ulong(const i_xml_lectura *xml) {
