@@ -24,7 +24,8 @@ bool i_dato_igual_may_o_min(const i_dato_t &d, std::u16string_view texto) {
     const std::string &b = d.bruto();
     return b.size() == texto.size() &&
            std::equal(b.begin(), b.end(), texto.begin(), [](char a, char16_t w) {
-               return zarn::pliega(static_cast<char16_t>(a)) == zarn::pliega(w);
+               const auto c = static_cast<char16_t>(a);
+               return c == w || zarn::pliega(c) == zarn::pliega(w);
            });
 }
 
