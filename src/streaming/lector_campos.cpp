@@ -2,6 +2,9 @@
 // tolerant truth test and the reading of a whole file into a string.
 #include "streaming/lector.hpp"
 
+#include <algorithm>
+#include <limits>
+
 using zarn::ORIGEN_STREAMING;
 
 namespace {
@@ -41,12 +44,14 @@ zybool i_dato_registro_a_bool(const i_xml_lectura *xml) {
     return FALSO;
 }
 
-int32_t i_dato_a_long(const i_xml_lectura *xml) {
-    return i_widestr_nousar_atol(i_dato_campo(xml).c_str(), ORIGEN_STREAMING, __LINE__);
-}
-
 // The datum's bytes give the number that its wide text gives: a number's characters, "NaN" and
 // the comma are ASCII, and neither a multibyte character nor an entity decodes to one of them.
+int32_t i_dato_a_long(const i_xml_lectura *xml) {
+    using lim = std::numeric_limits<int32_t>;
+    return static_cast<int32_t>(std::clamp<int64_t>(zarn::texto_a_int64(i_dato(xml).bruto()),
+                                                    lim::min(), lim::max()));
+}
+
 double i_dato_a_double(const i_xml_lectura *xml) {
     return i_atof_vista(i_dato(xml).bruto());
 }
