@@ -137,7 +137,9 @@ char16_t *i_decodifica_cadena(std::string_view cadena, int32_t tipo_codificacion
                 if (n == 8)
                     continue;
             } else if (static_cast<unsigned char>(*p) < 0x80 && *p != '&') {
-                *o++ = static_cast<unsigned char>(*p++);
+                do
+                    *o++ = static_cast<unsigned char>(*p++);
+                while (p < fin && static_cast<unsigned char>(*p) < 0x80 && *p != '&');
                 continue;
             }
             const std::string_view resto(p, static_cast<size_t>(fin - p));
