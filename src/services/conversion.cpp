@@ -5,6 +5,8 @@
 // is read as its Windows-1252 character, so legacy 8-bit text never stops a conversion.
 #include "services/servicios.hpp"
 
+#include <bit>
+
 namespace zarn {
 
 namespace {
@@ -73,6 +75,19 @@ inline bool ocho_ascii(const byte_t *p) noexcept {
     uint64_t w;
     std::memcpy(&w, p, 8);
     return (w & ALTOS_8) == 0;
+}
+
+// How many of the eight bytes at p are ASCII before the first that is not (8 if all are).
+inline size_t ascii_de_ocho(const byte_t *p) noexcept {
+    uint64_t w;
+    std::memcpy(&w, p, 8);
+    const uint64_t altos = w & ALTOS_8;
+    if (altos == 0)
+        return 8;
+    // The first byte in memory is the low end of the word on little-endian machines.
+    const int antes = std::endian::native == std::endian::little ? std::countr_zero(altos)
+                                                                 : std::countl_zero(altos);
+    return static_cast<size_t>(antes) / 8;
 }
 
 inline bool cuatro_ascii(const char16_t *p) noexcept {
@@ -167,14 +182,17 @@ char *escribe_utf8(const char16_t *p, const char16_t *fin, char *o) noexcept {
 // UTF-8 to UTF-16; never more units than bytes.
 char16_t *escribe_utf16(const byte_t *p, const byte_t *fin, char16_t *o) noexcept {
     while (p < fin) {
-        while (fin - p >= 8 && ocho_ascii(p)) {
+        if (fin - p >= 8) {
+            // Eight bytes widened at once (the room is there); those before the first byte that
+            // is not ASCII are kept.
+            const size_t n = ascii_de_ocho(p);
             for (int k = 0; k < 8; ++k)
                 o[k] = p[k];
-            p += 8;
-            o += 8;
+            p += n;
+            o += n;
+            if (n == 8)
+                continue;
         }
-        if (p == fin)
-            break;
         const byte_t b = *p;
         if (b < 0x80) {
             *o++ = b;
@@ -240,6 +258,11 @@ void utf8_a_utf16(std::string_view s, std::u16string &out) {
     out.resize(base + s.size());
     char16_t *fin = escribe_utf16(bytes(s), bytes(s) + s.size(), out.data() + base);
     out.resize(static_cast<size_t>(fin - out.data()));
+}
+
+char16_t *utf8_a_utf16(const char *p, const char *fin, char16_t *o) noexcept {
+    return escribe_utf16(reinterpret_cast<const byte_t *>(p), reinterpret_cast<const byte_t *>(fin),
+                         o);
 }
 
 char *dup_utf8(std::u16string_view s) {

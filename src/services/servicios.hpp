@@ -126,6 +126,9 @@ void utf16_a_utf8(std::u16string_view s, std::string &out);
 char *utf16_a_utf8(const char16_t *p, const char16_t *fin, char *o) noexcept;
 // UTF-8 to UTF-16; a byte outside a valid sequence is its Windows-1252 character.
 void utf8_a_utf16(std::string_view s, std::u16string &out);
+// The same into a buffer with room for one unit a byte, all of which it may use as scratch; gives
+// the end of what it wrote.
+char16_t *utf8_a_utf16(const char *p, const char *fin, char16_t *o) noexcept;
 // 8-bit to UTF-8: valid sequences are copied, other bytes become their Windows-1252 character.
 void ansi_a_utf8(std::string_view s, std::string &out);
 // UTF-16 to Latin-1, '?' for what Latin-1 cannot hold (a surrogate pair counts once).

@@ -276,6 +276,9 @@ const char *i_dame_linea(i_fuente_t *fuente, uint32_t ind_linea, zybool *alcanza
 // A finished 8-bit text as wide text: Latin-1 under i_CODIFICACION_ISO_8859_1; UTF-8 with
 // "&lt;", "&gt;" and "&amp;" resolved under the other encodings.
 void i_decodifica_cadena(std::string_view cadena, int32_t tipo_codificacion, std::u16string &out);
+// The same into a buffer with room for one unit a byte, all of which it may use as scratch; gives
+// the end of what it wrote.
+char16_t *i_decodifica_cadena(std::string_view cadena, int32_t tipo_codificacion, char16_t *o);
 std::u16string i_decodifica_cadena(std::string_view cadena, int32_t tipo_codificacion);
 
 // Takes the encoding from the "encoding" properties of a declaration piece.
@@ -339,6 +342,16 @@ const i_dato_t &i_dato_registro(const i_registro_t *registro);
 
 // The tag of the current record equals `etiqueta`, case ignored.
 bool i_es_etiqueta_registro_igual(const i_xml_lectura *xml, const char *etiqueta);
+// A tag read (which holds no zero byte) equals `etiqueta`, case ignored; the usual answer, the
+// same bytes, is found without measuring `etiqueta` first.
+inline bool i_etiquetas_iguales(std::string_view leida, const char *etiqueta) noexcept {
+    // The first difference, at the latest the zero byte that ends `etiqueta`.
+    size_t i = 0;
+    while (i < leida.size() && leida[i] == etiqueta[i])
+        ++i;
+    return (i == leida.size() && etiqueta[i] == '\0') ||
+           zarn::iguales_may_o_min(leida, std::string_view(etiqueta));
+}
 // The first property named `nombre` (case ignored), or null.
 const i_propiedad_lectura_t *i_busca_propiedad(const i_propiedades_t &propiedades,
                                                std::string_view nombre);

@@ -2,6 +2,9 @@
 // tolerant truth test and the reading of a whole file into a string.
 #include "streaming/lector.hpp"
 
+#include <algorithm>
+#include <limits>
+
 using zarn::ORIGEN_STREAMING;
 
 namespace {
@@ -24,7 +27,8 @@ bool i_dato_igual_may_o_min(const i_dato_t &d, std::u16string_view texto) {
     const std::string &b = d.bruto();
     return b.size() == texto.size() &&
            std::equal(b.begin(), b.end(), texto.begin(), [](char a, char16_t w) {
-               return zarn::pliega(static_cast<char16_t>(a)) == zarn::pliega(w);
+               const auto c = static_cast<char16_t>(a);
+               return c == w || zarn::pliega(c) == zarn::pliega(w);
            });
 }
 
@@ -40,17 +44,20 @@ zybool i_dato_registro_a_bool(const i_xml_lectura *xml) {
     return FALSO;
 }
 
+// The datum's bytes give the number that its wide text gives: a number's characters, "NaN" and
+// the comma are ASCII, and neither a multibyte character nor an entity decodes to one of them.
 int32_t i_dato_a_long(const i_xml_lectura *xml) {
-    return i_widestr_nousar_atol(i_dato_campo(xml).c_str(), ORIGEN_STREAMING, __LINE__);
-}
-
-uint32_t i_dato_a_ulong(const i_xml_lectura *xml) {
-    return i_cambtipo_double_a_ulong(i_atof_u(i_dato_campo(xml).c_str()));
+    using lim = std::numeric_limits<int32_t>;
+    return static_cast<int32_t>(std::clamp<int64_t>(zarn::texto_a_int64(i_dato(xml).bruto()),
+                                                    lim::min(), lim::max()));
 }
 
 double i_dato_a_double(const i_xml_lectura *xml) {
-    const i_dato_t &d = i_dato(xml);
-    return d.es_ascii_llano() ? i_atof_vista(d.bruto()) : i_atof_u(d.c_str());
+    return i_atof_vista(i_dato(xml).bruto());
+}
+
+uint32_t i_dato_a_ulong(const i_xml_lectura *xml) {
+    return i_cambtipo_double_a_ulong(i_dato_a_double(xml));
 }
 
 // A file opened for reading, closed at the end of the scope however the scope ends.
@@ -86,13 +93,11 @@ bool i_lee_campo_si_existe(i_xml_lectura *xml, const char *etiqueta) {
 CADENA_u i_lee_cadena_u(zarnfxml_t *xml, const char *etiqueta) {
     i_xml_lectura *x = I_LECTOR(xml);
     i_lee_campo_admite_vacio(x, etiqueta);
+    // Decoded straight into the text handed out, which has room for one unit a byte.
     const i_dato_t &d = i_dato(x);
-    // Without entities, decoding a UTF-8 text (or an ASCII one in any encoding) is converting it.
-    const std::string &b = d.bruto();
-    const bool sin_entidades = b.find('&') == std::string::npos;
-    if (sin_entidades && (d.tipo_codificacion() != i_CODIFICACION_ISO_8859_1 || d.es_ascii_llano()))
-        return zarn::dup_utf16(b);
-    return zarn::dup_u(d.texto());
+    zarn::CadenaPropia<char16_t> r(zarn::reserva_u(d.bruto().size()));
+    *i_decodifica_cadena(d.bruto(), d.tipo_codificacion(), r.get()) = u'\0';
+    return r.release();
 }
 
 double i_lee_double(zarnfxml_t *xml, const char *etiqueta) {

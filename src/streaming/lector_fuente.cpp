@@ -6,6 +6,7 @@
 #include <zarnxml/zarnfxml.h>
 
 #include <algorithm>
+#include <bit>
 #include <cstring>
 
 using zarn::ORIGEN_STREAMING;
@@ -14,10 +15,26 @@ namespace {
 
 constexpr const char *LINEA_VACIA = "";
 
+// How many of the eight bytes at p are plain, ASCII and not '&', before the first that is not (8
+// if all are). Each byte is marked in its high bit on its own, with no carry between bytes.
+size_t llanos_de_ocho(const char *p) noexcept {
+    constexpr uint64_t BAJOS = 0x7F7F7F7F7F7F7F7Full;
+    uint64_t w = 0;
+    std::memcpy(&w, p, 8);
+    const uint64_t x = w ^ 0x2626262626262626ull; // a zero byte where w holds '&'
+    const uint64_t no_cero = ((x & BAJOS) + BAJOS) | x; // high bit set where x's byte is not 0
+    const uint64_t marcas = (w | ~no_cero) & ~BAJOS;
+    if (marcas == 0)
+        return 8;
+    // The first byte in memory is the low end of the word on little-endian machines.
+    const int antes = std::endian::native == std::endian::little ? std::countr_zero(marcas)
+                                                                 : std::countl_zero(marcas);
+    return static_cast<size_t>(antes) / 8;
+}
+
 } // namespace
 
 // ---- The reader object -----------------------------------------------------------------------
-
 
 i_xml_lectura *i_lector(zarnfxml_t *xml, uint32_t linea_fuente) {
     if (xml == nullptr) [[unlikely]]
@@ -88,40 +105,68 @@ const char *i_dame_linea(i_fuente_t *fuente, uint32_t ind_linea, zybool *alcanza
 
 // ---- Encoding and decoding -------------------------------------------------------------------
 
-void i_decodifica_cadena(std::string_view cadena, int32_t tipo_codificacion, std::u16string &out) {
+char16_t *i_decodifica_cadena(std::string_view cadena, int32_t tipo_codificacion, char16_t *o) {
     switch (tipo_codificacion) {
     case i_CODIFICACION_ISO_8859_1:
-        zarn::latin1_a_utf16(cadena, out);
-        return;
+        for (const char c : cadena)
+            *o++ = static_cast<unsigned char>(c);
+        return o;
     case i_CODIFICACION_UTF_8:
     case i_CODIFICACION_UTF_8_COMILLAS:
     case i_CODIFICACION_UTF_16:
-        // "&lt;", "&gt;" and "&amp;" are resolved on the bytes, between runs converted as they
-        // stand: no UTF-8 sequence, whole or broken, holds an ASCII byte, so this gives what
-        // converting first and resolving after gives. A replacement makes no new entity.
-        for (;;) {
-            const size_t amp = cadena.find('&');
-            zarn::utf8_a_utf16(cadena.substr(0, amp), out);
-            if (amp == std::string_view::npos)
-                return;
-            cadena.remove_prefix(amp);
-            if (cadena.starts_with("&lt;")) {
-                out += u'<';
-                cadena.remove_prefix(4);
-            } else if (cadena.starts_with("&gt;")) {
-                out += u'>';
-                cadena.remove_prefix(4);
-            } else if (cadena.starts_with("&amp;")) {
-                out += u'&';
-                cadena.remove_prefix(5);
-            } else {
-                out += u'&';
-                cadena.remove_prefix(1);
+        // "&lt;", "&gt;" and "&amp;" are resolved on the bytes, the text between them converted
+        // as it stands: no UTF-8 sequence, whole or broken, holds an ASCII byte, so this gives
+        // what converting first and resolving after gives. A replacement makes no new entity.
+        for (const char *p = cadena.data(), *fin = p + cadena.size(); p < fin;) {
+            // Plain bytes, eight at a time while eight remain: all eight are widened (the room is
+            // there) and those before the first that is not plain are kept.
+            if (fin - p >= 8) {
+                const size_t n = llanos_de_ocho(p);
+                for (int k = 0; k < 8; ++k)
+                    o[k] = static_cast<unsigned char>(p[k]);
+                p += n;
+                o += n;
+                if (n == 8)
+                    continue;
+            } else if (static_cast<unsigned char>(*p) < 0x80 && *p != '&') {
+                do
+                    *o++ = static_cast<unsigned char>(*p++);
+                while (p < fin && static_cast<unsigned char>(*p) < 0x80 && *p != '&');
+                continue;
             }
+            const std::string_view resto(p, static_cast<size_t>(fin - p));
+            if (*p != '&') {
+                // Text beyond ASCII: up to the next entity, converted in one go.
+                const char *hasta = p + std::min(resto.find('&'), resto.size());
+                o = zarn::utf8_a_utf16(p, hasta, o);
+                p = hasta;
+                continue;
+            }
+            char16_t c = u'&';
+            size_t largo = 1;
+            if (resto.starts_with("&lt;")) {
+                c = u'<';
+                largo = 4;
+            } else if (resto.starts_with("&gt;")) {
+                c = u'>';
+                largo = 4;
+            } else if (resto.starts_with("&amp;")) {
+                largo = 5;
+            }
+            *o++ = c;
+            p += largo;
         }
+        return o;
     default:
         ZARN_DEFAULT_ERROR(ORIGEN_STREAMING);
     }
+}
+
+void i_decodifica_cadena(std::string_view cadena, int32_t tipo_codificacion, std::u16string &out) {
+    const size_t base = out.size();
+    out.resize(base + cadena.size());
+    char16_t *fin = i_decodifica_cadena(cadena, tipo_codificacion, out.data() + base);
+    out.resize(static_cast<size_t>(fin - out.data()));
 }
 
 std::u16string i_decodifica_cadena(std::string_view cadena, int32_t tipo_codificacion) {

@@ -167,7 +167,7 @@ bool i_es_siguiente_pieza(i_xml_lectura *xml, i_tipo_pieza_t tipo1, i_tipo_pieza
     }
     bool es = pieza->tipo_pieza == tipo1 || pieza->tipo_pieza == tipo2;
     if (es && etiqueta)
-        es = zarn::iguales_may_o_min(std::string_view(pieza->etiqueta), std::string_view(etiqueta));
+        es = i_etiquetas_iguales(pieza->etiqueta, etiqueta);
     if (es && texto_propiedad)
         es = i_existe_propiedad_con_dato(pieza->propiedades, texto_propiedad,
                                          dato_propiedad ? dato_propiedad : u"") == CIERTO;
@@ -192,7 +192,11 @@ void i_lee_inicio_bloque(i_xml_lectura *xml, const char *etiqueta) {
 bool i_se_lee_inicio_bloque(i_xml_lectura *xml, const char *etiqueta) {
     if (!i_es_siguiente_inicio_bloque(xml, etiqueta))
         return false;
-    i_lee_inicio_bloque(xml, etiqueta);
+    // The look-ahead saw the start tag and compared its tag: the record needs no second look.
+    const i_tipo_registro_t tipo_registro = i_lee_registro(xml, FALSO);
+    i_asserta_tipo_registro(tipo_registro, i_REGISTRO_INICIO_BLOQUE,
+                            "tipo_registro == i_REGISTRO_INICIO_BLOQUE");
+    ZARN_ASSERT_NO_NULL(etiqueta, ORIGEN_STREAMING);
     return true;
 }
 

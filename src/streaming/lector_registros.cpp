@@ -272,8 +272,7 @@ const i_dato_t &i_dato_registro(const i_registro_t *registro) {
 bool i_es_etiqueta_registro_igual(const i_xml_lectura *xml, const char *etiqueta) {
     ZARN_ASSERT_NO_NULL(xml, ORIGEN_STREAMING);
     ZARN_ASSERT_NO_NULL(etiqueta, ORIGEN_STREAMING);
-    return zarn::iguales_may_o_min(std::string_view(i_etiqueta_registro(&i_registro(xml))),
-                                   std::string_view(etiqueta));
+    return i_etiquetas_iguales(i_etiqueta_registro(&i_registro(xml)), etiqueta);
 }
 
 const i_propiedad_lectura_t *i_busca_propiedad(const i_propiedades_t &propiedades,
