@@ -3,8 +3,10 @@
 
 #include <zarnxml/zarntipos.h>
 
+#include <algorithm>
 #include <cstdint>
 #include <cstdio>
+#include <cstring>
 #include <filesystem>
 #include <memory>
 #include <string>
@@ -50,7 +52,22 @@ public:
     static constexpr size_t SIN_LIMITE = SIZE_MAX / 4;
 
     // The next line, valid until the next call; null once the file is exhausted.
-    char *siguiente(zarnio_fichero_s &fichero, size_t max);
+    char *siguiente(zarnio_fichero_s &fichero, size_t max) {
+        // The usual line, inline: nothing borrowed, nothing searched yet, its LF in the block.
+        if (!hay_guardado_ && buscado_ == 0 && fin_ > pos_) {
+            char *linea = buf_.get() + pos_;
+            const size_t tope = std::min(fin_ - pos_, max + 1);
+            if (const auto *lf = static_cast<const char *>(std::memchr(linea, '\n', tope))) {
+                const auto k = static_cast<size_t>(lf - linea);
+                const size_t largo = (k > 0 && linea[k - 1] == '\r') ? k - 1 : k;
+                linea[largo] = '\0';
+                largo_ = largo;
+                pos_ += k + 1;
+                return linea;
+            }
+        }
+        return siguiente_lento(fichero, max);
+    }
     // The length of the line last delivered (it may hold zero bytes of its own).
     size_t largo() const noexcept { return largo_; }
     // Takes up to n of the bytes read and not yet delivered; gives the count taken.
@@ -64,6 +81,7 @@ public:
     static constexpr size_t HOLGURA = 64;
 
 private:
+    char *siguiente_lento(zarnio_fichero_s &fichero, size_t max);
     void lee_mas(zarnio_fichero_s &fichero, size_t max);
     void agranda(size_t nueva);
     void repone() noexcept {

@@ -159,7 +159,7 @@ bool CortadorLineas::lee_utf16_si_hay_marca(zarnio_fichero_s &fichero) {
     return true;
 }
 
-char *CortadorLineas::siguiente(zarnio_fichero_s &fichero, size_t max) {
+char *CortadorLineas::siguiente_lento(zarnio_fichero_s &fichero, size_t max) {
     repone();
     for (;;) {
         char *linea = buf_.get() + pos_;
