@@ -49,7 +49,15 @@ private:
     // A new block of n bytes.
     char *bloque(size_t n);
 
-    std::vector<std::unique_ptr<char[]>> bloques_;
+    static constexpr size_t PAGINA_GRANDE = size_t{2} << 20;
+    struct Libera {
+        bool pagina_grande; // allocated aligned to PAGINA_GRANDE
+        void operator()(char *p) const noexcept;
+    };
+    using Bloque = std::unique_ptr<char[], Libera>;
+    static_assert(BLOQUE_MAXIMO % PAGINA_GRANDE == 0);
+
+    std::vector<Bloque> bloques_;
     std::vector<Tramo> tramos_; // consecutive lines in one block, in output order
     char *libre_ = nullptr;     // the free part of the block in hand
     size_t queda_ = 0;
