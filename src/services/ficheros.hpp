@@ -158,7 +158,7 @@ public:
     void cierra();
 
 private:
-    static constexpr size_t TAM = size_t{1} << 20;
+    static constexpr size_t TAM = size_t{256} << 10;
     void pon(const char *p, size_t n);
     void vuelca();
 

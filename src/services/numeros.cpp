@@ -108,7 +108,7 @@ std::string double_a_texto(double valor, uint32_t ancho, uint32_t decimales,
     else if (decimales > precision)
         t.append(decimales - precision, '0');
     // A value that rounds to zero carries no sign.
-    if (t[0] == '-' && t.find_first_of("123456789") == std::string::npos)
+    if (t[0] == '-' && std::none_of(t.begin(), t.end(), [](char c) { return c > '0' && c <= '9'; }))
         t.erase(0, 1);
     if (t.size() > ancho)
         return exponente_mas_corto(valor);

@@ -6,20 +6,41 @@
 
 #include <algorithm>
 #include <cstring>
+#include <new>
+#include <utility>
+
+#include <sys/mman.h>
 
 using zarn::ORIGEN_STREAMING;
 
-char *i_almacen_lineas::bloque(size_t n) {
-    return bloques_.emplace_back(std::make_unique_for_overwrite<char[]>(n)).get();
+void i_almacen_lineas::Libera::operator()(char *p) const noexcept {
+    if (pagina_grande)
+        ::operator delete[](p, std::align_val_t{PAGINA_GRANDE});
+    else
+        delete[] p;
 }
 
-void i_almacen_lineas::anade(std::string_view linea) {
-    const size_t n = linea.size() + 1;
+char *i_almacen_lineas::bloque(size_t n) {
+    // A block of whole huge pages is aligned to them and advised as such: filling a large
+    // document then costs a page fault every 2 MiB instead of every 4 KiB. The advice may go
+    // unheeded, which changes nothing else.
+    const bool grande = n % PAGINA_GRANDE == 0;
+    Bloque b(grande ? static_cast<char *>(::operator new[](n, std::align_val_t{PAGINA_GRANDE}))
+                    : new char[n],
+             Libera{grande});
+#ifdef MADV_HUGEPAGE
+    if (grande)
+        madvise(b.get(), n, MADV_HUGEPAGE);
+#endif
+    return bloques_.emplace_back(std::move(b)).get();
+}
+
+char *i_almacen_lineas::anade_hueco(size_t largo) {
+    const size_t n = largo + 1;
     char *destino;
     if (n > BLOQUE_MAXIMO / 4) {
         // A long line gets a block of its own; the block in hand goes on being filled after it.
         destino = bloque(n);
-        tramos_.push_back({destino, n});
     } else {
         if (n > queda_) [[unlikely]] {
             // The first block is small, for the many small documents; the others are large.
@@ -28,19 +49,26 @@ void i_almacen_lineas::anade(std::string_view linea) {
             queda_ = tamanyo;
         }
         destino = libre_;
-        if (!tramos_.empty() && tramos_.back().ini + tramos_.back().bytes == destino)
-            tramos_.back().bytes += n;
-        else
-            tramos_.push_back({destino, n});
+    }
+    // What may throw comes first, so that a line is counted only once it has its place.
+    const bool sigue_tramo =
+        !tramos_.empty() && tramos_.back().ini + tramos_.back().bytes == destino;
+    if (!sigue_tramo)
+        tramos_.push_back({destino, 0});
+    if (lista_)
+        lista_->v.push_back(destino);
+    tramos_.back().bytes += n;
+    if (destino == libre_) {
         libre_ += n;
         queda_ -= n;
     }
-    if (!linea.empty())
-        std::memcpy(destino, linea.data(), linea.size());
-    destino[linea.size()] = '\0';
+    destino[largo] = '\0';
     ++num_lineas_;
-    if (lista_)
-        lista_->v.push_back(destino);
+    return destino;
+}
+
+void i_almacen_lineas::anade(std::string_view linea) {
+    i_pon(anade_hueco(linea.size()), linea);
 }
 
 ArrCADENA_s *i_almacen_lineas::lista() {
@@ -54,7 +82,9 @@ ArrCADENA_s *i_almacen_lineas::lista() {
 }
 
 i_xml_escritura::i_xml_escritura(std::unique_ptr<i_conf_t> c)
-    : zarnfxml_s(i_clase_objeto::escritor), conf(std::move(c)) {}
+    : zarnfxml_s(i_clase_objeto::escritor), conf(std::move(c)),
+      texto_verdad(i_codifica_cadena_u(conf->texto_zybool_true, conf->tipo_codificacion, false)),
+      texto_falso(i_codifica_cadena_u(conf->texto_zybool_false, conf->tipo_codificacion, false)) {}
 
 i_xml_escritura *i_escritor(zarnfxml_t *xml, uint32_t linea_fuente) {
     if (xml == nullptr) [[unlikely]]
@@ -72,22 +102,40 @@ constexpr bool es_especial(char c) {
     return c == '&' || c == '<' || c == '>';
 }
 
-const char *entidad(char c) {
+constexpr std::string_view entidad(char c) {
     return c == '&' ? "&amp;" : c == '<' ? "&lt;" : "&gt;";
 }
 
+} // namespace
+
+size_t i_largo_con_entidades(std::string_view cadena) noexcept {
+    size_t n = cadena.size();
+    for (const char c : cadena)
+        n += c == '&' ? 4 : c == '<' || c == '>' ? 3 : 0;
+    return n;
+}
+
+char *i_pon_con_entidades(char *p, std::string_view cadena) noexcept {
+    const char *q = cadena.data();
+    const char *fin = q + cadena.size();
+    while (q < fin) {
+        const char *especial = std::find_if(q, fin, es_especial);
+        p = std::copy(q, especial, p);
+        if (especial == fin)
+            break;
+        p = i_pon(p, entidad(*especial));
+        q = especial + 1;
+    }
+    return p;
+}
+
+namespace {
+
 // Appends text with '&', '<', '>' replaced by their entities, in one pass.
 void i_anade_con_entidades(std::string &out, std::string_view cadena) {
-    const char *p = cadena.data();
-    const char *fin = p + cadena.size();
-    while (p < fin) {
-        const char *q = std::find_if(p, fin, es_especial);
-        out.append(p, q);
-        if (q == fin)
-            return;
-        out += entidad(*q);
-        p = q + 1;
-    }
+    const size_t base = out.size();
+    out.resize(base + i_largo_con_entidades(cadena));
+    i_pon_con_entidades(out.data() + base, cadena);
 }
 
 // Replaces '&', '<', '>' in out[desde..]. One pass gives what the three passes '&', then '<',
@@ -172,17 +220,23 @@ std::string i_cadena_con_comillas(std::string_view cadena, int32_t tipo_codifica
 
 // ---- The line store --------------------------------------------------------------------------
 
-std::string &i_empieza_linea(i_xml_escritura *xml) {
+namespace {
+
+// The indentation of the present level: its length and its character.
+std::pair<size_t, char> i_sangria(const i_xml_escritura *xml) {
     ZARN_ASSERT_NO_NULL(xml->conf, ORIGEN_STREAMING);
     const size_t n = xml->etiquetas_abiertas.size();
+    if (xml->conf->indenta_con_espacios == CIERTO)
+        return {size_t{xml->conf->num_espacios_indentacion} * n, ' '};
+    return {n, '\t'};
+}
+
+} // namespace
+
+std::string &i_empieza_linea(i_xml_escritura *xml) {
+    const auto [largo, caracter] = i_sangria(xml);
     std::string &linea = xml->linea;
-    linea.clear();
-    if (n > 0) {
-        if (xml->conf->indenta_con_espacios == CIERTO)
-            linea.append(size_t{xml->conf->num_espacios_indentacion} * n, ' ');
-        else
-            linea.append(n, '\t');
-    }
+    linea.assign(largo, caracter);
     return linea;
 }
 
@@ -190,9 +244,15 @@ void i_graba_linea_construida(i_xml_escritura *xml) {
     xml->lineas.anade(xml->linea);
 }
 
+char *i_hueco_linea(i_xml_escritura *xml, size_t largo) {
+    const auto [sangria, caracter] = i_sangria(xml);
+    char *p = xml->lineas.anade_hueco(sangria + largo);
+    std::fill_n(p, sangria, caracter);
+    return p + sangria;
+}
+
 void i_graba_linea(i_xml_escritura *xml, std::string_view texto) {
-    i_empieza_linea(xml).append(texto);
-    i_graba_linea_construida(xml);
+    i_pon(i_hueco_linea(xml, texto.size()), texto);
 }
 
 void i_graba_linea_sin_indentar(i_xml_escritura *xml, std::string_view texto) {
@@ -200,7 +260,7 @@ void i_graba_linea_sin_indentar(i_xml_escritura *xml, std::string_view texto) {
 }
 
 void i_graba_campo(i_xml_escritura *xml, std::string_view etiqueta, std::string_view dato) {
-    i_graba_campo_con(xml, etiqueta, [dato](std::string &l) { l += dato; });
+    i_graba_campo_en_sitio(xml, etiqueta, dato.size(), [dato](char *p) { i_pon(p, dato); });
 }
 
 void i_graba_campo_con_propiedad(i_xml_escritura *xml, std::string_view etiqueta,
@@ -222,19 +282,16 @@ void i_graba_campo_con_propiedad(i_xml_escritura *xml, std::string_view etiqueta
 }
 
 void i_graba_linea_inicio_bloque(i_xml_escritura *xml, std::string_view etiqueta) {
-    std::string &l = i_empieza_linea(xml);
-    l += '<';
-    l += etiqueta;
-    l += '>';
-    i_graba_linea_construida(xml);
+    char *p = i_hueco_linea(xml, etiqueta.size() + 2);
+    *p++ = '<';
+    *i_pon(p, etiqueta) = '>';
 }
 
 void i_graba_linea_fin_bloque(i_xml_escritura *xml, std::string_view etiqueta) {
-    std::string &l = i_empieza_linea(xml);
-    l += "</";
-    l += etiqueta;
-    l += '>';
-    i_graba_linea_construida(xml);
+    char *p = i_hueco_linea(xml, etiqueta.size() + 3);
+    *p++ = '<';
+    *p++ = '/';
+    *i_pon(p, etiqueta) = '>';
 }
 
 std::string i_linea_cabecera_xml(const i_xml_escritura *xml) {
@@ -271,8 +328,14 @@ void i_graba_cadena(zarnfxml_t *handle, const char *etiqueta, const char *cadena
     i_xml_escritura *xml = I_ESCRITOR(handle);
     ZARN_ASSERT_NO_NULL(xml->conf, ORIGEN_STREAMING);
     const int32_t tipo = xml->conf->tipo_codificacion;
-    i_graba_campo_con(xml, etiqueta,
-                      [&](std::string &l) { i_codifica(l, zarn::vista(cadena), tipo, false); });
+    const std::string_view texto = zarn::vista(cadena);
+    if (tipo != i_CODIFICACION_ISO_8859_1 && zarn::es_utf8_valido(texto)) {
+        // The usual case: escaped straight into its place in the store.
+        i_graba_campo_en_sitio(xml, etiqueta, i_largo_con_entidades(texto),
+                               [texto](char *p) { i_pon_con_entidades(p, texto); });
+        return;
+    }
+    i_graba_campo_con(xml, etiqueta, [&](std::string &l) { i_codifica(l, texto, tipo, false); });
 }
 
 void i_graba_cadena_u(zarnfxml_t *handle, const char *etiqueta, const char16_t *cadena) {

@@ -4,10 +4,16 @@
 #include "services/arrays.hpp"
 #include "streaming/comun.hpp"
 
+#include <algorithm>
 #include <memory>
 #include <string>
 #include <string_view>
 #include <vector>
+
+// Copies s to p; gives the end of the copy.
+inline char *i_pon(char *p, std::string_view s) noexcept {
+    return std::copy(s.begin(), s.end(), p);
+}
 
 // The finished lines of a writer. Their text is kept in large blocks that never move, one line
 // after another, each ended by a zero byte: a line costs a copy, not an allocation of its own, and
@@ -16,6 +22,9 @@
 class i_almacen_lineas {
 public:
     void anade(std::string_view linea);
+    // Room for a line of `largo` bytes, already ended: the caller writes its text there before
+    // anything else is added.
+    char *anade_hueco(size_t largo);
     size_t size() const noexcept { return num_lineas_; }
     bool empty() const noexcept { return num_lineas_ == 0; }
     // Calls f(std::string_view) for the first n lines in order. f may add lines to this store:
@@ -49,7 +58,15 @@ private:
     // A new block of n bytes.
     char *bloque(size_t n);
 
-    std::vector<std::unique_ptr<char[]>> bloques_;
+    static constexpr size_t PAGINA_GRANDE = size_t{2} << 20;
+    struct Libera {
+        bool pagina_grande; // allocated aligned to PAGINA_GRANDE
+        void operator()(char *p) const noexcept;
+    };
+    using Bloque = std::unique_ptr<char[], Libera>;
+    static_assert(BLOQUE_MAXIMO % PAGINA_GRANDE == 0);
+
+    std::vector<Bloque> bloques_;
     std::vector<Tramo> tramos_; // consecutive lines in one block, in output order
     char *libre_ = nullptr;     // the free part of the block in hand
     size_t queda_ = 0;
@@ -61,6 +78,9 @@ struct i_xml_escritura : zarnfxml_s {
     i_xml_escritura(std::unique_ptr<i_conf_t> c);
 
     std::unique_ptr<i_conf_t> conf;
+    // The profile's texts of the truth values in output form.
+    std::string texto_verdad;
+    std::string texto_falso;
     // The finished lines of the body, in output order.
     i_almacen_lineas lineas;
     // The tags of the open blocks, outermost first; their count is the indentation level.
@@ -91,6 +111,10 @@ inline std::string i_codifica_cadena_u(std::u16string_view cadena, int32_t tipo,
     i_codifica_u(out, cadena, tipo, sin_entidades);
     return out;
 }
+// The length of a text with '&', '<', '>' replaced by their entities, and the text so written at p
+// (gives the end of what it wrote).
+size_t i_largo_con_entidades(std::string_view cadena) noexcept;
+char *i_pon_con_entidades(char *p, std::string_view cadena) noexcept;
 // The text of zarnfxml_graba_cadena_con_comillas.
 std::string i_cadena_con_comillas(std::string_view cadena, int32_t tipo_codificacion);
 
@@ -98,6 +122,24 @@ std::string i_cadena_con_comillas(std::string_view cadena, int32_t tipo_codifica
 // and calls i_graba_linea_construida.
 std::string &i_empieza_linea(i_xml_escritura *xml);
 void i_graba_linea_construida(i_xml_escritura *xml);
+// Adds a line of `largo` bytes after the indentation of the present level, which it writes; the
+// caller writes the text at the address returned.
+char *i_hueco_linea(i_xml_escritura *xml, size_t largo);
+// <etiqueta>dato</etiqueta> with a datum of a known length in output form, written in place by
+// pon_dato(char *).
+template <typename F>
+void i_graba_campo_en_sitio(i_xml_escritura *xml, std::string_view etiqueta, size_t largo_dato,
+                            F &&pon_dato) {
+    char *p = i_hueco_linea(xml, 2 * etiqueta.size() + 5 + largo_dato);
+    *p++ = '<';
+    p = i_pon(p, etiqueta);
+    *p++ = '>';
+    pon_dato(p);
+    p += largo_dato;
+    *p++ = '<';
+    *p++ = '/';
+    *i_pon(p, etiqueta) = '>';
+}
 // Adds a finished text at the present level of indentation.
 void i_graba_linea(i_xml_escritura *xml, std::string_view texto);
 // Adds a text to the store as it is, with no indentation.

@@ -9,11 +9,9 @@ namespace {
 
 template <typename Entero> void i_graba_entero(zarnfxml_t *handle, const char *etiqueta, Entero v) {
     i_xml_escritura *xml = I_ESCRITOR(handle);
-    i_graba_campo_con(xml, etiqueta, [v](std::string &l) {
-        char buf[24];
-        auto r = std::to_chars(buf, buf + sizeof buf, v);
-        l.append(buf, r.ptr);
-    });
+    char buf[24];
+    const auto r = std::to_chars(buf, buf + sizeof buf, v);
+    i_graba_campo(xml, etiqueta, std::string_view(buf, static_cast<size_t>(r.ptr - buf)));
 }
 
 // Number texts are ASCII: conversion to any output encoding and escaping leave them as they are.
@@ -49,10 +47,7 @@ ZARN_API void zarnfxml_graba_bool(zarnfxml_t *handle, const char *etiqueta, zybo
     ZARN_ASSERT_NO_NULL(xml->conf, ORIGEN_STREAMING);
     if (valor != CIERTO)
         ZARN_ASSERT(valor == FALSO, ORIGEN_STREAMING);
-    const std::u16string &texto =
-        valor == CIERTO ? xml->conf->texto_zybool_true : xml->conf->texto_zybool_false;
-    const int32_t tipo = xml->conf->tipo_codificacion;
-    i_graba_campo_con(xml, etiqueta, [&](std::string &l) { i_codifica_u(l, texto, tipo, false); });
+    i_graba_campo(xml, etiqueta, valor == CIERTO ? xml->texto_verdad : xml->texto_falso);
 }
 ZARN_FRONTERA(ORIGEN_STREAMING)
 

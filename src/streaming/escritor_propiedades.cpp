@@ -2,7 +2,9 @@
 // number of properties, and the operations that consume a list.
 #include "streaming/escritor.hpp"
 
+#include <cstring>
 #include <initializer_list>
+#include <type_traits>
 #include <utility>
 
 using zarn::ORIGEN_STREAMING;
@@ -21,6 +23,37 @@ void i_codifica_valor(std::string &l, const char16_t *dato, int32_t tipo) {
     i_codifica_u(l, zarn::vista(dato), tipo, true);
 }
 
+// The line of i_graba_con_propiedades_fijas written straight into the store when every value is
+// its own output form, which is the usual case: text in the ISO-8859-1 profile, valid UTF-8 in
+// the others. Gives false, having written nothing, otherwise.
+bool i_graba_con_propiedades_tal_cual(i_xml_escritura *xml, std::string_view etiqueta,
+                                      std::initializer_list<i_propiedad_fija<char>> propiedades,
+                                      bool abre_bloque) {
+    const bool latin1 = xml->conf->tipo_codificacion == i_CODIFICACION_ISO_8859_1;
+    size_t largo = 1 + etiqueta.size() + (abre_bloque ? 1 : 3);
+    for (const auto &p : propiedades) {
+        const std::string_view dato = zarn::vista(p.dato);
+        if (!latin1 && !zarn::es_utf8_valido(dato))
+            return false;
+        largo += std::strlen(p.texto) + dato.size() + 4;
+    }
+    char *l = i_hueco_linea(xml, largo);
+    *l++ = '<';
+    l = i_pon(l, etiqueta);
+    for (const auto &p : propiedades) {
+        *l++ = ' ';
+        l = i_pon(l, p.texto);
+        *l++ = '=';
+        *l++ = '"';
+        l = i_pon(l, zarn::vista(p.dato));
+        *l++ = '"';
+    }
+    i_pon(l, abre_bloque ? ">" : " />");
+    if (abre_bloque)
+        xml->etiquetas_abiertas.emplace_back(etiqueta);
+    return true;
+}
+
 // <etiqueta p1="v1" p2="v2"> or, self-closing, <etiqueta p1="v1" p2="v2" />. Values are
 // converted to the output encoding but keep '&', '<', '>' and quotes as they came.
 template <typename Char>
@@ -30,6 +63,10 @@ void i_graba_con_propiedades_fijas(zarnfxml_t *handle, const char *etiqueta,
     i_xml_escritura *xml = I_ESCRITOR(handle);
     ZARN_ASSERT_NO_NULL(xml->conf, ORIGEN_STREAMING);
     const int32_t tipo = xml->conf->tipo_codificacion;
+    if constexpr (std::is_same_v<Char, char>) {
+        if (i_graba_con_propiedades_tal_cual(xml, etiqueta, propiedades, abre_bloque))
+            return;
+    }
     std::string &l = i_empieza_linea(xml);
     l += '<';
     l += etiqueta;
