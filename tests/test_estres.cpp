@@ -231,13 +231,22 @@ void operator delete(void *p) noexcept { std::free(p); }
 void operator delete[](void *p) noexcept { std::free(p); }
 void operator delete(void *p, size_t) noexcept { std::free(p); }
 void operator delete[](void *p, size_t) noexcept { std::free(p); }
-// The tree's arena blocks, aligned to their size.
+// The aligned forms: the tree's arena blocks and the writer's line store.
 void *operator new[](size_t n, std::align_val_t a, const std::nothrow_t &) noexcept {
     const auto al = static_cast<size_t>(a);
     return falla() ? nullptr : std::aligned_alloc(al, (n + al - 1) / al * al);
 }
+void *operator new(size_t n, std::align_val_t a, const std::nothrow_t &t) noexcept { return ::operator new[](n, a, t); }
+void *operator new[](size_t n, std::align_val_t a) {
+    if (void *p = ::operator new[](n, a, std::nothrow))
+        return p;
+    throw std::bad_alloc();
+}
+void *operator new(size_t n, std::align_val_t a) { return ::operator new[](n, a); }
 void operator delete[](void *p, std::align_val_t) noexcept { std::free(p); }
 void operator delete[](void *p, size_t, std::align_val_t) noexcept { std::free(p); }
+void operator delete(void *p, std::align_val_t) noexcept { std::free(p); }
+void operator delete(void *p, size_t, std::align_val_t) noexcept { std::free(p); }
 // clang-format on
 
 namespace {
