@@ -439,6 +439,10 @@ dibuja
     "$(ratio fwrite@$main escritura@$main)" 0.5 ""
   fila "write to a file" "at most 1.2x the fprintf floor (ours / fprintf time <= 1.2)" \
     "$(ratio escritura@$main fprintf@$main)" "" 1.2
+  fila "check from a file" "at most 2x the floor of reading the file (ours / floor time <= 2.0)" \
+    "$(ratio check@$main suelo@$main)" "" 2.0
+  fila "strict typed pull read" "at most 1.2x the check (pull time / check time <= 1.2)" \
+    "$(ratio pull@$main check@$main)" "" 1.2
   fila "tree load and field visits" "at most 0.4x pugixml's time (ours / pugixml time <= 0.4)" \
     "$(ratio arbol@$main pugixml@$main)" "" 0.4
   fila "tree load and field visits" "peak memory at most 1.3x the file (peak / file)" \
