@@ -15,6 +15,29 @@
 
 namespace fs = std::filesystem;
 
+// Every piece (one in three given back and read again), or every record with or without empty
+// fields, of a reader, each with the reader's position and the depth of its stack behind it.
+static std::string traza(std::unique_ptr<i_xml_lectura> xml, int modo) {
+    for (std::string r;;) {
+        bool fin = false;
+        if (modo == 0) {
+            const i_pieza_t &p = i_lee_pieza(xml.get());
+            r += describe(p);
+            fin = p.tipo_pieza == i_PIEZA_FIN_FICHERO || p.tipo_pieza == i_PIEZA_ERROR;
+            if (!fin && xml->cursor % 3 == 1)
+                i_devuelve_pieza(xml.get()), i_lee_pieza(xml.get());
+        } else {
+            const int32_t tipo = i_lee_registro(xml.get(), modo == 1 ? CIERTO : FALSO);
+            r += describe(xml->registro);
+            fin = tipo == i_REGISTRO_FIN_FICHERO || tipo == i_REGISTRO_ERROR;
+        }
+        r += " @" + std::to_string(xml->ind_linea) + ":" + std::to_string(xml->ind_columna) + ":" +
+             std::to_string(xml->etiquetas_abiertas.size()) + "\n";
+        if (fin)
+            return r;
+    }
+}
+
 TEST(Comprobacion, MensajeSoloCuandoHayFalta) {
     Lineas bueno{"<a/>"};
     CADENA mensaje = zarn::dup("previo");
@@ -25,7 +48,8 @@ TEST(Comprobacion, MensajeSoloCuandoHayFalta) {
 
 // The corpus: each NAME.xml has its exact message, or "ok", in NAME.msg, after an optional first
 // line "@" with the root tag and "literal". Read as a file and as the lines of that file, a
-// document gives the same answer.
+// document gives the same answer, and the same pieces and records at the same positions (a
+// file's plain lines are cut in one pass, a list's piece by piece).
 TEST(Comprobacion, CorpusDeDocumentos) {
     const auto todos = casos("malformados", ".msg");
     EXPECT_GE(todos.size(), 50u);
@@ -42,6 +66,11 @@ TEST(Comprobacion, CorpusDeDocumentos) {
         EXPECT_EQ(comprueba_fichero(ruta, r, literal), esperado) << ruta.filename();
         const Lineas l(elementos(zarnfxml_lee_lineas_fichero(ruta.u16string().c_str())));
         EXPECT_EQ(comprueba_lineas(l, r, literal), esperado) << ruta.filename();
+        const zybool lit = literal ? CIERTO : FALSO;
+        for (int modo = 0; modo < 3; ++modo)
+            EXPECT_EQ(traza(i_crea_para_lectura_de_fichero_u(ruta.u16string().c_str(), lit), modo),
+                      traza(i_crea_para_lectura_de_lineas(l.a, lit), modo))
+                << ruta.filename() << " " << modo;
     }
 }
 
