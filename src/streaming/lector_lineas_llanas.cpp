@@ -1,11 +1,12 @@
-// The fast road of the whole-document reads: the lines of a file that hold only whole tags and
-// one-line fields (the lines that a writer makes) are read without pieces. Such a line is cut and
-// checked as the lexer and the record layer would, and then gives the records that they would
-// give, in the same order and with the same content; the check asks for none. A line with
-// anything else (a definition, a comment, CDATA, a line-break tag, a byte order mark, a tag or
-// text that goes on to the next line, a text outside a field, an element at the top level, a
-// fault) is left whole to the pieces, which read it from its first byte with the state that
-// they would have had there, and give the same answer, message, line and column as ever.
+// The plain-line road of the reader: the lines of a file that hold only whole tags and one-line
+// fields (the lines that a writer makes) are cut in one pass, not piece by piece. Such a line is
+// checked as the lexer and the record layer would check it, and then gives what they would give:
+// nothing but the stack to the check, the records in order to the tree and the walk, the pieces
+// one at a time to the strict reader, each with the position, level and stack behind it. A line
+// with anything else (a definition, a comment, CDATA, a line-break tag, a byte order mark, a tag
+// or text that goes on to the next line, a text outside a field, an element at the top level, a
+// fault) is left whole to the lexer, which reads it from its first byte with the state that it
+// would have had there, and gives the same answer, message, line and column as ever.
 #include "streaming/escaneo.hpp"
 #include "streaming/lector.hpp"
 
