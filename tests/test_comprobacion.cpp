@@ -16,8 +16,19 @@
 namespace fs = std::filesystem;
 
 // Every piece (one in three given back and read again), or every record with or without empty
-// fields, of a reader, each with the reader's position and the depth of its stack behind it.
+// fields, of a reader, each with the reader's position and the depth of its stack behind it; or
+// (modo 3) the records of a whole-document read, as the tree gets them, and its answer.
 static std::string traza(std::unique_ptr<i_xml_lectura> xml, int modo) {
+    if (modo == 3) {
+        std::string r;
+        CADENA m = nullptr;
+        const auto anota = [&](i_tipo_registro_t, const i_registro_t &g) {
+            return r += describe(g) + "\n", true;
+        };
+        r += i_recorre_registros(xml.get(), CIERTO, anota, &m) ? "ok" : m;
+        zarn::libera(m);
+        return r;
+    }
     for (std::string r;;) {
         bool fin = false;
         if (modo == 0) {
@@ -67,7 +78,7 @@ TEST(Comprobacion, CorpusDeDocumentos) {
         const Lineas l(elementos(zarnfxml_lee_lineas_fichero(ruta.u16string().c_str())));
         EXPECT_EQ(comprueba_lineas(l, r, literal), esperado) << ruta.filename();
         const zybool lit = literal ? CIERTO : FALSO;
-        for (int modo = 0; modo < 3; ++modo)
+        for (int modo = 0; modo < 4; ++modo)
             EXPECT_EQ(traza(i_crea_para_lectura_de_fichero_u(ruta.u16string().c_str(), lit), modo),
                       traza(i_crea_para_lectura_de_lineas(l.a, lit), modo))
                 << ruta.filename() << " " << modo;
@@ -118,7 +129,8 @@ TEST(Robustez, UnaTuberiaDaLoMismoQueUnFichero) {
     DirTemporal dir;
     const fs::path tubo = dir / "tubo";
     ASSERT_EQ(mkfifo(tubo.c_str(), 0600), 0);
-    for (const std::string &doc : {std::string("<a><b>"), largo + "</bloque_de_nombre_largo>\n</raiz>\n", largo, utf16}) {
+    for (const std::string &doc :
+         {std::string("<a><b>"), largo + "</bloque_de_nombre_largo>\n</raiz>\n", largo, utf16}) {
         escribe_fichero(dir / "f.xml", doc);
         for (const auto &operacion : operaciones) {
             std::atomic<bool> hecho = false;
