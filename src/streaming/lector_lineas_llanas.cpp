@@ -140,12 +140,13 @@ public:
                                     {s, abierta.size()}, 0, 0, s + abierta.size() + 1};
         return s + abierta.size() + 1;
     }
-    // The properties of piece p as the lexer keeps them, with the encoding in force.
-    void copia_propiedades(const PiezaLlana &p, i_propiedades_t &destino,
-                           int32_t codificacion) const {
+    // The tag and properties of start tag p into a piece or record just emptied, as the lexer
+    // keeps them, with the encoding in force.
+    void copia_inicio(const PiezaLlana &p, i_contenido_t &destino, int32_t codificacion) const {
+        destino.etiqueta.assign(p.texto);
         for (uint32_t k = 0; k < p.num_propiedades; ++k) {
             const PropiedadLlana &q = propiedades_[p.primera_propiedad + k];
-            i_propiedad_lectura_t &d = destino.nueva();
+            i_propiedad_lectura_t &d = destino.propiedades.nueva();
             d.texto_propiedad.assign(q.nombre);
             d.dato_propiedad.bruto().assign(q.valor);
             d.dato_propiedad.fija_codificacion(codificacion);
@@ -271,18 +272,15 @@ public:
         if (hay_espera && n == 0)
             return true; // a blank line: the start tag waits on
         if (hay_espera) {
-            const PiezaLlana *siguiente = n > 0 ? &linea.pieza(0) : nullptr;
-            if (siguiente && siguiente->tipo == i_PIEZA_DATO) {
-                campo_de_espera(&siguiente->texto);
+            const PiezaLlana &siguiente = linea.pieza(0);
+            if (siguiente.tipo == i_PIEZA_DATO) {
+                de_espera(i_REGISTRO_CAMPO, &siguiente.texto);
                 i = 2;
-            } else if (siguiente && siguiente->tipo == i_PIEZA_FIN_BLOQUE && admite_) {
-                campo_de_espera(nullptr);
+            } else if (siguiente.tipo == i_PIEZA_FIN_BLOQUE && admite_) {
+                de_espera(i_REGISTRO_CAMPO, nullptr);
                 i = 1;
             } else {
-                r_.reinicia(i_REGISTRO_INICIO_BLOQUE, espera_.nivel_etiquetado);
-                r_.etiqueta.assign(espera_.etiqueta);
-                r_.propiedades.intercambia(espera_.propiedades);
-                espera_.propiedades.clear();
+                de_espera(i_REGISTRO_INICIO_BLOQUE, nullptr);
             }
             if (!emite())
                 return false;
@@ -312,13 +310,11 @@ public:
                 if (!admite_) {
                     if (!emite())
                         return false;
-                    r_.reinicia(i_REGISTRO_FIN_BLOQUE, p.nivel);
-                    r_.etiqueta.assign(p.texto);
+                    fin_bloque(p);
                 }
                 break;
             case i_PIEZA_FIN_BLOQUE:
-                r_.reinicia(i_REGISTRO_FIN_BLOQUE, p.nivel);
-                r_.etiqueta.assign(p.texto);
+                fin_bloque(p);
                 break;
             default:
                 ZARN_DEFAULT_ERROR(ORIGEN_STREAMING);
@@ -333,8 +329,11 @@ private:
     bool emite() { return emite_(contexto_, r_.tipo_registro, r_); }
     void de_pieza(i_tipo_registro_t tipo, const LineaLlana<true> &linea, const PiezaLlana &p) {
         r_.reinicia(tipo, p.nivel);
+        linea.copia_inicio(p, r_, codificacion_);
+    }
+    void fin_bloque(const PiezaLlana &p) {
+        r_.reinicia(i_REGISTRO_FIN_BLOQUE, p.nivel);
         r_.etiqueta.assign(p.texto);
-        linea.copia_propiedades(p, r_.propiedades, codificacion_);
     }
     void dato(const std::string_view *texto) {
         if (!texto)
@@ -342,8 +341,10 @@ private:
         r_.dato.bruto().assign(*texto);
         r_.dato.fija_codificacion(codificacion_);
     }
-    void campo_de_espera(const std::string_view *texto) {
-        r_.reinicia(i_REGISTRO_CAMPO, espera_.nivel_etiquetado);
+    // The record of the waiting start tag, which it takes over: a field (with its text, if any)
+    // or a block start.
+    void de_espera(i_tipo_registro_t tipo, const std::string_view *texto) {
+        r_.reinicia(tipo, espera_.nivel_etiquetado);
         r_.etiqueta.assign(espera_.etiqueta);
         r_.propiedades.intercambia(espera_.propiedades);
         espera_.propiedades.clear();
@@ -351,8 +352,7 @@ private:
     }
     void guarda_espera(const LineaLlana<true> &linea, const PiezaLlana &p) {
         espera_.reinicia(i_PIEZA_INICIO_BLOQUE, p.nivel);
-        espera_.etiqueta.assign(p.texto);
-        linea.copia_propiedades(p, espera_.propiedades, codificacion_);
+        linea.copia_inicio(p, espera_, codificacion_);
     }
 
     i_registro_t &r_;
@@ -476,8 +476,7 @@ void entrega(i_xml_lectura &xml, i_cola_llana &cola, i_pieza_t &pieza) {
         pila.emplace_back(p.texto);
         [[fallthrough]];
     case i_PIEZA_INICIO_Y_FIN_BLOQUE:
-        pieza.etiqueta.assign(p.texto);
-        cola.linea.copia_propiedades(p, pieza.propiedades, codificacion);
+        cola.linea.copia_inicio(p, pieza, codificacion);
         break;
     case i_PIEZA_DATO:
         pieza.dato.bruto().assign(p.texto);
